@@ -1,0 +1,74 @@
+#include "AssetRegistry/BlueprintIndex.h"
+
+#include "RegistrySnapshot.h"
+
+namespace
+{
+uint32 ToRow(int32 Index)
+{
+	return static_cast<uint32>(Index);
+}
+
+/** NoId and INDEX_NONE are the same bits. */
+int32 ToIndex(uint32 Id)
+{
+	return static_cast<int32>(Id);
+}
+}
+
+int32 FBlueprintIndexView::NumBlueprints() const
+{
+	return Snapshot ? static_cast<int32>(Snapshot->Image->GetTables().IndexedAssets.size()) : 0;
+}
+
+FAssetData FBlueprintIndexView::GetBlueprint(int32 Blueprint) const
+{
+	return Snapshot->MakeAssetData(Snapshot->Image->GetTables().IndexedAssets[ToRow(Blueprint)]);
+}
+
+bool FBlueprintIndexView::IsRegistryFiltered(int32 Blueprint) const
+{
+	return Snapshot->Image->IsFiltered(Snapshot->Image->GetTables().IndexedAssets[ToRow(Blueprint)]);
+}
+
+FBlueprintIndexView::FEntryRange FBlueprintIndexView::GetEntries(int32 Blueprint) const
+{
+	const FRegistryTables& Tables = Snapshot->Image->GetTables();
+	const uint32 Package = Tables.AssetPackages[Tables.IndexedAssets[ToRow(Blueprint)]];
+	const FRowRange Entries = FRegistryTables::RangeOf(Tables.FirstEntries, Package);
+	return {ToIndex(Entries.Begin), ToIndex(Entries.End)};
+}
+
+FBlueprintIndexView::FEntry FBlueprintIndexView::GetEntry(int32 Entry) const
+{
+	const FRegistryTables& Tables = Snapshot->Image->GetTables();
+	const uint32 Row = ToRow(Entry);
+	return {.Category = ToIndex(Tables.EntryCategories[Row]),
+		.Text = ToIndex(Tables.EntryTexts[Row]),
+		.Comment = ToIndex(Tables.EntryComments[Row]),
+		.Depth = Tables.EntryDepths[Row]};
+}
+
+int32 FBlueprintIndexView::NumTexts() const
+{
+	return Snapshot ? ToIndex(Snapshot->Image->GetTables().NumTexts(EZone::Entries)) : 0;
+}
+
+FStringView FBlueprintIndexView::GetText(int32 Text) const
+{
+	return Snapshot->Image->GetTables().GetText(EZone::Entries, ToRow(Text));
+}
+
+FStringView FBlueprintIndexView::GetFoldedText(int32 Text) const
+{
+	return Snapshot->Image->GetTables().GetFolded(EZone::Entries, ToRow(Text));
+}
+
+FStringView FBlueprintIndexView::GetFoldedTexts() const
+{
+	if (NumTexts() == 0)
+		return {};
+	const FStringView First = GetFoldedText(0);
+	const FStringView Last = GetFoldedText(NumTexts() - 1);
+	return FStringView(First.data(), static_cast<std::size_t>(Last.data() + Last.size() + 1 - First.data()));
+}

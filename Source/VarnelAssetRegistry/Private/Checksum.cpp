@@ -1,0 +1,8 @@
+#include "Checksum.h"
+
+#include <xxhash.h>
+
+uint64 HashBytes(std::string_view Bytes)
+{
+	return XXH3_64bits(Bytes.data(), Bytes.size());
+}

@@ -1,0 +1,103 @@
+#pragma once
+
+#include "AssetRegistry/IAssetRegistry.h"
+#include "Core/Diagnostics.h"
+#include "CoreObject/PackageSource.h"
+
+#include <atomic>
+#include <stop_token>
+
+/** Folder whose packages a registry lists. */
+struct FRegistryRoot
+{
+	FString Root;	// "/Game"
+	FString Folder; // absolute, with a trailing slash
+};
+
+enum class ERegistryCache : uint8
+{
+	Use,	 // read it, and write it when something changed
+	Ignore,	 // neither read nor write
+	Rebuild, // write a new one without looking at the old
+};
+
+struct FRegistryScanOptions
+{
+	TArray<FRegistryRoot> Roots;
+	TArray<const IPackageSource*> Sources;
+	FString ProjectFolder;		  // for the names in diagnostics
+	TArray<FString> CacheFolders; // tried in order for reading and for writing; the file in them is named by the registry
+	ERegistryCache Cache = ERegistryCache::Use;
+	int32 NumThreads = 0;
+	FDiagnosticSink* Diagnostics = nullptr;
+	/** Files done so far and in all, for progress; may be null. */
+	std::atomic<int32>* NumDone = nullptr;
+	std::atomic<int32>* NumTotal = nullptr;
+	std::stop_token Stop;
+};
+
+/** What a scan did, for `info` and benchmarks. Seconds are wall-clock. */
+struct FRegistryScanReport
+{
+	int32 NumFiles = 0;
+	int32 NumParsed = 0;  // files whose header was read; the others came from the cache
+	int32 NumSkipped = 0; // files that gave no package
+	bool bCacheUsed = false;
+	bool bCacheWritten = false;
+	FString CacheFile;	// where it was read from or written to; "" when nowhere
+	FString CacheState; // one phrase for people: "up to date", "updated (12 files)", "rebuilt: damaged", ...
+	double ListSeconds = 0;
+	double ParseSeconds = 0;
+	double BuildSeconds = 0;
+};
+
+/** The headless registry: one immutable image of columns, swapped whole by a scan. */
+class FAssetRegistry : public IAssetRegistry
+{
+public:
+	FAssetRegistry();
+	~FAssetRegistry() override;
+
+	/**
+	 * Lists the packages below the roots, reads the headers that the cache does not know, and replaces what the registry holds. A
+	 * file that cannot be read or parsed, a name that is taken (without regard to case; the first in byte order stays) or no
+	 * valid package name is reported and skipped. False only when stopped: the registry then keeps what it held.
+	 */
+	bool Scan(const FRegistryScanOptions& Options, FRegistryScanReport& OutReport);
+	/** Declares the parents of classes that are not Blueprint-generated (native and declared ones), before a scan. */
+	void SetClassParents(const TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>>& ChildAndParent);
+
+	int32 NumPackages() const;
+	int32 NumAssets() const;
+	int64 NumDependencies() const;
+	/** Bytes of the image, whether in memory or mapped. */
+	int64 GetImageBytes() const;
+	/** Number of assets per class path, registry-filtered ones included, in ascending order of the class path. */
+	TArray<std::pair<FTopLevelAssetPath, int32>> CountAssetsByClass() const;
+	/** The file of a package, absolute; "" when the registry does not know it. */
+	FString GetPackageFileName(FName PackageName, const IPackageSource*& OutSource) const;
+	/** Readable dump of all columns, for people who look for a fault. */
+	void Dump(const std::function<void(FStringView Line)>& Write) const;
+
+	// IAssetRegistry
+	void GetAssets(const FARFilter& Filter, TArray<FAssetData>& OutAssets, bool bSkipARFilteredAssets) const override;
+	void GetAllAssets(TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets) const override;
+	void EnumerateAssets(
+		const FARFilter& Filter, const std::function<bool(const FAssetData&)>& Visit, bool bSkipARFilteredAssets) const override;
+	FAssetData GetAssetByObjectPath(
+		const FSoftObjectPath& ObjectPath, bool bIncludeOnlyOnDiskAssets, bool bSkipARFilteredAssets) const override;
+	void GetAssetsByPackageName(FName PackageName, TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets,
+		bool bSkipARFilteredAssets) const override;
+	bool HasPackage(FName PackageName) const override;
+	bool GetDependencies(FName PackageName, TArray<FPackageDependency>& OutDependencies) const override;
+	bool GetReferencers(FName PackageName, TArray<FPackageDependency>& OutReferencers) const override;
+	int32 GetNumDependencies(FName PackageName) const override;
+	int32 GetNumReferencers(FName PackageName) const override;
+	void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const override;
+	void GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const override;
+	FBlueprintIndexView GetBlueprintIndex() const override;
+
+private:
+	struct FState;
+	TUniquePtr<FState> State;
+};

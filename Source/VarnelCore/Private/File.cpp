@@ -1,0 +1,214 @@
+#include "Core/File.h"
+
+#include "Core/Unicode.h"
+#include "PathResolver.h"
+#include "SecureOpen.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+constexpr FStringView Utf8Mark = "\xEF\xBB\xBF";
+constexpr FStringView Utf16LittleMark = "\xFF\xFE";
+constexpr FStringView Utf16BigMark = "\xFE\xFF";
+constexpr int32 MaxTemporaryNames = 100; // tried before saving gives up
+
+bool MatchesEveryName(FStringView Wildcard)
+{
+	return Wildcard == "*" || Wildcard == "*.*";
+}
+
+/** Both folded. "*" stands for any text, "?" for one code point. On a mismatch only the last star can give way, so this takes no
+ * recursion. */
+bool MatchesWildcard(FStringView Name, FStringView Wildcard)
+{
+	std::size_t At = 0, Pattern = 0, AfterStar = FStringView::npos, StarTo = 0;
+	while (At < Name.size())
+	{
+		if (Pattern < Wildcard.size() && Wildcard[Pattern] == '*')
+		{
+			AfterStar = ++Pattern;
+			StarTo = At;
+		}
+		else if (Pattern < Wildcard.size() && (Wildcard[Pattern] == '?' || Wildcard[Pattern] == Name[At]))
+		{
+			if (Wildcard[Pattern++] == '?')
+				Unicode::DecodeNext(Name, At);
+			else
+				++At;
+		}
+		else if (AfterStar != FStringView::npos)
+		{
+			Pattern = AfterStar;
+			Unicode::DecodeNext(Name, StarTo);
+			At = StarTo;
+		}
+		else
+			return false;
+	}
+	return Wildcard.find_first_not_of('*', Pattern) == FStringView::npos;
+}
+
+class FFileManager final : public IFileManager
+{
+public:
+	void FindFilesRecursive(TArray<FString>& OutFiles, const FString& Root, const FString& Wildcard) override;
+	bool FileExists(const FString& Path) override;
+	bool DirectoryExists(const FString& Path) override;
+	bool MakeDirectory(const FString& Path) override;
+};
+
+void FFileManager::FindFilesRecursive(TArray<FString>& OutFiles, const FString& Root, const FString& Wildcard)
+{
+	const bool bEvery = MatchesEveryName(Wildcard);
+	const std::string Folded = Unicode::Fold(Wildcard);
+	FFileTreeOptions Options;
+	Options.KeepFile = [&](std::string_view RelativePath)
+	{
+		return Unicode::IsValidUtf8(RelativePath) &&
+			(bEvery || MatchesWildcard(Unicode::Fold(FPaths::GetCleanFilename(RelativePath)), Folded));
+	};
+	const FFileTree Tree = FFileTree::List(Root, Options);
+	const FString Folder = FPaths::ConvertRelativePathToFull(Root);
+	OutFiles.Reset();
+	OutFiles.Reserve(Tree.Num());
+	for (int32 Index = 0; Index < Tree.Num(); ++Index)
+		OutFiles.Add(FPaths::Combine(Folder, Tree.GetRelativePath(Index)));
+}
+
+bool FFileManager::FileExists(const FString& Path)
+{
+	return SecureOpen::IsRegularFile(PathResolver::Open(Path, SecureOpen::ToLookAt));
+}
+
+bool FFileManager::DirectoryExists(const FString& Path)
+{
+	return PathResolver::Open(Path, SecureOpen::ToPassFolder).IsOpen();
+}
+
+bool FFileManager::MakeDirectory(const FString& Path)
+{
+	const FString Full = FPaths::ConvertRelativePathToFull(Path);
+	const FStringView Text = Full.View();
+	for (std::size_t Start = 1; Start < Text.size() && !DirectoryExists(Full);)
+	{
+		const std::size_t End = std::min(Text.find('/', Start), Text.size());
+		const FString Parent(Text.substr(0, Start));
+		const FString Name(Text.substr(Start, End - Start));
+		const FFileHandle Folder = PathResolver::Open(Parent, SecureOpen::ToPassFolder);
+		if (!Folder.IsOpen() || (mkdirat(Folder.Get(), *Name, 0777) != 0 && errno != EEXIST))
+			return false;
+		Start = End + 1;
+	}
+	return DirectoryExists(Full);
+}
+
+bool WriteAll(const FFileHandle& File, FStringView Bytes)
+{
+	while (!Bytes.empty())
+	{
+		const ssize_t Written = write(File.Get(), Bytes.data(), Bytes.size());
+		if (Written < 0 && errno != EINTR)
+			return false;
+		Bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(Written, 0)));
+	}
+	return true;
+}
+
+/** A name that other programs and threads do not use at the same time. It is short, since the target's own may have the longest
+ * length allowed. */
+FFileHandle CreateTemporary(const FFileHandle& Folder, std::string& OutName)
+{
+	static std::atomic<uint32> Counter = 0;
+	for (int32 Try = 0; Try < MaxTemporaryNames; ++Try)
+	{
+		OutName = ".save-" + std::to_string(getpid()) + "-" + std::to_string(Counter++) + ".tmp";
+		FFileHandle File(openat(Folder.Get(), OutName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+		if (File.IsOpen() || errno != EEXIST)
+			return File;
+	}
+	return {};
+}
+
+/** A file that only its owner may read stays so. */
+void KeepPermissions(const FFileHandle& Folder, const std::string& TargetName, const FFileHandle& File)
+{
+	struct stat Status;
+	if (fstatat(Folder.Get(), TargetName.c_str(), &Status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(Status.st_mode))
+		static_cast<void>(fchmod(File.Get(), Status.st_mode & 0777));
+}
+
+bool ReplaceFile(const FFileHandle& Folder, const std::string& TargetName, FStringView Bytes)
+{
+	std::string TemporaryName;
+	FFileHandle File = CreateTemporary(Folder, TemporaryName);
+	if (!File.IsOpen())
+		return false;
+	KeepPermissions(Folder, TargetName, File);
+	const bool bWritten = WriteAll(File, Bytes) && File.Close();
+	if (bWritten && renameat(Folder.Get(), TemporaryName.c_str(), Folder.Get(), TargetName.c_str()) == 0)
+		return true;
+	unlinkat(Folder.Get(), TemporaryName.c_str(), 0);
+	return false;
+}
+}
+
+IFileManager& IFileManager::Get()
+{
+	static FFileManager Manager;
+	return Manager;
+}
+
+bool FFileHelper::LoadFileToString(FString& Out, const FString& Path)
+{
+	std::string Bytes;
+	if (LoadFileToBytes(Bytes, Path, MaxTextFileBytes) != EFileRead::Ok)
+		return false;
+	std::string Scratch;
+	const FStringView Text = DecodeText(Bytes, Scratch);
+	if (Text.data() == Bytes.data() && Text.size() == Bytes.size())
+		Out = FString(std::move(Bytes));
+	else if (Text.data() == Scratch.data() && Text.size() == Scratch.size())
+		Out = FString(std::move(Scratch));
+	else
+		Out = FString(Text);
+	return true;
+}
+
+FStringView FFileHelper::DecodeText(std::string_view Bytes, std::string& Scratch)
+{
+	if (Bytes.starts_with(Utf16LittleMark) || Bytes.starts_with(Utf16BigMark))
+	{
+		const bool bBigEndian = Bytes.starts_with(Utf16BigMark);
+		Scratch = Unicode::Utf16ToUtf8(Bytes.substr(Utf16LittleMark.size()), bBigEndian);
+		return Scratch;
+	}
+	if (Bytes.starts_with(Utf8Mark))
+		Bytes.remove_prefix(Utf8Mark.size());
+	if (Unicode::IsValidUtf8(Bytes))
+		return Bytes;
+	Scratch = Unicode::RepairUtf8(Bytes);
+	return Scratch;
+}
+
+EFileRead FFileHelper::LoadFileToBytes(std::string& Out, const FString& Path, uint64 MaxBytes)
+{
+	Out.clear();
+	const FFileHandle File = PathResolver::Open(Path, SecureOpen::ToReadFile);
+	return File.IsOpen() ? SecureOpen::ReadRegularFile(File, Out, MaxBytes, 0) : SecureOpen::ToFileRead(errno);
+}
+
+bool FFileHelper::SaveStringToFile(FStringView Text, const FString& Path)
+{
+	const FString Full = FPaths::ConvertRelativePathToFull(Path);
+	const FString FolderPath(Full.View().substr(0, Full.View().rfind('/') + 1));
+	const std::string Name(FPaths::GetCleanFilename(Full));
+	if (Name.empty() || Path.View().ends_with('/') || !IFileManager::Get().MakeDirectory(FolderPath))
+		return false;
+	const FFileHandle Folder = PathResolver::Open(FolderPath, SecureOpen::ToPassFolder);
+	return Folder.IsOpen() && ReplaceFile(Folder, Name, Text);
+}

@@ -1,0 +1,102 @@
+#include "Core/FileTree.h"
+
+#include "Core/Assert.h"
+#include "FolderWalk.h"
+#include "PathResolver.h"
+#include "SecureOpen.h"
+
+#include <cerrno>
+
+namespace
+{
+EFileRead ReadBeneath(const FFileHandle& Folder, std::string_view Path, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
+{
+	const FFileHandle File = SecureOpen::OpenBeneath(Folder.Get(), Path, SecureOpen::ToReadFile);
+	if (File.IsOpen())
+		return SecureOpen::ReadRegularFile(File, Buffer, MaxBytes, Padding);
+	Buffer.clear();
+	return SecureOpen::ToFileRead(errno);
+}
+}
+
+FFileTree::FFileTree() = default;
+FFileTree::~FFileTree() = default;
+FFileTree::FFileTree(FFileTree&&) noexcept = default;
+FFileTree& FFileTree::operator=(FFileTree&&) noexcept = default;
+
+FFileTree FFileTree::List(FStringView Root, const FFileTreeOptions& Options)
+{
+	FFileTree Tree;
+	Tree.Root = std::make_unique<FFileHandle>(PathResolver::Open(Root, SecureOpen::ToPassFolder));
+	if (!Tree.Root->IsOpen())
+	{
+		if (SecureOpen::ToFileRead(errno) == EFileRead::Unreadable)
+			Tree.UnreadableFolders.emplace_back();
+		return Tree;
+	}
+	FFolderWalk Walk(*Tree.Root, Options);
+	if (Walk.Run())
+		Tree.Gather(Walk);
+	return Tree;
+}
+
+void FFileTree::Gather(const FFolderWalk& Walk)
+{
+	Arena.reserve(Walk.CountPathBytes());
+	Files.reserve(Walk.CountFiles());
+	Walk.Visit(
+		[this](std::string_view Folder, std::string_view Name, const FFileStamp* Stamp)
+		{
+			const std::size_t FolderLength = Folder.empty() ? 0 : Folder.size() - 1;
+			Files.push_back({.PathStart = Arena.size(),
+				.PathLength = static_cast<uint32>(Folder.size() + Name.size()),
+				.FolderLength = static_cast<uint32>(FolderLength)});
+			Arena.append(Folder).append(Name);
+			if (Stamp)
+				Stamps.push_back(*Stamp);
+		});
+	UnreadableFolders = Walk.GetUnreadableFolders();
+}
+
+std::string_view FFileTree::GetRelativePath(int32 Index) const
+{
+	checkf(Index >= 0 && Index < Num(), "file index out of range");
+	const FFile& File = Files[static_cast<std::size_t>(Index)];
+	return std::string_view(Arena).substr(File.PathStart, File.PathLength);
+}
+
+const FFileStamp& FFileTree::GetStamp(int32 Index) const
+{
+	checkf(Index >= 0 && static_cast<std::size_t>(Index) < Stamps.size(), "the tree was listed without stamps");
+	return Stamps[static_cast<std::size_t>(Index)];
+}
+
+EFileRead FFileTree::Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding) const
+{
+	return ReadBeneath(*Root, GetRelativePath(Index), Buffer, MaxBytes, Padding);
+}
+
+FFileTreeReader::FFileTreeReader(const FFileTree& InTree) : Tree(InTree), Folder(std::make_unique<FFileHandle>())
+{
+}
+
+FFileTreeReader::~FFileTreeReader() = default;
+
+EFileRead FFileTreeReader::Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
+{
+	const std::string_view Path = Tree.GetRelativePath(Index);
+	const std::size_t FolderLength = Tree.Files[static_cast<std::size_t>(Index)].FolderLength;
+	if (FolderLength == 0)
+		return ReadBeneath(*Tree.Root, Path, Buffer, MaxBytes, Padding);
+	if (!Folder->IsOpen() || FolderPath != Path.substr(0, FolderLength))
+	{
+		FolderPath = Path.substr(0, FolderLength);
+		*Folder = SecureOpen::OpenBeneath(Tree.Root->Get(), FolderPath, SecureOpen::ToPassFolder);
+	}
+	if (!Folder->IsOpen())
+	{
+		Buffer.clear();
+		return SecureOpen::ToFileRead(errno);
+	}
+	return ReadBeneath(*Folder, Path.substr(FolderLength + 1), Buffer, MaxBytes, Padding);
+}

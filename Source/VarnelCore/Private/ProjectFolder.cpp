@@ -1,0 +1,30 @@
+#include "Core/ProjectFolder.h"
+
+#include "PathResolver.h"
+#include "SecureOpen.h"
+
+FProjectFolder::FProjectFolder(const FString& Root)
+	: Handle(MakeUnique<FFileHandle>(PathResolver::Open(Root, SecureOpen::ToPassFolder)))
+{
+}
+
+FProjectFolder::~FProjectFolder() = default;
+
+bool FProjectFolder::IsOpen() const
+{
+	return Handle->IsOpen();
+}
+
+EFileRead FProjectFolder::Read(FStringView RelativePath, std::string& Buffer, uint64 MaxBytes) const
+{
+	Buffer.clear();
+	if (!IsOpen())
+		return EFileRead::Missing;
+	const FFileHandle File = SecureOpen::OpenBeneath(Handle->Get(), RelativePath, SecureOpen::ToReadFile);
+	return File.IsOpen() ? SecureOpen::ReadRegularFile(File, Buffer, MaxBytes, 0) : SecureOpen::ToFileRead(errno);
+}
+
+bool FProjectFolder::IsFile(FStringView RelativePath) const
+{
+	return IsOpen() && SecureOpen::IsRegularFile(SecureOpen::OpenBeneath(Handle->Get(), RelativePath, SecureOpen::ToLookAt));
+}

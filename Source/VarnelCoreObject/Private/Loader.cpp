@@ -1,0 +1,215 @@
+#include "CoreObject/Loader.h"
+
+#include <vector>
+
+namespace
+{
+/** Packages that wait for one another's classes while they load. Each takes some stack. */
+constexpr std::size_t MaxNestedLoads = 64;
+
+/** A package whose file is being read. */
+struct FRunningLoad
+{
+	FName PackageName;
+	FString FileName;
+};
+
+class FLoader
+{
+public:
+	static FLoader& Get();
+	void SetLocator(FPackageLocator InLocator);
+	void SetDiagnostics(FDiagnosticSink* InDiagnostics) { Diagnostics = InDiagnostics; }
+	UPackage* Load(FName PackageName);
+	UObject* FindOrLoad(const FSoftObjectPath& Path);
+	void UnloadAll();
+
+private:
+	UPackage* LoadFromFile(FName PackageName);
+	bool ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes);
+	bool ReadPackage(const FPackageFile& File, UPackage& Package);
+	bool IsRunning(FName PackageName) const;
+	void Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text);
+	FString WhereNeeded(FName PackageName) const;
+
+	FPackageLocator Locator;
+	FDiagnosticSink* Diagnostics = nullptr;
+	std::vector<FRunningLoad> Running; // outermost first
+	TSet<FName> Loaded;				   // from files
+	TSet<FName> Failed;
+	TSet<FString> ReportedObjects; // paths that name no object, told once
+};
+
+FLoader& FLoader::Get()
+{
+	static FLoader Loader;
+	return Loader;
+}
+
+void FLoader::SetLocator(FPackageLocator InLocator)
+{
+	Locator = std::move(InLocator);
+	Failed.Empty();
+	ReportedObjects.Empty();
+}
+
+UPackage* FLoader::Load(FName PackageName)
+{
+	UPackage* const InMemory = FindPackage(PackageName);
+	if (InMemory && (InMemory->IsFullyLoaded() || IsRunning(PackageName)))
+		return InMemory;
+	if (PackageName.IsNone() || Failed.Contains(PackageName))
+		return InMemory;
+	if (Running.size() >= MaxNestedLoads)
+	{
+		Report(EDiagnosticSeverity::Error, Running.back().FileName, "load-depth",
+			"package " + PackageName.ToString() +
+				" is not loaded: too many packages need the next one's classes while they load");
+		return nullptr;
+	}
+	return LoadFromFile(PackageName);
+}
+
+/** The package as it is in memory where it has no file. */
+UPackage* FLoader::LoadFromFile(FName PackageName)
+{
+	const TOptional<FPackageFile> File = Locator ? Locator(PackageName) : TOptional<FPackageFile>();
+	UPackage* Package = FindPackage(PackageName);
+	if (!File)
+	{
+		Failed.Add(PackageName);
+		if (!Package)
+			Report(EDiagnosticSeverity::Warning, WhereNeeded(PackageName), "no-such-package",
+				"there is no package " + PackageName.ToString());
+		return Package;
+	}
+	Package = FindPackage(File->PackageName.IsNone() ? PackageName : File->PackageName, true);
+	Running.push_back({PackageName, File->FileName});
+	const bool bRead = ReadPackage(*File, *Package);
+	Running.pop_back();
+	if (!bRead)
+	{
+		Failed.Add(PackageName);
+		UnloadPackage(Package);
+		return nullptr;
+	}
+	Package->MarkAsFullyLoaded();
+	Loaded.Add(PackageName);
+	return Package;
+}
+
+bool FLoader::ReadPackage(const FPackageFile& File, UPackage& Package)
+{
+	const TUniquePtr<IPackageReader> Reader = File.Source->MakeReader();
+	std::string Bytes;
+	return ReadFile(File, Reader->GetPadding(), Bytes) && Reader->ReadBody(Bytes, File.FileName, Package, Diagnostics);
+}
+
+bool FLoader::ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes)
+{
+	const uint64 MaxBytes = File.Source->GetMaxFileBytes();
+	const auto Fail = [this, &File](const char* Rule, const FString& Text)
+	{
+		Report(EDiagnosticSeverity::Error, File.FileName, Rule, Text);
+		return false;
+	};
+	switch (File.Read(Bytes, MaxBytes, Padding))
+	{
+		case EFileRead::Ok:
+			return true;
+		case EFileRead::Missing:
+			return Fail("missing-file", "the file is gone, so its package cannot be loaded");
+		case EFileRead::Unreadable:
+			return Fail("unreadable-file", "the file cannot be read, so its package cannot be loaded");
+		case EFileRead::TooLarge:
+			return Fail("too-large",
+				FString::Printf(
+					"the file is larger than %d MiB, so its package is not loaded", static_cast<int>(MaxBytes >> 20)));
+	}
+	return false;
+}
+
+UObject* FLoader::FindOrLoad(const FSoftObjectPath& Path)
+{
+	UPackage* const Package = Load(Path.Asset.PackageName);
+	if (!Package || Path.Asset.AssetName.IsNone())
+		return Package;
+	const FString Inside =
+		Path.SubPath.IsEmpty() ? Path.Asset.AssetName.ToString() : Path.Asset.AssetName.ToString() + ":" + Path.SubPath;
+	UObject* const Object = Package->FindInside(Inside);
+	if (!Object && Diagnostics && ReportedObjects.Add(Path.ToString()))
+		Report(EDiagnosticSeverity::Warning, WhereNeeded(Path.Asset.PackageName), "no-such-object",
+			"there is no object " + Path.ToString());
+	return Object;
+}
+
+void FLoader::UnloadAll()
+{
+	checkf(Running.empty(), "packages are unloaded while one of them is being loaded");
+	TArray<UObject*> Packages;
+	for (const FName Name : Loaded)
+	{
+		if (UPackage* const Package = FindPackage(Name))
+			Packages.Add(Package);
+	}
+	Loaded.Empty();
+	Failed.Empty();
+	ReportedObjects.Empty();
+	DestroyObjects(Packages);
+}
+
+bool FLoader::IsRunning(FName PackageName) const
+{
+	return std::any_of(
+		Running.begin(), Running.end(), [PackageName](const FRunningLoad& Load) { return Load.PackageName == PackageName; });
+}
+
+void FLoader::Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text)
+{
+	if (Diagnostics)
+		Diagnostics->Add({FileName, 0, 0, Severity, std::move(Text), Rule});
+}
+
+/** The file that asks for a package; the package's own name where nobody knows. */
+FString FLoader::WhereNeeded(FName PackageName) const
+{
+	return Running.empty() ? PackageName.ToString() : Running.back().FileName;
+}
+
+/** A path that is not full is one inside Outer. */
+FSoftObjectPath MakeFullPath(const UObject* Outer, FStringView ObjectPath)
+{
+	FSoftObjectPath Full(ObjectPath);
+	if (!Full.IsNull() || !Outer || ObjectPath.empty())
+		return Full;
+	const FString Base = Outer->GetPathName();
+	const bool bOuterIsAsset = Outer->GetOuter() && !Outer->GetOuter()->GetOuter();
+	return FSoftObjectPath(Base + (bOuterIsAsset ? ":" : ".") + ObjectPath);
+}
+}
+
+void SetPackageLocator(FPackageLocator Locator)
+{
+	FLoader::Get().SetLocator(std::move(Locator));
+}
+
+void SetLoadDiagnostics(FDiagnosticSink* Sink)
+{
+	FLoader::Get().SetDiagnostics(Sink);
+}
+
+UPackage* LoadPackage(FName PackageName, uint32)
+{
+	return FLoader::Get().Load(PackageName);
+}
+
+UObject* StaticLoadObject(UClass* Class, UObject* Outer, FStringView ObjectPath, uint32)
+{
+	UObject* const Object = FLoader::Get().FindOrLoad(MakeFullPath(Outer, ObjectPath));
+	return Object && (!Class || Object->IsA(Class)) ? Object : nullptr;
+}
+
+void UnloadAllLoadedPackages()
+{
+	FLoader::Get().UnloadAll();
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "Core/FileTree.h"
+#include "CoreObject/Class.h"
+#include "CoreObject/PackageSource.h"
+
+#include <functional>
+
+/** Load flags that callers pass through; the headless loader does nothing that they would forbid, so they have no effect here. */
+namespace ELoadFlags
+{
+constexpr uint32 None = 0;
+constexpr uint32 DisableDependencyPreloading = 0x1000;
+constexpr uint32 DeferDependencyLoads = 0x100000;
+constexpr uint32 DisableCompileOnLoad = 0x400000;
+}
+
+/** Where the loader finds the file of a package. */
+struct FPackageFile
+{
+	FString FileName; // relative to the project folder where possible, for diagnostics
+	const IPackageSource* Source = nullptr;
+	/** Reads the file's bytes, safely below its mounted folder. */
+	std::function<EFileRead(std::string& Buffer, uint64 MaxBytes, std::size_t Padding)> Read;
+	/** As the project spells it, whatever the spelling it was asked for in; None: as it was asked for. */
+	FName PackageName = {};
+};
+
+/** Set by whoever knows the project's packages (the registry), before anything loads. Null clears it: nothing can be loaded then.
+ * Failed loads are forgotten. */
+using FPackageLocator = std::function<TOptional<FPackageFile>(FName PackageName)>;
+void SetPackageLocator(FPackageLocator Locator);
+/** Receives what goes wrong while packages load; null: nobody listens. */
+void SetLoadDiagnostics(FDiagnosticSink* Sink);
+
+/** A hard reference to an object of another package, as it is read; nobody has looked yet whether that object is there. */
+struct FForeignReference
+{
+	FSoftObjectPath Target;
+	FTopLevelAssetPath
+		Class; // the object, or for class references the class, must be or derive from it; invalid: anything will do
+	bool bIsClassReference = false;
+	FDiagnostic At; // file, line and column; for whoever finds the reference broken to complete
+};
+/** Told of every such reference while packages load, for a check of all packages; null: nobody listens. Must not load. */
+void SetReferenceListener(std::function<void(const FForeignReference&)> Listener);
+
+/**
+ * The package, loaded fully; null when it has no file or a malformed body (remembered until packages are unloaded). Asked for
+ * while it is being loaded, the package as far as it is. A package in memory without a file is returned as it is. Reading a
+ * package loads others only for the classes and structures that it needs at once; a long chain of those is cut, reported, and
+ * what needed them goes without. Game thread.
+ */
+UPackage* LoadPackage(FName PackageName, uint32 LoadFlags = ELoadFlags::None);
+/**
+ * The object at a path, loading its package if it is not in memory; null when there is none or when it is no Class (null: any).
+ * Accepts the export form Class'/Game/A.A', a package alone, and with Outer set a path inside that. Case is ignored. Game thread.
+ */
+UObject* StaticLoadObject(UClass* Class, UObject* Outer, FStringView ObjectPath, uint32 LoadFlags = ELoadFlags::None);
+template <class T>
+T* LoadObject(FStringView ObjectPath)
+{
+	return static_cast<T*>(StaticLoadObject(T::StaticClass(), nullptr, ObjectPath));
+}
+/** Unloads every package that was loaded from a file and forgets failed loads. Not while a package is being loaded. */
+void UnloadAllLoadedPackages();

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Core/Containers.h"
+#include "Core/String.h"
+
+/**
+ * Long package names ("/Game/UI/W_Menu") and the folders they are mounted from. Mounting happens while a project opens, on the
+ * game thread; queries from any thread afterwards.
+ */
+namespace FPackageName
+{
+struct FMountPoint
+{
+	FString Root;	// "/Game", without a trailing slash
+	FString Folder; // absolute, with a trailing slash
+};
+
+/** False for a root that is mounted already, which keeps its first folder, for "/Script" and for what is no single name behind a
+ * slash. */
+bool MountRoot(const FString& Root, const FString& Folder);
+void UnmountAll();
+const TArray<FMountPoint>& GetMountPoints();
+
+/** Text before the first ".", or all of it: "/Game/A.A" gives "/Game/A". */
+FString ObjectPathToPackageName(FStringView ObjectPath);
+/** Text behind the last "/": "/Game/UI/W_Menu" gives "W_Menu". */
+FStringView GetShortName(FStringView PackageName);
+/** Text before the last "/": "/Game/UI/W_Menu" gives "/Game/UI". */
+FStringView GetLongPackagePath(FStringView PackageName);
+/** "/Root/..." with a segment behind the root, no empty or dot segment, none of \ : * ? " < > | ' , . & ! ~ and no control
+ * character. */
+bool IsValidLongPackageName(FStringView Text);
+
+/**
+ * Accepts the file of a package, with its extension, below a mounted folder (absolute, or relative to the project folder), and a
+ * long package name or object path below any mounted root (what follows the name is cut). The package need not exist. False for
+ * anything else; ".." never leads out of a mounted folder.
+ */
+bool TryConvertFilenameToLongPackageName(const FString& Filename, FString& OutPackageName);
+}

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "Core/Containers.h"
+#include "Core/Diagnostics.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+class UPackage;
+
+/** Bits of a package dependency. */
+namespace EDependencyFlags
+{
+constexpr uint8 Hard = 1;
+constexpr uint8 Game = 2;
+}
+
+/**
+ * What a package says about itself before its body. Made to be reused from file to file: vectors keep their storage, views stay
+ * valid until the reader's next call or a change of the bytes it was given.
+ */
+struct FPackageHeader
+{
+	struct FTag
+	{
+		std::string_view Key;
+		std::string_view Value;
+	};
+	struct FAsset
+	{
+		std::string_view Name;
+		std::string_view Class; // class path as written
+		std::string_view Outer; // object path of the outer, "" for an asset directly in the package
+		uint32 FirstTag = 0;
+		uint32 NumTags = 0;
+		bool bRegistryFiltered = false;
+	};
+	struct FDependency
+	{
+		std::string_view Package;
+		uint8 Flags = 0; // EDependencyFlags
+	};
+	struct FIndexEntry
+	{
+		std::string_view Category;
+		std::string_view Text;
+		std::string_view Comment;
+		uint32 Depth =
+			0; // 0 for entries directly below the Blueprint; an entry's parent is the nearest earlier one with a smaller depth
+	};
+	std::vector<FAsset> Assets;
+	std::vector<FTag> Tags;
+	std::vector<FDependency> Dependencies; // each package once, flags joined
+	/** In file order, parents before children. They belong to the first asset of a Blueprint class; without one they are still
+	 * listed, but mean nothing. */
+	std::vector<FIndexEntry> IndexEntries;
+
+	void Reset();
+};
+
+/** Reads packages of one format; holds the buffers it needs. One thread at a time; make one for each thread. */
+class IPackageReader
+{
+public:
+	virtual ~IPackageReader() = default;
+
+	/** Spare bytes that Bytes should have as capacity behind its size to save a copy. */
+	virtual std::size_t GetPadding() const { return 0; }
+	/** False where nothing of the header can be used: the file is then skipped. Faults go to Diagnostics (may be null) under
+	 * FileName. */
+	virtual bool ReadHeader(std::string& Bytes, const FString& FileName, FPackageHeader& Out, FDiagnosticSink* Diagnostics) = 0;
+	/**
+	 * Creates the package's objects and fills their properties. False when the body is malformed: the package then holds no
+	 * object. Single faults (an unknown class or property, a value out of range) are reported, skipped, and lose nothing else.
+	 * Game thread.
+	 */
+	virtual bool ReadBody(std::string& Bytes, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) = 0;
+};
+
+/** A package format. The registry's scan and the loader know packages only through this. */
+class IPackageSource
+{
+public:
+	virtual ~IPackageSource() = default;
+
+	/** Whether a file is a package of this format, by its name alone. Any thread. */
+	virtual bool IsPackageFile(std::string_view RelativePath) const = 0;
+	/** Length of the file name's extension with its dot, cut to get the package's short name. */
+	virtual std::size_t GetExtensionLength() const = 0;
+	virtual uint64 GetMaxFileBytes() const = 0;
+	virtual TUniquePtr<IPackageReader> MakeReader() const = 0;
+	/** Changes whenever headers read by this source could differ for the same file; part of what the registry cache is checked
+	 * against. */
+	virtual uint32 GetHeaderVersion() const = 0;
+};
+
+/** The `*.vasset` format. One instance for the program. */
+const IPackageSource& GetVassetPackageSource();

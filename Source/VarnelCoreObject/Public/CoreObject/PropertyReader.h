@@ -1,0 +1,103 @@
+#pragma once
+
+#include "Core/Diagnostics.h"
+#include "Core/JsonDocument.h"
+#include "CoreObject/Class.h"
+#include "CoreObject/ObjectPtr.h"
+
+#include <unordered_map>
+#include <vector>
+
+class FObjectPropertyBase;
+
+/** What reading of one package's property values needs to know: the package, its document for positions, and where faults go. */
+class FPropertyReader
+{
+public:
+	/** Package may be null where nothing of a package is read; references without a leading slash are faults then. Diagnostics
+	 * null: nobody listens. */
+	FPropertyReader(UPackage* InPackage, const FJsonDocument& InDocument, FString InFileName, FDiagnosticSink* InDiagnostics);
+
+	/**
+	 * Reads the members of a JSON object into a container's properties; unknown members go to Object->ReadCustomProperty (when
+	 * Object is set), then become warnings. A member that is repeated counts in its last place. Ends with
+	 * Object->PostReadProperties.
+	 */
+	void ReadProperties(const UStruct& Struct, void* Container, const FJsonRef& Json, UObject* Object);
+	/** AddDeclarations, then FinishDeclarations. What is loaded for it cannot build on the structure meanwhile. */
+	void ReadDeclarations(UStruct& Struct, const FJsonRef& Declarations);
+	/**
+	 * Adds a list of declarations { "name", "type", "authored"?, "default"?, "deprecated"? } to the own properties of a class or
+	 * structure, whose parent is set. Faulty declarations are left out.
+	 */
+	void AddDeclarations(UStruct& Struct, const FJsonRef& Declarations);
+	/** Links the structure and reads the defaults of what was added. Its parent and the structures that it holds by value have
+	 * theirs. */
+	void FinishDeclarations(UStruct& Struct, const FJsonRef& Declarations);
+	/**
+	 * Entries { "name", "display"? } of an enumeration, stored as "Enumeration::name" with values from 0 on, and behind them the
+	 * maximum entry "Enumeration::Enumeration_MAX", displayed without the prefix. Faulty and repeated entries are left out.
+	 */
+	TArray<UEnum::FEntry> ReadEnumEntries(const FJsonRef& Entries, FStringView EnumName);
+	/** A reference as written: a full path, or a path inside the package being read; null path for JSON null. False and a
+	 * diagnostic otherwise. */
+	bool ReadObjectPath(const FJsonRef& Json, FSoftObjectPath& Out);
+	/**
+	 * The reference to the object at such a path, unresolved where the object lies in another package. None and a diagnostic
+	 * where it is no object that the property may refer to, as far as that can be told: objects of other packages are looked at
+	 * when they are in memory.
+	 */
+	TOptional<FObjectPtr> ReadReference(const FJsonRef& Json, const FObjectPropertyBase& Property);
+	/** Reports references into the package being read that no object was made for. Called once all its objects are made. */
+	void ReportMissingObjects();
+
+	/** Somebody receives what is reported, so checks that only find faults are worth their time. */
+	bool HasListener() const { return Diagnostics != nullptr; }
+	/** An empty At means the whole file. */
+	void Report(const FJsonRef& At, EDiagnosticSeverity Severity, const char* Rule, FString Text);
+	/** A value of a kind that the property does not take; Expected is a noun with its article. */
+	void ReportType(const FJsonRef& At, const FProperty& Property, const char* Expected);
+	void ReportRange(const FJsonRef& At, const FProperty& Property);
+	/** Members that nothing reads. */
+	void ReportUnknownMember(const FJsonRef& Member);
+	/** From now on nothing is reported as worse than that. Gives what held before. */
+	EDiagnosticSeverity SetWorstSeverity(EDiagnosticSeverity Severity) { return std::exchange(WorstSeverity, Severity); }
+	/** Counts memory for values against what one document may ask for; false and a diagnostic when that is used up. */
+	bool TakeBytes(const FJsonRef& At, int64 NumBytes);
+	UPackage* GetPackage() const { return Package; }
+
+private:
+	struct FPendingDefault
+	{
+		FName Property;
+		FJsonRef Value;
+	};
+	/** A reference to an object of the package that was not made yet. */
+	struct FPendingReference
+	{
+		FObjectPtr Reference;
+		FJsonRef Json;
+		const FObjectPropertyBase* Property;
+	};
+	bool CheckReference(const UObject* Object, const FJsonRef& Json, const FObjectPropertyBase& Property);
+	void TellOfForeignReference(const FSoftObjectPath& Target, const FJsonRef& Json, const FObjectPropertyBase& Property) const;
+	void ReportAt(uint32 Offset, EDiagnosticSeverity Severity, const char* Rule, FString Text);
+
+	UPackage* Package;
+	const FJsonDocument& Document;
+	FString FileName;
+	FDiagnosticSink* Diagnostics;
+	EDiagnosticSeverity WorstSeverity = EDiagnosticSeverity::Error;
+	int32 NumReported = 0;
+	int64 BytesTaken = 0;
+	std::unordered_map<const UStruct*, std::vector<FPendingDefault>> PendingDefaults;
+	std::vector<FPendingReference> PendingReferences;
+};
+
+/**
+ * Makes a property from a type text such as "array<object</Script/Engine.BTNode>>", "byte</Script/Lantern.EMood>",
+ * "map<name,int>", nested up to 16 levels. Null and an explanation where the text is none or names something unknown. Structures
+ * and enumerations of other packages are loaded for it; classes outside /Script are taken at their word until a value is
+ * resolved.
+ */
+TUniquePtr<FProperty> MakeProperty(FStringView TypeText, FName Name, FString& OutError);

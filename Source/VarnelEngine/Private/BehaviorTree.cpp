@@ -1,0 +1,106 @@
+#include "Engine/BehaviorTree.h"
+
+#include "CoreObject/NativeClass.h"
+#include "Engine/Blackboard.h"
+
+namespace
+{
+constexpr FStringView ScriptRoot = "/Script/";
+constexpr FStringView GeneratedSuffix = "_C";
+constexpr FStringView NodePrefix = "BT";
+
+FStringView DisplayNameOf(const UClass& Class)
+{
+	FStringView Name = Class.GetFName().View();
+	const bool bGenerated = !Class.GetStructPathName().PackageName.View().starts_with(ScriptRoot);
+	if (bGenerated && Name.ends_with(GeneratedSuffix))
+		Name.remove_suffix(GeneratedSuffix.size());
+	const std::size_t Underscore = Name.find('_');
+	const bool bHasPrefix = Name.starts_with(NodePrefix) && Underscore != FStringView::npos && Underscore + 1 < Name.size();
+	return bHasPrefix ? Name.substr(Underscore + 1) : Name;
+}
+}
+
+FString UBTNode::GetNodeName() const
+{
+	return NodeName.IsEmpty() ? FString(DisplayNameOf(*GetClass())) : NodeName;
+}
+
+UClass* UBTNode::StaticClass()
+{
+	static UClass* const Class = TClassBuilder<UBTNode>("/Script/Engine.BTNode", UObject::StaticClass())
+									 .Member("NodeName", &UBTNode::NodeName)
+									 .Member("Description", &UBTNode::Description)
+									 .Build();
+	return Class;
+}
+
+UScriptStruct* FBTCompositeChild::StaticStruct()
+{
+	static UScriptStruct* const Struct = TStructBuilder<FBTCompositeChild>("/Script/Engine.BTCompositeChild")
+											 .Member("ChildComposite", &FBTCompositeChild::ChildComposite)
+											 .Member("ChildTask", &FBTCompositeChild::ChildTask)
+											 .Member("Decorators", &FBTCompositeChild::Decorators)
+											 .Build();
+	return Struct;
+}
+
+UClass* UBTCompositeNode::StaticClass()
+{
+	static UClass* const Class = TClassBuilder<UBTCompositeNode>("/Script/Engine.BTCompositeNode", UBTNode::StaticClass())
+									 .Member("Children", &UBTCompositeNode::Children)
+									 .Build();
+	return Class;
+}
+
+UClass* UBTTaskNode::StaticClass()
+{
+	static UClass* const Class = TClassBuilder<UBTTaskNode>("/Script/Engine.BTTaskNode", UBTNode::StaticClass()).Build();
+	return Class;
+}
+
+UClass* UBTAuxiliaryNode::StaticClass()
+{
+	static UClass* const Class =
+		TClassBuilder<UBTAuxiliaryNode>("/Script/Engine.BTAuxiliaryNode", UBTNode::StaticClass()).Build();
+	return Class;
+}
+
+UClass* UBTDecorator::StaticClass()
+{
+	static UClass* const Class =
+		TClassBuilder<UBTDecorator>("/Script/Engine.BTDecorator", UBTAuxiliaryNode::StaticClass()).Build();
+	return Class;
+}
+
+UClass* UBTService::StaticClass()
+{
+	static UClass* const Class = TClassBuilder<UBTService>("/Script/Engine.BTService", UBTAuxiliaryNode::StaticClass()).Build();
+	return Class;
+}
+
+UClass* UBTTask_MoveTo::StaticClass()
+{
+	static UClass* const Class = TClassBuilder<UBTTask_MoveTo>("/Script/Engine.BTTask_MoveTo", UBTTaskNode::StaticClass())
+									 .Member("BlackboardKey", &UBTTask_MoveTo::BlackboardKey)
+									 .Build();
+	return Class;
+}
+
+UClass* UBehaviorTree::StaticClass()
+{
+	static UClass* const Class = TClassBuilder<UBehaviorTree>("/Script/Engine.BehaviorTree", UObject::StaticClass())
+									 .Member("BlackboardAsset", &UBehaviorTree::BlackboardAsset)
+									 .Member("RootNode", &UBehaviorTree::RootNode)
+									 .Build();
+	return Class;
+}
+
+UClass* UBTTask_RunBehavior::StaticClass()
+{
+	static UClass* const Class =
+		TClassBuilder<UBTTask_RunBehavior>("/Script/Engine.BTTask_RunBehavior", UBTTaskNode::StaticClass())
+			.Member("BehaviorAsset", &UBTTask_RunBehavior::BehaviorAsset)
+			.Build();
+	return Class;
+}

@@ -1,0 +1,187 @@
+#include "Engine/Material.h"
+
+#include "CoreObject/NativeClass.h"
+#include "CoreObject/PropertyReader.h"
+
+#include <unordered_set>
+#include <vector>
+
+namespace
+{
+template <class T>
+using TParameters = TArray<TMaterialParameter<T>>;
+
+constexpr FStringView NameKey = "Name";
+constexpr FStringView ValueKey = "Value";
+
+/** The material and its parents, nearest first, each once. */
+std::vector<const UMaterialInterface*> LineOf(const UMaterialInterface& Material)
+{
+	std::vector<const UMaterialInterface*> Line;
+	std::unordered_set<const UMaterialInterface*> Seen;
+	for (const UMaterialInterface* Next = &Material; Next && Seen.insert(Next).second; Next = Next->GetParentMaterial())
+		Line.push_back(Next);
+	return Line;
+}
+
+template <class T>
+void ListParameters(
+	const UMaterialInterface& Material, TParameters<T> UMaterialInterface::*List, TArray<FMaterialParameterInfo>& Out)
+{
+	const std::vector<const UMaterialInterface*> Line = LineOf(Material);
+	TSet<FName> Listed;
+	for (auto Stating = Line.rbegin(); Stating != Line.rend(); ++Stating)
+		for (const TMaterialParameter<T>& Parameter : (*Stating)->*List)
+			if (Listed.Add(Parameter.Name))
+				Out.Add({Parameter.Name});
+}
+
+template <class T>
+TOptional<T> FindValue(const UMaterialInterface& Material, TParameters<T> UMaterialInterface::*List, FName Name)
+{
+	for (const UMaterialInterface* const Stating : LineOf(Material))
+		if (const auto* const Found =
+				(Stating->*List).FindByPredicate([Name](const auto& Parameter) { return Parameter.Name == Name; }))
+			return Found->Value;
+	return {};
+}
+
+/** One element of a list of parameters; false where it names none. */
+template <class T>
+bool ReadParameter(const FJsonRef& Json, FPropertyReader& Reader, const FProperty& ValueProperty, TMaterialParameter<T>& Out)
+{
+	static const FNameProperty NameProperty{FName(NameKey)};
+	for (const FJsonRef Member : Json)
+		if (Member.Key() != NameKey && Member.Key() != ValueKey)
+			Reader.ReportUnknownMember(Member);
+	const FJsonRef Name = Json.Find(NameKey);
+	if (!Name)
+		Reader.Report(Json, EDiagnosticSeverity::Error, "property-type", "the parameter has no 'Name'");
+	if (!Name || !NameProperty.ReadValue(&Out.Name, Name, Reader))
+		return false;
+	const FJsonRef ValueJson = Json.Find(ValueKey);
+	T Value{};
+	if (ValueJson && !ValueJson.IsNull() && ValueProperty.ReadValue(&Value, ValueJson, Reader))
+		Out.Value = Value;
+	return true;
+}
+
+template <class T>
+void ReadParameters(const FJsonRef& Json, FPropertyReader& Reader, const FProperty& ValueProperty, TParameters<T>& Out)
+{
+	if (!Json.IsArray())
+		return Reader.Report(
+			Json, EDiagnosticSeverity::Error, "property-type", "parameters are an array of objects with 'Name' and 'Value'");
+	Out.Reserve(Json.Num());
+	for (const FJsonRef Element : Json)
+	{
+		TMaterialParameter<T> Parameter;
+		if (!Element.IsObject())
+			Reader.Report(
+				Element, EDiagnosticSeverity::Error, "property-type", "a parameter is an object with 'Name' and 'Value'");
+		else if (ReadParameter(Element, Reader, ValueProperty, Parameter))
+			Out.Add(std::move(Parameter));
+	}
+}
+}
+
+UScriptStruct* FLinearColor::StaticStruct()
+{
+	static UScriptStruct* const Struct = TStructBuilder<FLinearColor>("/Script/Engine.LinearColor")
+											 .Member("R", &FLinearColor::R)
+											 .Member("G", &FLinearColor::G)
+											 .Member("B", &FLinearColor::B)
+											 .Member("A", &FLinearColor::A)
+											 .Build();
+	return Struct;
+}
+
+UClass* UMaterialInterface::StaticClass()
+{
+	static UClass* const Class =
+		TClassBuilder<UMaterialInterface>("/Script/Engine.MaterialInterface", UObject::StaticClass()).Build();
+	return Class;
+}
+
+void UMaterialInterface::GetAllScalarParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
+{
+	ListParameters(*this, &UMaterialInterface::ScalarParameters, Parameters);
+}
+
+void UMaterialInterface::GetAllVectorParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
+{
+	ListParameters(*this, &UMaterialInterface::VectorParameters, Parameters);
+}
+
+void UMaterialInterface::GetAllTextureParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
+{
+	ListParameters(*this, &UMaterialInterface::TextureParameters, Parameters);
+}
+
+bool UMaterialInterface::GetScalarParameterValue(const FMaterialParameterInfo& Parameter, float& Out) const
+{
+	const TOptional<float> Value = FindValue(*this, &UMaterialInterface::ScalarParameters, Parameter.Name);
+	Out = Value.value_or(Out);
+	return Value.has_value();
+}
+
+bool UMaterialInterface::GetVectorParameterValue(const FMaterialParameterInfo& Parameter, FLinearColor& Out) const
+{
+	const TOptional<FLinearColor> Value = FindValue(*this, &UMaterialInterface::VectorParameters, Parameter.Name);
+	Out = Value.value_or(Out);
+	return Value.has_value();
+}
+
+bool UMaterialInterface::GetTextureParameterValue(const FMaterialParameterInfo& Parameter, UObject*& Out) const
+{
+	const TOptional<FObjectPtr> Value = FindValue(*this, &UMaterialInterface::TextureParameters, Parameter.Name);
+	if (Value)
+		Out = Value->Get();
+	return Value.has_value();
+}
+
+bool UMaterialInterface::ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader)
+{
+	static const FFloatProperty Scalar{FName(ValueKey)};
+	static const FStructProperty Vector{FName(ValueKey), *FLinearColor::StaticStruct()};
+	static const FObjectPropertyBase Texture{EObjectReference::Object, FName(ValueKey), &UObject::StaticClass};
+	if (Key == "ScalarParameters")
+		ReadParameters(Value, Reader, Scalar, ScalarParameters);
+	else if (Key == "VectorParameters")
+		ReadParameters(Value, Reader, Vector, VectorParameters);
+	else if (Key == "TextureParameters")
+		ReadParameters(Value, Reader, Texture, TextureParameters);
+	else
+		return false;
+	return true;
+}
+
+UClass* UMaterial::StaticClass()
+{
+	static UClass* const Class = TClassBuilder<UMaterial>("/Script/Engine.Material", UMaterialInterface::StaticClass()).Build();
+	return Class;
+}
+
+UClass* UMaterialInstance::StaticClass()
+{
+	static UClass* const Class =
+		TClassBuilder<UMaterialInstance>("/Script/Engine.MaterialInstance", UMaterialInterface::StaticClass())
+			.Member("Parent", &UMaterialInstance::Parent)
+			.Build();
+	return Class;
+}
+
+UClass* UMaterialInstanceConstant::StaticClass()
+{
+	static UClass* const Class =
+		TClassBuilder<UMaterialInstanceConstant>("/Script/Engine.MaterialInstanceConstant", UMaterialInstance::StaticClass())
+			.Build();
+	return Class;
+}
+
+UClass* UMaterialFunctionInterface::StaticClass()
+{
+	static UClass* const Class =
+		TClassBuilder<UMaterialFunctionInterface>("/Script/Engine.MaterialFunctionInterface", UObject::StaticClass()).Build();
+	return Class;
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "CoreObject/Class.h"
+#include "CoreObject/ObjectPtr.h"
+
+/** Proposes places or objects; one subclass for each way to do so. */
+class UEnvQueryGenerator : public UObject
+{
+public:
+	static UClass* StaticClass();
+};
+
+/** Rates or refuses what was proposed. */
+class UEnvQueryTest : public UObject
+{
+public:
+	static UClass* StaticClass();
+
+	uint8 TestPurpose = 0; // 0 filter, 1 score, 2 both
+	FString TestComment;
+};
+
+class UEnvQueryOption : public UObject
+{
+public:
+	static UClass* StaticClass();
+
+	TObjectPtr<UEnvQueryGenerator> Generator;
+	TArray<TObjectPtr<UEnvQueryTest>> Tests; // with empty slots
+};
+
+/** Question to a level: which place or object fits best. Its options are tried in order. */
+class UEnvQuery : public UObject
+{
+public:
+	static UClass* StaticClass();
+
+	TArray<TObjectPtr<UEnvQueryOption>> Options; // with empty slots
+};

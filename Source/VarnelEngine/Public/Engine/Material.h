@@ -1,0 +1,85 @@
+#pragma once
+
+#include "CoreObject/Class.h"
+#include "CoreObject/ObjectPtr.h"
+
+struct FLinearColor
+{
+	static UScriptStruct* StaticStruct();
+
+	float R = 0;
+	float G = 0;
+	float B = 0;
+	float A = 1;
+};
+
+struct FMaterialParameterInfo
+{
+	FName Name;
+};
+
+/** A parameter as one material states it. No value: the parameter exists and cannot be read, also where a parent has a value for
+ * it. */
+template <class T>
+struct TMaterialParameter
+{
+	FName Name;
+	TOptional<T> Value;
+};
+
+/**
+ * What a surface can be drawn with: a material, or an instance that overrides parameters of a parent. Questions about parameters
+ * load the parents that they meet; parents that form a cycle are visited once. Game thread.
+ */
+class UMaterialInterface : public UObject
+{
+public:
+	static UClass* StaticClass();
+
+	/** The material that this one overrides, or null. */
+	virtual const UMaterialInterface* GetParentMaterial() const { return nullptr; }
+
+	/** Appends each parameter once: those of the topmost parent first, then what each material below adds. */
+	void GetAllScalarParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const;
+	void GetAllVectorParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const;
+	void GetAllTextureParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const;
+	/** The value from the nearest material that states the parameter. False where none does, or where that one has no value. */
+	bool GetScalarParameterValue(const FMaterialParameterInfo& Parameter, float& Out) const;
+	bool GetVectorParameterValue(const FMaterialParameterInfo& Parameter, FLinearColor& Out) const;
+	bool GetTextureParameterValue(const FMaterialParameterInfo& Parameter, UObject*& Out) const;
+
+	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
+
+private:
+	TArray<TMaterialParameter<float>> ScalarParameters;
+	TArray<TMaterialParameter<FLinearColor>> VectorParameters;
+	TArray<TMaterialParameter<FObjectPtr>> TextureParameters;
+};
+
+class UMaterial : public UMaterialInterface
+{
+public:
+	static UClass* StaticClass();
+};
+
+class UMaterialInstance : public UMaterialInterface
+{
+public:
+	static UClass* StaticClass();
+
+	const UMaterialInterface* GetParentMaterial() const override { return Parent; }
+
+	TObjectPtr<UMaterialInterface> Parent;
+};
+
+class UMaterialInstanceConstant : public UMaterialInstance
+{
+public:
+	static UClass* StaticClass();
+};
+
+class UMaterialFunctionInterface : public UObject
+{
+public:
+	static UClass* StaticClass();
+};

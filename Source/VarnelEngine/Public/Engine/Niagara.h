@@ -1,0 +1,63 @@
+#pragma once
+
+#include "CoreObject/Class.h"
+#include "CoreObject/ObjectPtr.h"
+
+/** How particles are drawn; projects declare subclasses. */
+class UNiagaraRendererProperties : public UObject
+{
+public:
+	static UClass* StaticClass();
+};
+
+class UNiagaraEmitter : public UObject
+{
+public:
+	static UClass* StaticClass();
+
+	/** With empty slots. */
+	const TArray<TObjectPtr<UNiagaraRendererProperties>>& GetRenderers() const { return Renderers; }
+
+	TArray<TObjectPtr<UNiagaraRendererProperties>> Renderers;
+};
+
+struct FNiagaraEmitterHandle
+{
+	static UScriptStruct* StaticStruct();
+
+	FName GetName() const { return Name; }
+	/** Null where the handle has no emitter data. */
+	UNiagaraEmitter* GetEmitterData() const { return Emitter; }
+
+	FName Name;
+	TObjectPtr<UNiagaraEmitter> Emitter;
+};
+
+/** A parameter that is set from outside the system. */
+struct FNiagaraUserParameter
+{
+	static UScriptStruct* StaticStruct();
+
+	FName GetName() const { return Name; }
+	/** Name of the class or structure that the type refers to, None for plain numbers and the like. Loads nothing. */
+	FName GetTypeName() const { return Type.GetFName(); }
+
+	FName Name;
+	TObjectPtr<UStruct> Type;
+};
+
+/** Particle effect. */
+class UNiagaraSystem : public UObject
+{
+public:
+	static UClass* StaticClass();
+
+	/** Null where the system has none. */
+	UObject* GetEffectType() const { return EffectType; }
+	const TArray<FNiagaraEmitterHandle>& GetEmitterHandles() const { return EmitterHandles; }
+	const TArray<FNiagaraUserParameter>& GetUserParameters() const { return UserParameters; }
+
+	TObjectPtr<UObject> EffectType;
+	TArray<FNiagaraEmitterHandle> EmitterHandles;
+	TArray<FNiagaraUserParameter> UserParameters;
+};

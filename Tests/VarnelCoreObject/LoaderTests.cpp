@@ -1,0 +1,198 @@
+#include "PackageFixture.h"
+
+namespace
+{
+const std::string OneNode = R"({"path":"A","class":"/Script/Test.Node"},{"path":"A:Sub","class":"/Script/Test.Node"})";
+
+std::string IntVariable(const std::string& Name, int32 Default)
+{
+	return R"({"name":")" + Name + R"(","type":"int","default":)" + std::to_string(Default) + "}";
+}
+
+class Loader : public FPackageFiles
+{
+};
+}
+
+TEST_F(Loader, FindsObjectsByAnySpellingOfTheirPath)
+{
+	FFile& File = Add("/Game/A", OneNode);
+	Add("/Game/B", R"({"path":"B","class":"/Script/Engine.Blueprint","properties":{"ParentClass":"/Script/Test.Node"}})");
+	const struct
+	{
+		const char* Why;
+		UClass* Class;
+		const char* Path;
+		const char* Found; // path, "" for null
+	} Cases[] = {
+		{"other case than the project's", nullptr, "/gAmE/a.a:SUB", "/Game/A.A:Sub"},
+		{"asset", UTestNode::StaticClass(), "/Game/A.A", "/Game/A.A"},
+		{"export form", nullptr, "Node'/Game/A.A'", "/Game/A.A"},
+		{"package alone", nullptr, "/Game/A", "/Game/A"},
+		{"of another class", UTestBlueprint::StaticClass(), "/Game/A.A", ""},
+		{"of a parent class", UObject::StaticClass(), "/Game/A.A", "/Game/A.A"},
+		{"no such object", nullptr, "/Game/A.B", ""},
+		{"no such sub-object", nullptr, "/Game/A.A:None", ""},
+		{"no such package", nullptr, "/Game/C.C", ""},
+		{"generated class", UClass::StaticClass(), "/Game/B.B_C", "/Game/B.B_C"},
+		{"built-in class", UClass::StaticClass(), "/Script/Test.Node", "/Script/Test.Node"},
+		{"no such built-in class", UClass::StaticClass(), "/Script/Test.Unknown", ""},
+		{"no path", nullptr, "A", ""},
+		{"nothing", nullptr, "", ""},
+		{"a root", nullptr, "/", ""},
+	};
+	for (const auto& Case : Cases)
+	{
+		const UObject* const Object = StaticLoadObject(Case.Class, nullptr, Case.Path);
+		EXPECT_EQ(Object ? Object->GetPathName().ToStdString() : "", Case.Found) << Case.Why;
+	}
+	EXPECT_EQ(File.NumReads, 1);
+	UObject* const A = StaticLoadObject(nullptr, LoadPackage("/Game/A"), "A");
+	EXPECT_EQ(StaticLoadObject(nullptr, A, "Sub"), LoadObject<UTestNode>("/Game/A.A:Sub"));
+	EXPECT_EQ(StaticLoadObject(nullptr, A, "Sub.Deeper"), nullptr);
+}
+
+TEST_F(Loader, RemembersFailedLoadsUntilPackagesAreUnloaded)
+{
+	const struct
+	{
+		const char* Why;
+		std::string Text;
+		EFileRead Outcome;
+		const char* Fault;
+	} Cases[] = {
+		{"broken body", R"({"varnel_package":1,"objects":[)", EFileRead::Ok, "1:32 error json-syntax"},
+		{"gone", "", EFileRead::Missing, "~ error missing-file"},
+		{"unreadable", "", EFileRead::Unreadable, "~ error unreadable-file"},
+		{"a byte beyond 64 MiB", std::string((std::size_t{64} << 20) + 1, ' '), EFileRead::Ok, "~ error too-large"},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		FDiagnosticSink Sink;
+		SetLoadDiagnostics(&Sink);
+		FFile& File = Files["/Game/Bad"] = {Case.Text, Case.Outcome, 0};
+		EXPECT_EQ(LoadPackage("/Game/Bad"), nullptr);
+		EXPECT_EQ(LoadPackage("/game/bad"), nullptr);
+		EXPECT_EQ(FindPackage("/Game/Bad"), nullptr);
+		EXPECT_EQ(File.NumReads, 1);
+		EXPECT_EQ(RenderFaults(Sink), Case.Fault);
+
+		Add("/Game/Bad", OneNode).Outcome = EFileRead::Ok;
+		UnloadAllLoadedPackages();
+		EXPECT_NE(LoadPackage("/Game/Bad"), nullptr);
+		UnloadAllLoadedPackages();
+	}
+}
+
+TEST_F(Loader, TellsOfMissingPackagesAndObjectsOnce)
+{
+	Add("/Game/A", OneNode);
+	for (int32 Round = 0; Round < 2; ++Round)
+	{
+		EXPECT_EQ(LoadObject<UObject>("/Game/Missing.Missing"), nullptr);
+		EXPECT_EQ(LoadObject<UObject>("/Game/A.Missing"), nullptr);
+	}
+	EXPECT_EQ(RenderFaults(Faults), "~ warning no-such-object\n~ warning no-such-package");
+}
+
+TEST_F(Loader, PutsPackagesWithoutFilesAsTheyAre)
+{
+	UPackage* const Made = FindPackage("/Temp/Made", true);
+	NewObject(UTestNode::StaticClass(), Made, "A");
+	EXPECT_EQ(LoadPackage("/temp/made"), Made);
+	EXPECT_NE(LoadObject<UTestNode>("/Temp/Made.A"), nullptr);
+	UnloadAllLoadedPackages();
+	EXPECT_EQ(FindPackage("/Temp/Made"), Made) << "it was not loaded from a file";
+	UnloadPackage(Made);
+	EXPECT_EQ(LoadPackage(FName()), nullptr);
+}
+
+TEST_F(Loader, LoadsTheClassesThatObjectsNeed)
+{
+	AddBlueprint("/Game/BP_Base", "/Script/Test.Node", IntVariable("Speed", 3) + "," + IntVariable("Height", 4));
+	AddBlueprint("/Game/BP_Child", "/Game/BP_Base.BP_Base_C", IntVariable("Depth", 5));
+	Add("/Game/Map",
+		R"({"path":"Map","class":"/Script/Test.Node"},
+		{"path":"Map:Actor","class":"/Game/BP_Child.BP_Child_C","properties":{"Height":40,"Number":70}},
+		{"path":"Map:Other","class":"/Game/BP_Gone.BP_Gone_C"})");
+	const UObject* const Actor = LoadObject<UTestNode>("/Game/Map.Map:Actor");
+	ASSERT_NE(Actor, nullptr);
+	EXPECT_EQ(GetInt(Actor, "Speed"), 3);
+	EXPECT_EQ(GetInt(Actor, "Height"), 40);
+	EXPECT_EQ(GetInt(Actor, "Depth"), 5);
+	EXPECT_EQ(GetInt(Actor, "Number"), 70);
+	EXPECT_EQ(RenderFaults(Faults), "~ warning no-such-package\n3:31 warning unknown-class");
+}
+
+TEST_F(Loader, LoadsNothingForReferences)
+{
+	FFile& Other = Add("/Game/Other", R"({"path":"Other","class":"/Script/Test.Node"})");
+	Add("/Game/A", R"({"path":"A","class":"/Script/Test.Node","properties":{"Link":"/Game/Other.Other"}})");
+	const auto* const A = LoadObject<UTestNode>("/Game/A.A");
+	ASSERT_NE(A, nullptr);
+	EXPECT_EQ(Other.NumReads, 0);
+	EXPECT_NE(A->Link.Get(), nullptr);
+	EXPECT_EQ(Other.NumReads, 1);
+}
+
+TEST_F(Loader, EndsCyclesOfPackages)
+{
+	const std::string FriendOfB = R"(,{"path":"Friend","class":"/Game/BP_B.BP_B_C","properties":{"Number":1}})";
+	const std::string FriendOfA = R"(,{"path":"Friend","class":"/Game/BP_A.BP_A_C","properties":{"Number":2}})";
+	AddBlueprint("/Game/BP_A", "/Script/Test.Node", IntVariable("OfA", 10), FriendOfB);
+	AddBlueprint("/Game/BP_B", "/Script/Test.Node", IntVariable("OfB", 20), FriendOfA);
+	EXPECT_EQ(GetInt(LoadObject<UTestNode>("/Game/BP_A.Friend"), "OfB"), 20) << "each holds an object of the other's class";
+	EXPECT_EQ(GetInt(LoadObject<UTestNode>("/Game/BP_B.Friend"), "OfA"), 10);
+	EXPECT_EQ(RenderFaults(Faults), "");
+
+	AddBlueprint("/Game/BP_X", "/Game/BP_Y.BP_Y_C");
+	AddBlueprint("/Game/BP_Y", "/Game/BP_X.BP_X_C");
+	EXPECT_NE(LoadPackage("/Game/BP_X"), nullptr) << "each is the other's parent";
+	EXPECT_EQ(FindClass("/Game/BP_X.BP_X_C"), nullptr);
+	EXPECT_NE(Faults.NumErrors(), 0);
+}
+
+/** Every package needs the class of the next before its own is there: the stack must hold, and the chain be cut where it is too
+ * long. */
+TEST_F(Loader, CutsLongChainsOfPackages)
+{
+	constexpr int32 NumPackages = 10000;
+	const auto NameOf = [](int32 Index) { return "BP_" + std::to_string(Index); };
+	for (int32 Index = 0; Index < NumPackages; ++Index)
+	{
+		const std::string Next = NameOf(Index + 1);
+		const std::string Parent =
+			Index + 1 < NumPackages ? "/Game/" + Next + "." + Next + "_C" : std::string("/Script/Test.Node");
+		AddBlueprint("/Game/" + NameOf(Index), Parent);
+	}
+	EXPECT_NE(LoadPackage("/Game/BP_0"), nullptr);
+	EXPECT_EQ(FindClass("/Game/BP_0.BP_0_C"), nullptr);
+	const std::string Told = RenderFaults(Faults);
+	EXPECT_NE(Told.find("error load-depth"), std::string::npos);
+	EXPECT_EQ(Told.find("error load-depth", Told.find("error load-depth") + 1), std::string::npos);
+
+	EXPECT_NE(LoadObject<UClass>("/Game/BP_9970.BP_9970_C"), nullptr) << "what lies beyond is not thought to be missing";
+}
+
+TEST_F(Loader, UnloadsEverythingItLoaded)
+{
+	AddBlueprint(
+		"/Game/BP_Base", "/Script/Test.Node", IntVariable("Speed", 3), R"(,{"path":"Own","class":"/Game/BP_Base.BP_Base_C"})");
+	AddBlueprint("/Game/BP_Child", "/Game/BP_Base.BP_Base_C");
+	Add("/Game/Map", R"({"path":"Actor","class":"/Game/BP_Child.BP_Child_C","properties":{"Link":"/Game/BP_Base.Own"}})");
+	for (int32 Round = 0; Round < 2; ++Round)
+	{
+		const FObjectPtr Actor(FSoftObjectPath("/Game/Map.Actor"));
+		const auto* const Node = Cast<UTestNode>(Actor.Get());
+		ASSERT_NE(Node, nullptr);
+		ASSERT_NE(Node->Link.Get(), nullptr);
+		UnloadAllLoadedPackages();
+		EXPECT_EQ(Actor.GetIfLoaded(), nullptr);
+		EXPECT_EQ(FindPackage("/Game/Map"), nullptr);
+		EXPECT_EQ(FindClass("/Game/BP_Base.BP_Base_C"), nullptr);
+		EXPECT_NE(FindClass("/Script/Test.Node"), nullptr);
+	}
+	SetPackageLocator(nullptr);
+	EXPECT_EQ(LoadPackage("/Game/Map"), nullptr);
+}

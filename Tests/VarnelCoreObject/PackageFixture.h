@@ -1,0 +1,61 @@
+#pragma once
+
+#include "CoreObject/Loader.h"
+#include "CoreObject/NativeClass.h"
+#include "CoreObject/ObjectPtr.h"
+#include "CoreObject/PropertyReader.h"
+#include "DiagnosticText.h"
+
+#include <gtest/gtest.h>
+#include <map>
+
+/** A native class with a member of each sort that packages fill: a value, a reference, and a record of when PostLoad came. */
+class UTestNode : public UObject
+{
+public:
+	static UClass* StaticClass();
+	void PostLoad() override;
+
+	int32 Number = 7;
+	TObjectPtr<UObject> Link;
+	TArray<TObjectPtr<UTestNode>> Children;
+	int32 PostLoadPlace = 0; // from 1, over all nodes of the program
+};
+
+/** Stands for the engine's Blueprints: makes the class NAME_C beside itself from "ParentClass" and "NewVariables". */
+class UTestBlueprint : public UObject
+{
+public:
+	static UClass* StaticClass();
+	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
+	void PostReadProperties(const FJsonRef& Properties, FPropertyReader& Reader) override;
+};
+
+/** Packages in memory, found by the loader as files. */
+class FPackageFiles : public testing::Test
+{
+protected:
+	struct FFile
+	{
+		std::string Text;
+		EFileRead Outcome = EFileRead::Ok;
+		int32 NumReads = 0;
+	};
+
+	FPackageFiles();
+	~FPackageFiles() override;
+
+	/** Adds the package with the given elements of its list of objects. */
+	FFile& Add(const std::string& PackageName, const std::string& Objects);
+	/** Adds a package with a Blueprint of the package's short name. */
+	FFile& AddBlueprint(const std::string& PackageName, const std::string& Parent, const std::string& Variables = "",
+		const std::string& Others = "");
+
+	/** Objects of a package as "Path Class", one a line, in the order in which they are listed. */
+	static std::string List(const UPackage* Package);
+	/** The value of an int property wherever it is declared; -1 when the object has none. */
+	static int32 GetInt(const UObject* Object, const char* Property);
+
+	std::map<std::string, FFile> Files; // by long name
+	FDiagnosticSink Faults;
+};

@@ -1,0 +1,296 @@
+#include "CommandLine.h"
+
+#include "OrivaneHost/Program.h"
+#include "Version.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace
+{
+constexpr const char* Description =
+	"Answers questions about a game project: which assets and text files contain a name or value.\n"
+	"Serves AI agents over the Model Context Protocol, and people and scripts at a shell.";
+
+constexpr const char* ProgramExamples = R"(Examples:
+  orivane search Health --project Samples/Lantern
+  orivane search Damage --family DataTable --json
+  orivane call asset_search '{"term":"Health"}' --project MyGame
+  orivane check --project MyGame
+  orivane mcp --project MyGame
+
+Without --project the nearest *.uproject from the current folder upward is opened.
+Exit codes: 0 found or clean; 1 nothing found, problems found, or the tool reported an error;
+            2 wrong use or an internal failure; 3 the project cannot be opened; 130 interrupted.)";
+
+constexpr const char* SearchExamples = R"(Examples:
+  orivane search Health
+  orivane search "float" --family DataTable
+  orivane search Lantern --exact --case-sensitive --path /Game/Data
+  orivane search Stamina --json | jq '.assets[].asset')";
+
+constexpr const char* CallExamples = R"(Examples:
+  orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'
+  echo '{"term":"Health"}' | orivane call asset_search -
+
+Prints one JSON object: {"success", "messages": [{"type", "text"}], "data": {KEY: payload}}.)";
+
+constexpr const char* McpExamples = R"(Configuration of an agent:
+  {"mcpServers": {"orivane": {"command": "orivane", "args": ["mcp", "--project", "/path/to/MyGame"]}}})";
+
+constexpr const char* CheckExamples = R"(Prints file:line:column: severity: text [rule] for every fault of the project's files.
+Examples:
+  orivane check
+  orivane check --json --warnings-as-errors)";
+
+/** Reads options as UTF-8 text; what comes from a shell may be anything. */
+CLI::Option* AddText(CLI::App& App, const char* Name, FString& Out, const char* Help)
+{
+	return App.add_option_function<std::string>(
+		Name, [&Out](const std::string& Text) { Out = FString::FromExternal(Text); }, Help);
+}
+
+CLI::Option* AddTexts(CLI::App& App, const char* Name, TArray<FString>& Out, const char* Help)
+{
+	const auto Take = [&Out](const std::vector<std::string>& Texts)
+	{
+		for (const std::string& Text : Texts)
+			Out.Add(FString::FromExternal(Text));
+	};
+	return App.add_option_function<std::vector<std::string>>(Name, Take, Help)->delimiter(',')->allow_extra_args(false);
+}
+
+CLI::Option* AddCap(CLI::App& App, const char* Name, TOptional<int32>& Out, const char* Help)
+{
+	return App
+		.add_option_function<int32>(
+			Name, [&Out](const int32& Value) { Out = Value; }, Help)
+		->type_name("N");
+}
+
+CLI::Option* AddSeconds(CLI::App& App, const char* Name, double& Out, const char* Help)
+{
+	return App.add_option(Name, Out, Help)->check(CLI::Range(0.001, 86400.0))->type_name("SECONDS")->capture_default_str();
+}
+
+void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
+{
+	AddText(App, "-p,--project", Out.Path, "Project folder, or its *.uproject")->type_name("DIR");
+	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
+	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
+		->check(CLI::Range(0, 1024))
+		->type_name("N");
+	CLI::Option* NoCache = App.add_flag_callback(
+		"--no-cache", [&Out] { Out.Cache = ERegistryCache::Ignore; }, "Neither read nor write the registry cache");
+	App.add_flag_callback(
+		   "--rebuild-cache", [&Out] { Out.Cache = ERegistryCache::Rebuild; }, "Read every package and write a new cache")
+		->excludes(NoCache);
+}
+
+CLI::App* AddCommand(CLI::App& Program, const char* Name, const char* Help, const char* Footer)
+{
+	CLI::App* Command = Program.add_subcommand(Name, Help);
+	Command->footer(Footer);
+	return Command;
+}
+
+void AddCall(CLI::App& Program, FCallArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "call", "Call a tool and print its answer as one JSON object, for programs", CallExamples);
+	AddText(*Command, "TOOL", Out.Tool, "Name of the tool, such as asset_search")->required();
+	AddText(*Command, "JSON", Out.ArgumentsJson, "Arguments, a JSON object; '-' reads them from standard input");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddColor(CLI::App& Command, EColor& Out)
+{
+	const std::map<std::string, EColor> Words = {{"auto", EColor::Auto}, {"always", EColor::Always}, {"never", EColor::Never}};
+	Command.add_option("--color", Out, "Colour the output: auto, always, never")
+		->transform(CLI::CheckedTransformer(Words, CLI::ignore_case).description(""))
+		->type_name("WHEN");
+}
+
+void AddSearch(CLI::App& Program, FSearchArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "search", "Find assets and text files that contain a name or value", SearchExamples);
+	AddText(*Command, "TERM", Out.Term, "Text to look for; '' matches everything")->required();
+	Command->add_flag("-x,--exact", Out.bExact, "The whole name or value equals the term");
+	Command->add_flag("-s,--case-sensitive", Out.bCaseSensitive, "Upper and lower case differ");
+	AddTexts(*Command, "-f,--family", Out.Families, "Only this family of assets (may be repeated, or a list with commas)")
+		->type_name("NAME");
+	AddTexts(*Command, "-k,--kind", Out.Kinds, "Kinds of hits to ask for (may be repeated)")->type_name("NAME");
+	AddText(*Command, "--path", Out.PathContains, "Only assets whose folder, or text files whose path, contains this")
+		->type_name("TEXT");
+	AddCap(*Command, "--max-hits-per-kind", Out.MaxHitsPerKind, "Hits of one kind per asset [10]");
+	AddCap(*Command, "--max-total-hits", Out.MaxTotalHits, "Hits per family, and assets in all [200]");
+	AddCap(*Command, "--max-per-type", Out.MaxHitsPerAssetType, "Assets per asset type [25]");
+	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddInfo(CLI::App& Program, FInfoArguments& Out)
+{
+	CLI::App* Command = AddCommand(
+		Program, "info", "What was opened: counts, mounts, settings in force, cache, timings", "Example:\n  orivane info --json");
+	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	Command->add_flag(
+		"--dump-registry", Out.bDumpRegistry, "Print every package, asset, tag and dependency that the registry holds");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddCheck(CLI::App& Program, FCheckArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "check", "Report every fault of the project's files", CheckExamples);
+	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	Command->add_flag("--warnings-as-errors", Out.bWarningsAsErrors, "Warnings count for the exit code too");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddMcp(CLI::App& Program, FMcpArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "mcp", "Serve AI agents: Model Context Protocol on standard input and output", McpExamples);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Time a tool may take once it runs");
+	AddSeconds(*Command, "--deadline", Out.DeadlineSeconds, "Time until a call is answered, waiting included");
+	Command->add_option("--max-answer-bytes", Out.MaxAnswerBytes, "Longer answers are cut, and say so")
+		->check(CLI::Range(int64{16 * 1024}, int64{8 * 1024 * 1024}))
+		->type_name("BYTES")
+		->capture_default_str();
+	AddProjectOptions(*Command, Out.Project);
+}
+
+/** Number of edits that turn one word into the other. */
+std::size_t GetEditDistance(const std::string& A, const std::string& B)
+{
+	std::vector<std::size_t> Row(B.size() + 1);
+	std::iota(Row.begin(), Row.end(), std::size_t{0});
+	for (std::size_t I = 1; I <= A.size(); ++I)
+	{
+		std::size_t Diagonal = std::exchange(Row[0], I);
+		for (std::size_t J = 1; J <= B.size(); ++J)
+		{
+			const std::size_t Replaced = Diagonal + (A[I - 1] == B[J - 1] ? 0 : 1);
+			Diagonal = Row[J];
+			Row[J] = std::min({Row[J] + 1, Row[J - 1] + 1, Replaced});
+		}
+	}
+	return Row[B.size()];
+}
+
+/** The word nearest to a mistyped one, or "" when none is near. */
+std::string FindNearest(const std::string& Word, const std::vector<std::string>& Known)
+{
+	std::string Nearest;
+	std::size_t Smallest = std::max<std::size_t>(2, Word.size() / 3) + 1;
+	for (const std::string& Candidate : Known)
+	{
+		const std::size_t Distance = GetEditDistance(Word, Candidate);
+		if (Distance < Smallest)
+		{
+			Smallest = Distance;
+			Nearest = Candidate;
+		}
+	}
+	return Nearest;
+}
+
+std::vector<std::string> GetOptionWords(const CLI::App& App)
+{
+	std::vector<std::string> Words;
+	for (const CLI::Option* Option : App.get_options())
+	{
+		for (const std::string& Name : Option->get_lnames())
+			Words.push_back("--" + Name);
+	}
+	return Words;
+}
+
+std::vector<std::string> GetCommandWords(const CLI::App& Program)
+{
+	std::vector<std::string> Words;
+	for (const CLI::App* Command : Program.get_subcommands([](const CLI::App*) { return true; }))
+		Words.push_back(Command->get_name());
+	return Words;
+}
+
+/** The command that was named, or the program itself. */
+const CLI::App& GetNamedApp(const CLI::App& Program)
+{
+	const auto Named = Program.get_subcommands();
+	return Named.empty() ? Program : *Named.front();
+}
+
+FString DescribeError(const CLI::App& Program, const CLI::ParseError& Error, const std::vector<std::string>& Words)
+{
+	const CLI::App& App = GetNamedApp(Program);
+	const bool bWithoutCommand = &App == &Program;
+	const std::vector<std::string> Extras = App.remaining();
+	const std::string Unknown = !Extras.empty() ? Extras.front() : (bWithoutCommand && !Words.empty() ? Words.front() : "");
+	const FString Prefix = bWithoutCommand ? FString("orivane: ") : FString("orivane ") + App.get_name() + ": ";
+	const FString Advice =
+		bWithoutCommand ? FString("see: orivane --help") : FString("see: orivane ") + App.get_name() + " --help";
+	if (Unknown.empty())
+		return Prefix + Terminal::Sanitize(FString::FromExternal(Error.what())) + "; " + Advice + "\n";
+
+	const bool bOption = Unknown.starts_with("-");
+	const std::string Nearest =
+		FindNearest(Unknown, bOption || !bWithoutCommand ? GetOptionWords(App) : GetCommandWords(Program));
+	FString Text = Prefix + (bOption ? "unknown option '" : bWithoutCommand ? "unknown command '" : "unexpected word '");
+	Text += Terminal::Sanitize(FString::FromExternal(Unknown)) + "'";
+	Text += Nearest.empty() ? FString() : FString(", did you mean '") + Nearest + "'?";
+	return Text + "; " + Advice + "\n";
+}
+}
+
+TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Arguments, int& OutExitCode)
+{
+	FCallArguments Call;
+	FSearchArguments Search;
+	FInfoArguments Info;
+	FCheckArguments Check;
+	FMcpArguments Mcp;
+
+	CLI::App Program(Description, "orivane");
+	Program.footer(ProgramExamples);
+	Program.set_version_flag("--version", OrivaneVersion);
+	Program.require_subcommand(1);
+	AddSearch(Program, Search);
+	AddCall(Program, Call);
+	AddMcp(Program, Mcp);
+	AddInfo(Program, Info);
+	AddCheck(Program, Check);
+
+	try
+	{
+		Program.parse(NumArguments, Arguments);
+	}
+	catch (const CLI::Success& Wanted) // --help, --version
+	{
+		OutExitCode = Program.exit(Wanted);
+		return {};
+	}
+	catch (const CLI::ParseError& Error)
+	{
+		const std::vector<std::string> Words(Arguments + 1, Arguments + std::max(NumArguments, 1));
+		Terminal::PrintError(DescribeError(Program, Error, Words));
+		OutExitCode = EExitCode::WrongUse;
+		return {};
+	}
+
+	if (Program.got_subcommand("call"))
+		return Call;
+	if (Program.got_subcommand("search"))
+		return Search;
+	if (Program.got_subcommand("info"))
+		return Info;
+	if (Program.got_subcommand("check"))
+		return Check;
+	return Mcp;
+}

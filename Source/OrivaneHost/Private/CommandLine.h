@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Core/Containers.h"
+#include "Project.h"
+#include "Terminal.h"
+
+#include <variant>
+
+struct FCallArguments
+{
+	FProjectOptions Project;
+	FString Tool;
+	FString ArgumentsJson = "{}"; // "-": standard input
+	double TimeLimitSeconds = 30;
+};
+
+struct FSearchArguments
+{
+	FProjectOptions Project;
+	FString Term;
+	bool bExact = false;
+	bool bCaseSensitive = false;
+	TArray<FString> Families;
+	TArray<FString> Kinds;
+	FString PathContains;
+	TOptional<int32> MaxHitsPerKind;
+	TOptional<int32> MaxTotalHits;
+	TOptional<int32> MaxHitsPerAssetType;
+	bool bJson = false;
+	EColor Color = EColor::Auto;
+	double TimeLimitSeconds = 30;
+};
+
+struct FInfoArguments
+{
+	FProjectOptions Project;
+	bool bJson = false;
+	bool bDumpRegistry = false;
+};
+
+struct FCheckArguments
+{
+	FProjectOptions Project;
+	bool bJson = false;
+	bool bWarningsAsErrors = false;
+};
+
+struct FMcpArguments
+{
+	FProjectOptions Project;
+	double TimeLimitSeconds = 30;
+	double DeadlineSeconds = 50;
+	int64 MaxAnswerBytes = 2 * 1024 * 1024;
+};
+
+using FCommand = std::variant<FCallArguments, FSearchArguments, FInfoArguments, FCheckArguments, FMcpArguments>;
+
+/**
+ * Parses the program's arguments. Empty where there is nothing to run: OutExitCode is then the program's, and help or an error
+ * with the nearest word has been printed.
+ */
+TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Arguments, int& OutExitCode);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "CommandLine.h"
+
+// One function a command; each returns the program's exit code.
+int RunCall(const FCallArguments& Arguments);
+int RunSearch(const FSearchArguments& Arguments);
+int RunInfo(const FInfoArguments& Arguments);
+int RunCheck(const FCheckArguments& Arguments);
+int RunMcp(const FMcpArguments& Arguments);
+
+/**
+ * Opens the project with a progress line. False after saying why on standard error; OutExitCode is then the program's. Faults in
+ * the project's files go to Diagnostics; their number is mentioned on standard error when bMentionFaults.
+ */
+bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, bool bMentionFaults, int& OutExitCode);

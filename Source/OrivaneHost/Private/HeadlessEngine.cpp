@@ -1,0 +1,41 @@
+#include "HeadlessEngine.h"
+
+#include "Core/Tasks.h"
+#include "Engine/EngineClasses.h"
+#include "OrivaneToolkit/OrivaneSettings.h"
+#include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "Project.h"
+#include "Quellar/QuellarModule.h"
+#include "Quellar/QuellarSettings.h"
+
+namespace
+{
+class FHeadlessAssetRegistryModule final : public FAssetRegistryModule
+{
+public:
+	IAssetRegistry& Get() override { return FProject::GetRegistry(); }
+};
+}
+
+FHeadlessEngine::FHeadlessEngine()
+{
+	FGameThread::Get().BindToThisThread();
+	RegisterEngineClasses();
+	UOrivaneSettings::StaticClass();
+	UQuellarSettings::StaticClass();
+
+	FModuleManager& Modules = FModuleManager::Get();
+	Modules.LoadModule("AssetRegistry", MakeShared<FHeadlessAssetRegistryModule>());
+	Modules.LoadModule("OrivaneToolkit", MakeShared<FOrivaneToolkitModule>());
+	Modules.LoadModule("Quellar", MakeShared<FQuellarModule>());
+}
+
+FHeadlessEngine::~FHeadlessEngine()
+{
+	FModuleManager& Modules = FModuleManager::Get();
+	Modules.UnloadModule("Quellar");
+	Modules.UnloadModule("OrivaneToolkit");
+	Modules.UnloadModule("AssetRegistry");
+	FGameThread::Get().Clear();
+	FProject::Close();
+}

@@ -1,0 +1,6 @@
+#include "OrivaneHost/Program.h"
+
+int main(int NumArguments, char** Arguments)
+{
+	return RunOrivane(NumArguments, Arguments);
+}

@@ -1,0 +1,141 @@
+#include "Commands.h"
+#include "Core/Log.h"
+#include "Core/Tasks.h"
+#include "HeadlessEngine.h"
+#include "Mcp/McpProjectHost.h"
+#include "Mcp/McpServer.h"
+#include "Mcp/McpStdio.h"
+#include "OrivaneHost/Program.h"
+#include "OrivaneToolkit/OrivaneToolkitModule.h"
+
+#include <atomic>
+#include <csignal>
+#include <fcntl.h>
+#include <sys/time.h>
+#include <thread>
+#include <unistd.h>
+
+namespace
+{
+DEFINE_LOG_CATEGORY(LogMcp);
+
+// From the end of a session on: what is under way may finish, what is answered is written, and then the process is gone, whatever
+// hangs.
+constexpr auto GraceTime = std::chrono::milliseconds(400);
+constexpr auto FlushTime = std::chrono::milliseconds(200);
+constexpr auto LastMoment = std::chrono::milliseconds(800);
+
+std::atomic<FMcpStdio*> StoppedBySignal = nullptr;
+
+extern "C" void OnTerminationSignal(int)
+{
+	if (FMcpStdio* Stdio = StoppedBySignal.load())
+		Stdio->RequestStop();
+}
+
+extern "C" void OnLastMoment(int)
+{
+	_exit(EExitCode::Found);
+}
+
+/** Termination requests end the session as the end of input does. One at a time. */
+class FSignalRoute
+{
+public:
+	explicit FSignalRoute(FMcpStdio& Stdio)
+	{
+		StoppedBySignal = &Stdio;
+		std::signal(SIGPIPE, SIG_IGN);
+		std::signal(SIGTERM, OnTerminationSignal);
+		std::signal(SIGINT, OnTerminationSignal);
+	}
+	~FSignalRoute() { StoppedBySignal = nullptr; }
+	FSignalRoute(const FSignalRoute&) = delete;
+	FSignalRoute& operator=(const FSignalRoute&) = delete;
+};
+
+/** A timer rather than a thread: it holds to the very end of the process, also when the game thread never comes back from a tool.
+ */
+void EndProcessSoon()
+{
+	std::signal(SIGALRM, OnLastMoment);
+	const itimerval Timer = {
+		.it_interval = {}, .it_value = {.tv_sec = 0, .tv_usec = std::chrono::microseconds(LastMoment).count()}};
+	setitimer(ITIMER_REAL, &Timer, nullptr);
+}
+
+/**
+ * The descriptor of standard output, for the protocol alone: what anything else in the process prints there would break it and
+ * goes nowhere. Negative when standard output is closed.
+ */
+int TakeStandardOutput()
+{
+	const int Output = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+	const int Nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+	if (Output >= 0 && Nowhere >= 0)
+		dup2(Nowhere, STDOUT_FILENO);
+	return Output;
+}
+
+std::chrono::milliseconds ToMilliseconds(double Seconds)
+{
+	return std::chrono::milliseconds(static_cast<int64>(Seconds * 1000));
+}
+
+void ServeClient(FMcpServer& Server, FMcpStdio& Stdio)
+{
+	const EMcpEnd End = Stdio.Read(Server);
+	EndProcessSoon();
+	if (End == EMcpEnd::EndOfInput) // a script that pipes its calls in wants their answers
+		Server.WaitUntilIdle(GraceTime);
+	Stdio.Flush(FlushTime);
+}
+
+void OpenProject(const FProjectOptions& Options, std::stop_token Stop, FMcpProjectHost& Host)
+{
+	FProjectOptions WithProgress = Options;
+	WithProgress.Progress = &Host.GetOpeningProgress();
+	WithProgress.Stop = Stop;
+	FDiagnosticSink Diagnostics;
+	FString Error;
+	if (!FProject::Open(WithProgress, Diagnostics, Error))
+	{
+		if (Stop.stop_requested()) // nobody is there any more
+			return;
+		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Error);
+		return Host.OnProjectFailed(Error);
+	}
+	if (Diagnostics.NumErrors() > 0)
+		Log::Write(LogMcp, ELogVerbosity::Warning,
+			FString::FromInt(Diagnostics.NumErrors()) +
+				" fault(s) in project files, what they concern is left out; see: orivane check");
+	Host.OnProjectOpened();
+}
+}
+
+int RunMcp(const FMcpArguments& Arguments)
+{
+	if (isatty(STDIN_FILENO))
+		Terminal::PrintError(
+			"orivane mcp: waiting for protocol messages, one a line; agents start this command themselves. Ctrl-D ends.\n");
+	const int Output = TakeStandardOutput();
+	FMcpStdio Stdio(STDIN_FILENO, Output);
+	const FSignalRoute Signals(Stdio);
+	const FHeadlessEngine Engine;
+	const auto Host =
+		MakeShared<FMcpProjectHost>(FOrivaneToolkitModule::GetToolExecutor(), ToMilliseconds(Arguments.TimeLimitSeconds));
+	const auto Server = MakeShared<FMcpServer>(Host,
+		FMcpServerOptions{.Deadline = ToMilliseconds(Arguments.DeadlineSeconds), .MaxAnswerBytes = Arguments.MaxAnswerBytes},
+		[&Stdio](std::string Line) { Stdio.Write(std::move(Line)); });
+
+	std::stop_source Ended;
+	const std::jthread Protocol(
+		[&]
+		{
+			ServeClient(*Server, Stdio);
+			Ended.request_stop();
+		});
+	OpenProject(Arguments.Project, Ended.get_token(), *Host);
+	FGameThread::Get().RunUntil([] { return false; }, std::chrono::hours(24 * 365), Ended.get_token());
+	return EExitCode::Found;
+}

@@ -1,0 +1,151 @@
+#include "Mcp/McpProjectHost.h"
+
+#include "TimeOutAdvice.h"
+#include "ToolSchemas.h"
+
+#include <utility>
+
+namespace
+{
+/** A tool that no schema is kept for takes any object; nothing is promised about it. */
+TSharedPtr<FJsonObject> MakeAnyObjectSchema()
+{
+	auto Schema = MakeShared<FJsonObject>();
+	Schema->SetStringField("type", "object");
+	return Schema;
+}
+
+FMcpTool MakeTool(const FString& Name, const Orivane::ITool& Entry)
+{
+	FMcpTool Tool{.Name = Name,
+		.Title = {},
+		.Description = Entry.GetDescription(),
+		.InputSchema = MakeAnyObjectSchema(),
+		.OutputSchema = {}};
+	if (const FToolSchema* Schema = FindToolSchema(Name))
+	{
+		Tool.Title = Schema->Title;
+		Tool.InputSchema = Schema->Input;
+		Tool.OutputSchema = Schema->Output;
+		Tool.bReadOnly = true;
+	}
+	return Tool;
+}
+}
+
+FMcpProjectHost::FMcpProjectHost(TSharedPtr<Orivane::IToolExecutor> InExecutor, std::chrono::milliseconds InTimeLimit)
+	: Executor(std::move(InExecutor))
+	, TimeLimit(InTimeLimit)
+{
+}
+
+TArray<FMcpTool> FMcpProjectHost::GetTools() const
+{
+	TArray<FString> Names;
+	for (const FToolSchema& Schema : GetToolSchemas())
+		Names.Add(Schema.Name);
+	for (const FString& Name : Executor->GetToolNames())
+	{
+		if (!Names.Contains(Name))
+			Names.Add(Name);
+	}
+
+	TArray<FMcpTool> Tools;
+	for (const FString& Name : Names)
+	{
+		if (const auto Entry = Executor->FindTool(Name))
+			Tools.Add(MakeTool(Name, *Entry));
+	}
+	return Tools;
+}
+
+void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, const FString& ArgumentsJson, FOnAnswer OnAnswer)
+{
+	FCall Call{
+		.Command = {FString::FromInt(static_cast<int64>(Number)), ToolName, ArgumentsJson}, .OnAnswer = std::move(OnAnswer)};
+	std::unique_lock Guard(Lock);
+	if (State == EState::Failed)
+	{
+		Guard.unlock();
+		return Fail(Call);
+	}
+	FCall& Kept = Calls.emplace(Number, std::move(Call)).first->second;
+	if (State == EState::Open)
+		Dispatch(Number, Kept);
+}
+
+/** The executor answers on other threads or later, so an answer finds the executor's id stored: it waits for the lock. */
+void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
+{
+	Call.ExecutorId = Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut},
+		[WeakThis = weak_from_this(), Number](Orivane::FToolResult& Result)
+		{
+			if (const auto This = WeakThis.lock())
+				This->OnCallAnswered(Number, Result);
+		});
+}
+
+void FMcpProjectHost::OnCallAnswered(FMcpCallNumber Number, const Orivane::FToolResult& Result)
+{
+	FOnAnswer OnAnswer;
+	{
+		std::lock_guard Guard(Lock);
+		const auto Found = Calls.find(Number);
+		if (Found == Calls.end())
+			return;
+		OnAnswer = std::move(Found->second.OnAnswer);
+		Calls.erase(Found);
+	}
+	OnAnswer(Result);
+}
+
+void FMcpProjectHost::CancelCall(FMcpCallNumber Number)
+{
+	Orivane::FToolCallId ExecutorId = 0;
+	{
+		std::lock_guard Guard(Lock);
+		const auto Found = Calls.find(Number);
+		if (Found == Calls.end())
+			return;
+		ExecutorId = Found->second.ExecutorId;
+		Calls.erase(Found);
+	}
+	if (ExecutorId != 0)
+		Executor->Cancel(ExecutorId);
+}
+
+FMcpCallProgress FMcpProjectHost::GetCallProgress(FMcpCallNumber) const
+{
+	std::lock_guard Guard(Lock);
+	if (State == EState::Opening)
+		return {.Text = "the project is being opened", .NumDone = Opening.NumDone, .NumTotal = Opening.NumTotal};
+	return {.Text = "the tool runs or waits behind an earlier call"};
+}
+
+void FMcpProjectHost::OnProjectOpened()
+{
+	std::lock_guard Guard(Lock);
+	State = EState::Open;
+	for (auto& [Number, Call] : Calls)
+		Dispatch(Number, Call);
+}
+
+void FMcpProjectHost::OnProjectFailed(const FString& Reason)
+{
+	std::map<FMcpCallNumber, FCall> Waiting;
+	{
+		std::lock_guard Guard(Lock);
+		State = EState::Failed;
+		FailureReason = Reason;
+		Waiting.swap(Calls);
+	}
+	for (const auto& [Number, Call] : Waiting)
+		Fail(Call);
+}
+
+void FMcpProjectHost::Fail(const FCall& Call) const
+{
+	Orivane::FToolResult Result(Call.Command);
+	Result.AddErrorMessage(FString("The project cannot be opened: ") + FailureReason);
+	Call.OnAnswer(Result);
+}

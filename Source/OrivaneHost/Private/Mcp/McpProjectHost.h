@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Mcp/McpToolHost.h"
+#include "OrivaneToolkit/ToolExecutor.h"
+#include "Project.h"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <mutex>
+
+/**
+ * Serves the registered tools to the protocol server. Calls that come before the project is open wait for it; when it cannot be
+ * opened, each is answered with the reason. Made with MakeShared on the game thread, when the modules run.
+ */
+class FMcpProjectHost final : public IMcpToolHost, public std::enable_shared_from_this<FMcpProjectHost>
+{
+public:
+	/** TimeLimit is a tool's from the moment it starts to run. */
+	FMcpProjectHost(TSharedPtr<Orivane::IToolExecutor> InExecutor, std::chrono::milliseconds InTimeLimit);
+
+	/** To be filled while the project opens. */
+	FScanProgress& GetOpeningProgress() { return Opening; }
+	// One of the two, once.
+	void OnProjectOpened();
+	void OnProjectFailed(const FString& Reason);
+
+	TArray<FMcpTool> GetTools() const override;
+	void StartCall(FMcpCallNumber Number, const FString& ToolName, const FString& ArgumentsJson, FOnAnswer OnAnswer) override;
+	void CancelCall(FMcpCallNumber Number) override;
+	FMcpCallProgress GetCallProgress(FMcpCallNumber Number) const override;
+
+private:
+	enum class EState : uint8
+	{
+		Opening,
+		Open,
+		Failed,
+	};
+	struct FCall
+	{
+		Orivane::FToolCommand Command;
+		FOnAnswer OnAnswer;
+		Orivane::FToolCallId ExecutorId = 0; // once the project is open
+	};
+
+	void Dispatch(FMcpCallNumber Number, FCall& Call);
+	void OnCallAnswered(FMcpCallNumber Number, const Orivane::FToolResult& Result);
+	void Fail(const FCall& Call) const;
+
+	const TSharedPtr<Orivane::IToolExecutor> Executor;
+	const std::chrono::milliseconds TimeLimit;
+	FScanProgress Opening;
+
+	mutable std::mutex Lock; // guards what follows; never held while an answer is handed on
+	EState State = EState::Opening;
+	FString FailureReason;
+	std::map<FMcpCallNumber, FCall> Calls; // in the order of arrival
+};

@@ -1,0 +1,168 @@
+#include "Mcp/McpStdio.h"
+
+#include "Core/Assert.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+#include <utility>
+
+namespace
+{
+constexpr std::size_t MaxBacklogBytes = 16 * 1024 * 1024; // of unread answers; reading rests above it
+constexpr int BacklogMilliseconds = 50;					  // between two looks whether the backlog has shrunk
+constexpr int MaxWaitMilliseconds = 60'000;
+
+constexpr short GoneEvents = POLLERR | POLLHUP | POLLNVAL;
+
+void WaitUntilWritable(int Descriptor)
+{
+	pollfd Poll{.fd = Descriptor, .events = POLLOUT, .revents = 0};
+	poll(&Poll, 1, -1);
+}
+}
+
+FMcpStdio::FMcpStdio(int InInput, int InOutput) : Input(InInput), Output(InOutput)
+{
+	const bool bMade = pipe2(WakePipe, O_CLOEXEC | O_NONBLOCK) == 0;
+	checkf(bMade, "a process that starts has file descriptors left");
+	Writer = std::thread([this] { RunWriter(); });
+}
+
+FMcpStdio::~FMcpStdio()
+{
+	{
+		std::lock_guard Guard(Lock);
+		bClosing = true;
+	}
+	Changed.notify_all();
+	Writer.join();
+	close(WakePipe[0]);
+	close(WakePipe[1]);
+}
+
+void FMcpStdio::Write(std::string Line)
+{
+	{
+		std::lock_guard Guard(Lock);
+		if (bReaderGone)
+			return;
+		Queued += Line;
+		Queued += '\n';
+		NumUnwritten += Line.size() + 1;
+	}
+	Changed.notify_all();
+}
+
+EMcpEnd FMcpStdio::Read(IMcpLineHandler& Handler)
+{
+	FMcpLineSplitter Lines(MaxMcpInputLineBytes);
+	std::array<char, 65536> Buffer;
+	for (;;)
+	{
+		const FWait Wait = WaitForInput(Handler);
+		if (Wait.End)
+			return *Wait.End;
+		Handler.Tick();
+		if (!Wait.bInput)
+			continue;
+		const ssize_t NumRead = read(Input, Buffer.data(), Buffer.size());
+		if (NumRead > 0)
+			Lines.Append({Buffer.data(), static_cast<std::size_t>(NumRead)}, Handler);
+		else if (NumRead == 0 || (errno != EINTR && errno != EAGAIN))
+		{
+			Lines.Finish(Handler);
+			return EMcpEnd::EndOfInput;
+		}
+	}
+}
+
+FMcpStdio::FWait FMcpStdio::WaitForInput(const IMcpLineHandler& Handler) const
+{
+	const bool bBacklog = HasBacklog();
+	const short InputEvents = bBacklog ? 0 : POLLIN;
+	std::array<pollfd, 3> Polls = {{
+		{.fd = Input, .events = InputEvents, .revents = 0},
+		{.fd = WakePipe[0], .events = POLLIN, .revents = 0},
+		{.fd = Output, .events = 0, .revents = 0},
+	}};
+	if (poll(Polls.data(), Polls.size(), GetWaitMilliseconds(Handler, bBacklog)) <= 0)
+		return {};
+	if (Polls[1].revents != 0)
+		return {.End = EMcpEnd::Stopped};
+	if ((Polls[2].revents & GoneEvents) != 0)
+		return {.End = EMcpEnd::ReaderGone};
+	// A client that has closed its end while it reads nothing will not come back for the answers to what it sent last.
+	if (bBacklog && (Polls[0].revents & GoneEvents) != 0)
+		return {.End = EMcpEnd::EndOfInput};
+	return {.bInput = Polls[0].revents != 0, .End = {}};
+}
+
+int FMcpStdio::GetWaitMilliseconds(const IMcpLineHandler& Handler, bool bBacklog) const
+{
+	int Wait = bBacklog ? BacklogMilliseconds : MaxWaitMilliseconds;
+	if (const auto Next = Handler.GetNextTickTime())
+	{
+		const auto Left = std::chrono::ceil<std::chrono::milliseconds>(*Next - std::chrono::steady_clock::now()).count();
+		Wait = static_cast<int>(std::clamp<int64>(Left, 0, Wait));
+	}
+	return Wait;
+}
+
+void FMcpStdio::RequestStop() noexcept
+{
+	const int SavedError = errno;
+	const char Byte = 0;
+	[[maybe_unused]] const ssize_t Written = write(WakePipe[1], &Byte, 1); // a full pipe says the same
+	errno = SavedError;
+}
+
+bool FMcpStdio::Flush(std::chrono::milliseconds Limit)
+{
+	std::unique_lock Guard(Lock);
+	return Changed.wait_for(Guard, Limit, [this] { return bReaderGone || NumUnwritten == 0; });
+}
+
+bool FMcpStdio::HasBacklog() const
+{
+	std::lock_guard Guard(Lock);
+	return NumUnwritten > MaxBacklogBytes;
+}
+
+void FMcpStdio::RunWriter()
+{
+	std::unique_lock Guard(Lock);
+	for (;;)
+	{
+		Changed.wait(Guard, [this] { return bClosing || !Queued.empty(); });
+		if (bClosing || bReaderGone)
+			return;
+		const std::string Lines = std::exchange(Queued, std::string());
+		Guard.unlock();
+		const bool bWritten = WriteAll(Lines);
+		Guard.lock();
+		NumUnwritten -= Lines.size();
+		bReaderGone = !bWritten;
+		Changed.notify_all();
+		if (bReaderGone)
+			RequestStop();
+	}
+}
+
+bool FMcpStdio::WriteAll(std::string_view Bytes) const
+{
+	while (!Bytes.empty())
+	{
+		const ssize_t Written = write(Output, Bytes.data(), Bytes.size());
+		if (Written >= 0)
+			Bytes.remove_prefix(static_cast<std::size_t>(Written));
+		else if (errno == EAGAIN)
+			WaitUntilWritable(Output);
+		else if (errno != EINTR)
+			return false;
+	}
+	return true;
+}

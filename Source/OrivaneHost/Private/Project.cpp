@@ -1,0 +1,166 @@
+#include "Project.h"
+
+#include "Core/File.h"
+#include "Core/ProjectFolder.h"
+#include "Core/Unicode.h"
+#include "CoreObject/Loader.h"
+#include "CoreObject/PackageName.h"
+#include "CoreObject/ScriptModule.h"
+#include "ProjectFiles.h"
+
+#include <chrono>
+#include <cstdlib>
+
+namespace
+{
+struct FOpenProject
+{
+	bool bOpen = false;
+	FProjectSummary Summary;
+};
+
+FOpenProject& GetOpenProject()
+{
+	static FOpenProject Project;
+	return Project;
+}
+
+/** Where caches of projects go whose own folder cannot be written: a folder of the user's, one below it for each project. */
+FString GetUserCacheFolder(const FString& ProjectFolder)
+{
+	const char* CacheHome = std::getenv("XDG_CACHE_HOME");
+	const char* Home = std::getenv("HOME");
+	FString Base;
+	if (CacheHome && *CacheHome == '/')
+		Base = CacheHome;
+	else if (Home && *Home == '/')
+		Base = FString(Home) + "/.cache";
+	else
+		return {};
+	return Base + FString::Printf("/orivane/%016llx/", static_cast<unsigned long long>(Unicode::HashFolded(ProjectFolder)));
+}
+
+void MountRoots(const FProjectSummary& Summary, const FString& EngineContent)
+{
+	FPackageName::MountRoot("/Game", Summary.Folder + "Content/");
+	for (const FProjectPlugin& Plugin : Summary.Plugins)
+		FPackageName::MountRoot(FString("/") + Plugin.Name, Summary.Folder + Plugin.Folder + "/Content/");
+	if (!EngineContent.IsEmpty())
+		FPackageName::MountRoot("/Engine", FPaths::ConvertRelativePathToFull(EngineContent) + "/");
+}
+
+TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>> GetClassParents()
+{
+	TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>> Parents;
+	ForEachClass(
+		[&](UClass& Class)
+		{
+			if (const UClass* Super = Class.GetSuperClass())
+				Parents.Add({Class.GetStructPathName(), Super->GetStructPathName()});
+		});
+	return Parents;
+}
+
+FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FString& Folder, FDiagnosticSink& Diagnostics)
+{
+	FRegistryScanOptions Scan;
+	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
+		Scan.Roots.Add({Mount.Root, Mount.Folder});
+	Scan.Sources.Add(&GetVassetPackageSource());
+	Scan.ProjectFolder = Folder;
+	Scan.CacheFolders.Add(FPaths::ProjectIntermediateDir());
+	if (FString UserFolder = GetUserCacheFolder(Folder); !UserFolder.IsEmpty())
+		Scan.CacheFolders.Add(std::move(UserFolder));
+	Scan.Cache = Options.Cache;
+	Scan.NumThreads = Options.NumThreads;
+	Scan.Diagnostics = &Diagnostics;
+	Scan.Stop = Options.Stop;
+	if (Options.Progress)
+	{
+		Scan.NumDone = &Options.Progress->NumDone;
+		Scan.NumTotal = &Options.Progress->NumTotal;
+	}
+	return Scan;
+}
+
+/** The loader's way to a package's file: the registry knows the spelling on disk. */
+TOptional<FPackageFile> LocatePackage(FName PackageName)
+{
+	const IPackageSource* Source = nullptr;
+	const FString File = FProject::GetRegistry().GetPackageFileName(PackageName, Source);
+	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
+	{
+		if (!File.StartsWith(Mount.Folder, ESearchCase::CaseSensitive))
+			continue;
+		const FString Relative = File.Mid(Mount.Folder.Len());
+		const FString& ProjectDir = FPaths::ProjectDir();
+		const bool bInProject = File.StartsWith(ProjectDir, ESearchCase::CaseSensitive);
+		return FPackageFile{
+			.FileName = bInProject ? File.Mid(ProjectDir.Len()) : File,
+			.Source = Source,
+			.Read = [Folder = Mount.Folder, Relative](std::string& Buffer, uint64 MaxBytes, std::size_t)
+			{ return FProjectFolder(Folder).Read(Relative, Buffer, MaxBytes); },
+		};
+	}
+	return {};
+}
+}
+
+FAssetRegistry& FProject::GetRegistry()
+{
+	// Never destroyed: whoever asked the module for the registry keeps the pointer.
+	static FAssetRegistry* const Registry = new FAssetRegistry;
+	return *Registry;
+}
+
+bool FProject::IsOpen()
+{
+	return GetOpenProject().bOpen;
+}
+
+const FProjectSummary& FProject::GetSummary()
+{
+	return GetOpenProject().Summary;
+}
+
+void FProject::Close()
+{
+	UnloadAllLoadedPackages();
+	SetPackageLocator(nullptr);
+	FRegistryScanReport Report;
+	GetRegistry().Scan({.Cache = ERegistryCache::Ignore}, Report);
+	RemoveScriptModules();
+	FPackageName::UnmountAll();
+	GetOpenProject() = {};
+}
+
+bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, FString& OutError)
+{
+	Close();
+	const auto Start = std::chrono::steady_clock::now();
+	FProjectSummary Summary;
+	if (!ProjectFiles::FindDescriptor(Options.Path, Summary.Folder, Summary.DescriptorFile, OutError))
+		return false;
+	FPaths::SetProjectDir(Summary.Folder);
+	Summary.Folder = FPaths::ProjectDir();
+
+	ProjectFiles::ReadDescriptor(Summary, Diagnostics);
+	ProjectFiles::ReadSettings(Summary.Folder, Diagnostics);
+	const TArray<FScriptModuleFile> Modules = ProjectFiles::ReadScriptModules(Summary.Folder, Diagnostics);
+	DeclareScriptModules(Modules, &Diagnostics);
+	for (const FScriptModuleFile& Module : Modules)
+		Summary.ScriptModules.Add(Module.ModuleName);
+	Summary.Plugins = ProjectFiles::FindPlugins(Summary.Folder, Diagnostics);
+	MountRoots(Summary, Options.EngineContent);
+
+	GetRegistry().SetClassParents(GetClassParents());
+	if (!GetRegistry().Scan(MakeScanOptions(Options, Summary.Folder, Diagnostics), Summary.Scan))
+	{
+		OutError = "opening was interrupted";
+		return false;
+	}
+	SetPackageLocator(LocatePackage);
+	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
+	GetOpenProject() = {.bOpen = true, .Summary = std::move(Summary)};
+	return true;
+}

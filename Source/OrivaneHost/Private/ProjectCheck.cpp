@@ -1,0 +1,144 @@
+#include "ProjectCheck.h"
+
+#include "CoreObject/Loader.h"
+#include "Project.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace
+{
+/** Packages loaded before all are unloaded again: few enough for memory, enough that neighbours which share structures load them
+ * once. */
+constexpr int32 PackagesPerRound = 512;
+
+TArray<FName> ListPackages()
+{
+	TArray<FName> Packages;
+	FProject::GetRegistry().EnumerateAssets(
+		{},
+		[&](const FAssetData& Asset)
+		{
+			if (Packages.IsEmpty() || !(Packages.Last() == Asset.PackageName))
+				Packages.Add(Asset.PackageName);
+			return true;
+		},
+		false);
+	return Packages;
+}
+
+/** Keeps memory bounded while packages are loaded one after another. */
+class FRounds
+{
+public:
+	~FRounds() { UnloadAllLoadedPackages(); }
+	void BeginPackage()
+	{
+		if (NumPackages++ % PackagesPerRound == 0)
+			UnloadAllLoadedPackages();
+	}
+
+private:
+	int32 NumPackages = 0;
+};
+
+/** Looks where references between packages lead: by the registry where it can tell, by loading the others in the end. */
+class FReferenceCheck
+{
+public:
+	explicit FReferenceCheck(FDiagnosticSink& InDiagnostics) : Diagnostics(InDiagnostics) {}
+
+	void Add(const FForeignReference& Reference)
+	{
+		const FAssetData Asset = FProject::GetRegistry().GetAssetByObjectPath(Reference.Target, false, false);
+		if (!Asset.IsValid() || Reference.bIsClassReference)
+			Unsettled.push_back(Reference);
+		else if (Reference.Class.IsValid() && !DerivesFrom(Asset.AssetClassPath, Reference.Class))
+			ReportWrongClass(Reference, Asset.AssetClassPath.ToString());
+	}
+
+	void Settle(const std::stop_token& Stop)
+	{
+		std::stable_sort(Unsettled.begin(), Unsettled.end(),
+			[](const FForeignReference& A, const FForeignReference& B)
+			{ return A.Target.Asset.PackageName.LexicalLess(B.Target.Asset.PackageName); });
+		FRounds Rounds;
+		FName Package;
+		for (const FForeignReference& Reference : Unsettled)
+		{
+			if (Stop.stop_requested())
+				return;
+			if (!(Reference.Target.Asset.PackageName == std::exchange(Package, Reference.Target.Asset.PackageName)))
+				Rounds.BeginPackage();
+			CheckLoaded(Reference);
+		}
+	}
+
+private:
+	static bool DerivesFrom(const FTopLevelAssetPath& Class, const FTopLevelAssetPath& Ancestor)
+	{
+		TArray<FTopLevelAssetPath> Ancestors = {Class};
+		FProject::GetRegistry().GetAncestorClasses(Class, Ancestors);
+		return Ancestors.Contains(Ancestor);
+	}
+
+	static bool IsClassBelow(const UObject& Object, const UClass* Ancestor)
+	{
+		const UClass* Class = Cast<UClass>(&Object);
+		return Class && (!Ancestor || Class->IsChildOf(Ancestor));
+	}
+
+	void CheckLoaded(const FForeignReference& Reference)
+	{
+		const UObject* Object = StaticLoadObject(nullptr, nullptr, Reference.Target.ToString());
+		const UClass* Class = FindClass(Reference.Class.ToString());
+		if (!Object)
+			Report(Reference, "there is no object " + Reference.Target.ToString());
+		else if (!Reference.bIsClassReference && Class && !Object->IsA(Class))
+			ReportWrongClass(Reference, Object->GetClass()->GetPathName());
+		else if (Reference.bIsClassReference && !IsClassBelow(*Object, Class))
+			Report(Reference, Reference.Target.ToString() + " is no class that derives from " + Reference.Class.ToString());
+	}
+
+	void ReportWrongClass(const FForeignReference& Reference, const FString& ActualClass)
+	{
+		Report(Reference,
+			Reference.Target.ToString() + " is of class " + ActualClass + ", not of " + Reference.Class.ToString() +
+				" or a class derived from it");
+	}
+
+	void Report(const FForeignReference& Reference, FString Text)
+	{
+		FDiagnostic Diagnostic = Reference.At;
+		Diagnostic.Text = std::move(Text);
+		Diagnostic.Rule = "bad-reference";
+		Diagnostics.Add(std::move(Diagnostic));
+	}
+
+	FDiagnosticSink& Diagnostics;
+	std::vector<FForeignReference> Unsettled;
+};
+
+void LoadEveryPackage(const std::stop_token& Stop)
+{
+	FRounds Rounds;
+	for (const FName Package : ListPackages())
+	{
+		if (Stop.stop_requested())
+			return;
+		Rounds.BeginPackage();
+		LoadPackage(Package);
+	}
+}
+}
+
+void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop)
+{
+	FReferenceCheck References(Diagnostics);
+	SetLoadDiagnostics(&Diagnostics);
+	SetReferenceListener([&References](const FForeignReference& Reference) { References.Add(Reference); });
+	LoadEveryPackage(Stop);
+	SetReferenceListener(nullptr);
+	SetLoadDiagnostics(nullptr);
+	References.Settle(Stop);
+}

@@ -1,0 +1,172 @@
+#include "Commands.h"
+#include "HeadlessEngine.h"
+#include "OrivaneHost/Program.h"
+#include "Quellar/AssetSearchService.h"
+#include "ToolCaller.h"
+
+#include <algorithm>
+
+namespace
+{
+constexpr const char* Bold = "\033[1m";
+constexpr const char* Dim = "\033[2m";
+constexpr const char* Reset = "\033[0m";
+
+void SetStrings(FJsonObject& Args, const char* Key, const TArray<FString>& Texts)
+{
+	FJsonArray Array;
+	for (const FString& Text : Texts)
+		Array.Add(Text);
+	if (!Texts.IsEmpty())
+		Args.SetArrayField(Key, std::move(Array));
+}
+
+void SetNumber(FJsonObject& Args, const char* Key, TOptional<int32> Number)
+{
+	if (Number)
+		Args.SetNumberField(Key, *Number);
+}
+
+FString MakeToolArguments(const FSearchArguments& Arguments)
+{
+	FJsonObject Args;
+	Args.SetStringField("term", Arguments.Term);
+	Args.SetStringField("mode", Arguments.bExact ? "exact" : "contains");
+	Args.SetBoolField("case_sensitive", Arguments.bCaseSensitive);
+	SetStrings(Args, "include_asset_families", Arguments.Families);
+	SetStrings(Args, "include_kinds", Arguments.Kinds);
+	Args.SetStringField("path_contains", Arguments.PathContains);
+	SetNumber(Args, "max_hits_per_kind", Arguments.MaxHitsPerKind);
+	SetNumber(Args, "max_total_hits", Arguments.MaxTotalHits);
+	SetNumber(Args, "max_hits_per_asset_type", Arguments.MaxHitsPerAssetType);
+	return Json::Write(Args);
+}
+
+/** The tool ignores unknown families in silence, as agents rely on; a person at a shell has mistyped. */
+bool AreFamiliesKnown(const TArray<FString>& Families)
+{
+	const TArray<FString> Known = UAssetSearchService::GetFamilyNames();
+	for (const FString& Family : Families)
+	{
+		if (Known.Contains(Family))
+			continue;
+		FString Error = FString("orivane search: there is no family '") + Terminal::Sanitize(Family) + "'; families:";
+		for (const FString& Name : Known)
+			Error += FString(" ") + Name;
+		Terminal::PrintError(Error + "\n");
+		return false;
+	}
+	return true;
+}
+
+FString GetText(const FJsonObject& Object, const char* Key)
+{
+	FString Text;
+	Object.TryGetStringField(Key, Text);
+	return Terminal::Sanitize(Text);
+}
+
+const FJsonArray& GetArray(const FJsonObject& Object, const char* Key)
+{
+	static const FJsonArray None;
+	const FJsonArray* Array = nullptr;
+	return Object.TryGetArrayField(Key, Array) ? *Array : None;
+}
+
+/** Prints assets as paragraphs: path and class, then a line per hit with aligned columns. */
+class FResultPrinter
+{
+public:
+	explicit FResultPrinter(bool bInColor) : bColor(bInColor) {}
+
+	void PrintAsset(const FJsonObject& Asset)
+	{
+		const FJsonArray& Hits = GetArray(Asset, "hits");
+		Out += Paint(Bold, GetText(Asset, "asset")) + "  " + Paint(Dim, GetText(Asset, "class")) + "\n";
+		int32 KindWidth = 0;
+		int32 NameWidth = 0;
+		for (const FJsonValue& Hit : Hits)
+		{
+			KindWidth = std::max(KindWidth, GetText(*Hit.AsObject(), "kind").Len());
+			NameWidth = std::max(NameWidth, GetText(*Hit.AsObject(), "name").Len());
+		}
+		for (const FJsonValue& Hit : Hits)
+			PrintHit(*Hit.AsObject(), KindWidth, std::min(NameWidth, MaxNameWidth));
+		bool bTruncated = false;
+		if (Asset.TryGetBoolField("truncated", bTruncated) && bTruncated)
+			Out += Paint(Dim, "  (more hits of a kind were left out; raise --max-hits-per-kind)") + "\n";
+	}
+
+	const FString& GetOutput() const { return Out; }
+
+private:
+	static constexpr int32 MaxNameWidth = 48;
+
+	void PrintHit(const FJsonObject& Hit, int32 KindWidth, int32 NameWidth)
+	{
+		int32 Count = 1;
+		Hit.TryGetNumberField("count", Count);
+		const FString Container = GetText(Hit, "container");
+		Out += FString("  ") + Pad(GetText(Hit, "kind"), KindWidth) + "  ";
+		Out += Container.IsEmpty() ? GetText(Hit, "name") : Pad(GetText(Hit, "name"), NameWidth) + "  " + Paint(Dim, Container);
+		Out += Count > 1 ? FString::Printf("  x%d\n", Count) : FString("\n");
+	}
+
+	static FString Pad(const FString& Text, int32 Width)
+	{
+		return Text + FString(std::string(static_cast<std::size_t>(std::max(Width - Text.Len(), 0)), ' '));
+	}
+
+	FString Paint(const char* Style, const FString& Text) const { return bColor ? FString(Style) + Text + Reset : Text; }
+
+	bool bColor;
+	FString Out;
+};
+
+void PrintWarnings(const Orivane::FToolResult& Result)
+{
+	for (const Orivane::FToolMessage& Message : Result.GetMessages())
+	{
+		if (Message.Type != Orivane::EToolMessage::Success)
+			Terminal::PrintError(FString("orivane search: ") + Terminal::Sanitize(Message.Text) + "\n");
+	}
+}
+
+int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
+{
+	PrintWarnings(Result);
+	const Orivane::FToolResult::FPayload* Payload = Result.GetData().Find("content");
+	const TSharedPtr<FJsonObject> Content = Payload ? MakePayloadJson(*Payload).AsObject() : nullptr;
+	if (!Content)
+		return EExitCode::NotFound;
+
+	const FJsonArray& Assets = GetArray(*Content, "assets");
+	if (Arguments.bJson)
+	{
+		Terminal::Print(Json::Write(*Content) + "\n");
+	}
+	else
+	{
+		FResultPrinter Printer(Terminal::UsesColor(Arguments.Color));
+		for (const FJsonValue& Asset : Assets)
+			Printer.PrintAsset(*Asset.AsObject());
+		Terminal::Print(Printer.GetOutput() + FString::Printf("%d asset(s)\n", Assets.Num()));
+	}
+	return Assets.IsEmpty() ? EExitCode::NotFound : EExitCode::Found;
+}
+}
+
+int RunSearch(const FSearchArguments& Arguments)
+{
+	if (!AreFamiliesKnown(Arguments.Families))
+		return EExitCode::WrongUse;
+	const FHeadlessEngine Engine;
+	FDiagnosticSink Diagnostics;
+	int ExitCode = EExitCode::Found;
+	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
+		return ExitCode;
+	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(Arguments.TimeLimitSeconds * 1000));
+	const bool bAnswered = CallToolAndWait("asset_search", MakeToolArguments(Arguments), TimeLimit,
+		[&](const Orivane::FToolResult& Result) { ExitCode = PrintResult(Result, Arguments); });
+	return bAnswered ? ExitCode : EExitCode::Interrupted;
+}

@@ -1,0 +1,113 @@
+#include "Terminal.h"
+
+#include "Core/Unicode.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+namespace
+{
+bool HasEnvironment(const char* Name)
+{
+	const char* Value = std::getenv(Name);
+	return Value && *Value;
+}
+
+std::stop_source& GetStopSource()
+{
+	static std::stop_source Source;
+	return Source;
+}
+
+int SignalPipe[2] = {-1, -1};
+std::atomic<int> NumSignals = 0;
+
+extern "C" void OnSignal(int)
+{
+	// A stop source takes a lock, which a signal handler must not; a thread behind a pipe does it.
+	if (NumSignals.fetch_add(1) > 0)
+		_exit(130);
+	const char Byte = 0;
+	[[maybe_unused]] const ssize_t Written = write(SignalPipe[1], &Byte, 1);
+}
+
+void WatchSignals()
+{
+	char Byte = 0;
+	while (read(SignalPipe[0], &Byte, 1) != 1)
+	{
+	}
+	GetStopSource().request_stop();
+}
+}
+
+bool Terminal::IsStdoutTerminal()
+{
+	return isatty(STDOUT_FILENO) != 0;
+}
+
+bool Terminal::IsStderrTerminal()
+{
+	return isatty(STDERR_FILENO) != 0;
+}
+
+bool Terminal::UsesColor(EColor Color)
+{
+	if (Color != EColor::Auto)
+		return Color == EColor::Always;
+	if (HasEnvironment("NO_COLOR"))
+		return false;
+	return HasEnvironment("CLICOLOR_FORCE") || IsStdoutTerminal();
+}
+
+bool Terminal::Print(FStringView Text)
+{
+	return std::fwrite(Text.data(), 1, Text.size(), stdout) == Text.size() && std::fflush(stdout) == 0;
+}
+
+void Terminal::PrintError(FStringView Text)
+{
+	std::fwrite(Text.data(), 1, Text.size(), stderr);
+}
+
+FString Terminal::Sanitize(FStringView Text)
+{
+	std::string Out;
+	Out.reserve(Text.size());
+	for (std::size_t Position = 0; Position < Text.size();)
+	{
+		const std::size_t Start = Position;
+		const char32_t CodePoint = Unicode::DecodeNext(Text, Position);
+		const bool bControl = CodePoint < 0x20 || (CodePoint >= 0x7F && CodePoint < 0xA0);
+		if (bControl)
+			Out += FString::Printf("\\x%02x", static_cast<unsigned>(CodePoint)).View();
+		else
+			Out.append(Text.substr(Start, Position - Start));
+	}
+	return Out;
+}
+
+void Interrupt::Install()
+{
+	if (pipe(SignalPipe) != 0)
+		return;
+	std::thread(WatchSignals).detach();
+	std::signal(SIGINT, OnSignal);
+	std::signal(SIGTERM, OnSignal);
+	std::signal(SIGPIPE, SIG_IGN);
+}
+
+std::stop_token Interrupt::GetToken()
+{
+	return GetStopSource().get_token();
+}
+
+bool Interrupt::IsRequested()
+{
+	return GetStopSource().stop_requested();
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "OrivaneToolkit/Tool.h"
+
+#include <chrono>
+#include <functional>
+
+namespace Orivane
+{
+using FToolCallId = uint64;
+
+struct FToolCallOptions
+{
+	/** From the moment the tool starts to run; waiting in the queue does not count. */
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
+	/** Appended to the time-out message when it gives a text: what the caller should know or do. May be empty. */
+	std::function<FString(const FToolCommand&)> ExplainTimeOut;
+};
+
+/**
+ * Runs tools by name. Tools run on the game thread; sequential ones (see ITool::GetMetadata) one after another, first come first
+ * served, across all sequential tools. All functions may be called from any thread.
+ */
+class IToolExecutor
+{
+public:
+	virtual ~IToolExecutor() = default;
+
+	/** Makes the entry callable under Name; a name that is taken gets the new entry. */
+	virtual void RegisterTool(const FString& Name, const TSharedPtr<ITool>& Entry) = 0;
+	/** Harmless for a name that is not registered. Calls that run go on. */
+	virtual void UnregisterTool(const FString& Name) = 0;
+	/** Null when there is none. Names compare without regard to case. */
+	virtual TSharedPtr<ITool> FindTool(const FString& Name) const = 0;
+	/** In the order of registration. */
+	virtual TArray<FString> GetToolNames() const = 0;
+
+	/**
+	 * Queues a call. OnAnswer is executed exactly once unless the call is cancelled: on the game thread with the tool's result,
+	 * or, when the time limit passes first, on the executor's clock thread with an error result (a busy game thread cannot hold
+	 * that up). A completion that comes later is dropped. An unknown tool is answered with an error.
+	 */
+	virtual FToolCallId Call(
+		const FToolCommand& Command, const FToolCallOptions& Options, TDelegate<void(FToolResult&)> OnAnswer) = 0;
+	/** The call's OnAnswer will not be executed any more; its place in the queue is free. False when it has been answered (or is
+	 * being answered) already. */
+	virtual bool Cancel(FToolCallId Id) = 0;
+};
+}

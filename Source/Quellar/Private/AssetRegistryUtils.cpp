@@ -1,0 +1,59 @@
+#include "Quellar/AssetRegistryUtils.h"
+
+#include <mutex>
+
+namespace
+{
+std::mutex CachedRegistryLock;
+IAssetRegistry* CachedRegistry = nullptr; // the registry object lives as long as the program once its module was loaded
+
+TArray<FAssetData> QueryByClassPaths(FARFilter Filter, bool bSorted)
+{
+	TArray<FAssetData> Assets;
+	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
+	if (!Registry || Filter.ClassPaths.IsEmpty())
+		return Assets;
+	Filter.bRecursiveClasses = true;
+	Registry->GetAssets(Filter, Assets);
+	if (bSorted)
+		Assets.StableSort(
+			[](const FAssetData& A, const FAssetData& B) { return A.GetObjectPathString() < B.GetObjectPathString(); });
+	return Assets;
+}
+}
+
+IAssetRegistry* OrivaneAssetRegistryUtils::GetAssetRegistry()
+{
+	std::lock_guard Guard(CachedRegistryLock);
+	if (!CachedRegistry && FModuleManager::Get().IsModuleLoaded("AssetRegistry"))
+		CachedRegistry = &FModuleManager::Get().GetModuleChecked<FAssetRegistryModule>("AssetRegistry").Get();
+	return CachedRegistry;
+}
+
+TArray<FAssetData> OrivaneAssetRegistryUtils::FindAssetsByClass(UClass* Class, bool bSorted)
+{
+	return FindAssetsByClasses({Class}, bSorted);
+}
+
+TArray<FAssetData> OrivaneAssetRegistryUtils::FindAssetsByClasses(const TArray<UClass*>& Classes, bool bSorted)
+{
+	FARFilter Filter;
+	for (const UClass* Class : Classes)
+	{
+		if (Class)
+			Filter.ClassPaths.Add(Class->GetStructPathName());
+	}
+	return QueryByClassPaths(std::move(Filter), bSorted);
+}
+
+FAssetData OrivaneAssetRegistryUtils::GetAssetByPath(const FString& ObjectPath)
+{
+	const IAssetRegistry* Registry = GetAssetRegistry();
+	return Registry && !ObjectPath.IsEmpty() ? Registry->GetAssetByObjectPath(FSoftObjectPath(ObjectPath.View()), false, true)
+											 : FAssetData();
+}
+
+bool RegistryHasAsset(const FString& ObjectPath)
+{
+	return OrivaneAssetRegistryUtils::GetAssetByPath(ObjectPath).IsValid();
+}

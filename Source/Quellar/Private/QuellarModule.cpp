@@ -1,0 +1,26 @@
+#include "Quellar/QuellarModule.h"
+
+#include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "ToolEntry.h"
+
+void FQuellarModule::StartupModule()
+{
+	const TSharedPtr<Orivane::IToolExecutor> Executor = FOrivaneToolkitModule::GetToolExecutor();
+	if (!Executor)
+		return;
+	AssetSearchEntry = MakeShared<FAssetSearchTool>();
+	Executor->RegisterTool("asset_search", AssetSearchEntry);
+}
+
+void FQuellarModule::ShutdownModule()
+{
+	const TSharedPtr<Orivane::IToolExecutor> Executor = FOrivaneToolkitModule::GetToolExecutor();
+	if (!Executor)
+		return;
+	Executor->UnregisterTool("asset_search");
+	Executor->UnregisterTool("explore_asset_graph");
+	Executor->UnregisterTool("asset_path_search");
+	AssetSearchEntry.reset();
+	AssetGraphEntry.reset();
+	AssetPathSearchEntry.reset();
+}

@@ -1,0 +1,65 @@
+#include "ToolEntry.h"
+
+#include "Quellar/AssetSearchOperation.h"
+
+FToolEntry::FToolEntry(FString InDescription, FString InMetadata)
+	: Description(std::move(InDescription))
+	, Metadata(std::move(InMetadata))
+{
+}
+
+void FToolEntry::ValidateArguments(const FString& ArgumentsJson, Orivane::FToolResult& Result)
+{
+	TSharedPtr<FJsonObject> Object;
+	if (!Json::ParseObject(ArgumentsJson, Object))
+		Result.AddErrorMessage("Invalid JSON format");
+}
+
+FString FToolEntry::GetMetadata()
+{
+	if (MetadataGenerator && !bMetadataCached)
+	{
+		Metadata = MetadataGenerator();
+		bMetadataCached = true;
+		if (Metadata.IsEmpty())
+			Metadata = "{}";
+	}
+	return Metadata;
+}
+
+void FToolEntry::InvalidateMetadata()
+{
+	if (MetadataGenerator)
+		bMetadataCached = false;
+}
+
+void FToolEntry::Execute(const Orivane::FToolCommand& Command, TSharedPtr<Orivane::FToolResult> Result,
+	TDelegate<void(Orivane::FToolResult&)> OnComplete)
+{
+	TSharedPtr<FJsonObject> Args;
+	if (!Json::ParseObject(Command.ArgumentsJson, Args))
+	{
+		// Two messages: callers match on either.
+		Result->AddErrorMessage("Invalid JSON command");
+		Result->AddErrorMessage("Failed to parse command JSON");
+		OnComplete.ExecuteIfBound(*Result);
+		return;
+	}
+	RunOperation(*Args, *Result, OnComplete);
+}
+
+FAssetSearchTool::FAssetSearchTool()
+	: FToolEntry(
+		  "Search Varnel assets (Blueprints, DataAssets, DataTables, Enums, Structs, Text files, etc.) for names/values without "
+		  "loading assets. Returns per-asset hit lists with kind/name/container context. Supports AssetRegistry + Editor "
+		  "FindInBlueprints index for BP sub-elements. Use for: finding BP variables/functions, discovering DataAsset "
+		  "properties, locating text content, identifying asset usage patterns.",
+		  R"({"operation_type": "search","data_type": "asset","execution_mode": "sequential"})")
+{
+}
+
+void FAssetSearchTool::RunOperation(
+	const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete)
+{
+	FAssetSearchOperation::ExecuteAsync(Args, Result, std::move(OnComplete));
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "OrivaneToolkit/Tool.h"
+
+#include <functional>
+
+/** What the module's tool entries share: fixed texts, the argument check, and reading of the argument text. Entries differ in
+ * RunOperation alone. */
+class FToolEntry : public Orivane::ITool
+{
+public:
+	FToolEntry(FString InDescription, FString InMetadata);
+
+	FString GetSchema() const override { return Schema; }
+	FString GetDescription() const override { return Description; }
+	void ValidateArguments(const FString& ArgumentsJson, Orivane::FToolResult& Result) override;
+	FString GetMetadata() override;
+	void InvalidateMetadata() override;
+	void Execute(const Orivane::FToolCommand& Command, TSharedPtr<Orivane::FToolResult> Result,
+		TDelegate<void(Orivane::FToolResult&)> OnComplete) final;
+
+protected:
+	/** Runs the tool's operation; OnComplete must be executed once, now or later. */
+	virtual void RunOperation(
+		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete) = 0;
+
+private:
+	FString Schema = "{}";
+	FString Description;
+	FString Metadata;
+	std::function<FString()> MetadataGenerator; // unbound: the metadata is fixed
+	bool bMetadataCached = true;
+};
+
+class FAssetSearchTool final : public FToolEntry
+{
+public:
+	FAssetSearchTool();
+
+protected:
+	void RunOperation(
+		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete) override;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Core/Delegate.h"
+#include "Core/Name.h"
+#include "Quellar/AssetSearchTypes.h"
+
+/** Executed exactly once with what a search found. */
+using FOnAssetSearchComplete = TDelegate<void(const FAssetSearchResult&)>;
+
+/** Short asset type of an asset's class, such as "Blackboard" for BlackboardData; "uasset" for classes without one. Case is
+ * ignored. */
+FString AssetTypeFromClassName(FName ClassName);
+
+/** Searches over the project's assets. Game thread. */
+class UAssetSearchService
+{
+public:
+	static UAssetSearchService& Get();
+
+	/**
+	 * Searches the selected families and merges what they report: at most MaxHitsPerAssetType assets of a type in order of
+	 * arrival, then the first MaxTotalHits in ascending path order without regard to case. OnComplete runs once, before this
+	 * returns unless a family answers later.
+	 */
+	void AssetSearch(const FAssetSearchParams& Params, FOnAssetSearchComplete OnComplete);
+	/** The names that IncludeAssetFamilies may hold, in the order in which families are searched. */
+	static TArray<FString> GetFamilyNames();
+};

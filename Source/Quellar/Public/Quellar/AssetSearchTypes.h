@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Core/Containers.h"
+#include "Core/String.h"
+
+class FJsonObject;
+
+/** One match inside one asset. */
+struct FAssetHit
+{
+	FString Kind;	   // such as "ColumnName"; each family has its own
+	FString Name;	   // the matched element
+	FString Container; // where inside the asset; may be empty
+	int32 Count = 1;   // how often the same kind, name and container were met
+	TSharedPtr<FJsonObject> Anchor;
+};
+
+/** One asset with its hits, in order of first appearance. */
+struct FAssetResult
+{
+	FString AssetPath;
+	FString AssetClass;
+	bool bTruncated = false; // a hit was refused because its kind had reached the per-kind cap
+	TArray<FAssetHit> Hits;
+};
+
+struct FAssetSearchParams
+{
+	FString Term; // empty matches everything
+	bool bExact = false;
+	bool bCaseSensitive = false;
+	TArray<FString> IncludeAssetFamilies; // empty: all
+	TArray<FString> IncludeKinds;		  // empty: all
+	FString PathContains;				  // empty: no filter
+	TArray<FString> IncludeTextExtensions;
+	int32 MaxHitsPerKind = 10;
+	int32 MaxTotalHits = 200;
+	bool bPreferEditorIndex = true;
+	int32 MaxHitsPerAssetType = 25;
+};
+
+struct FAssetSearchResult
+{
+	TArray<FAssetResult> Results;
+	bool bTruncated = false; // an asset was dropped by the per-asset-type cap or the total cap
+};
+
+/** The one rule by which every family matches texts and appends hits. */
+namespace OrivaneSearchUtils
+{
+/** Contains or equals, by the search's mode and case; an empty term matches every text. */
+bool TermMatches(const FString& Text, const FAssetSearchParams& Params);
+/** A counter has reached a cap; caps below 1 act as 1. */
+bool HasReachedCap(int32 Count, int32 Cap);
+/** Appends when Name matches the term; kind and container are not matched. */
+void AppendIfTermMatches(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
+	const FAssetSearchParams& Params, int32& TotalHits);
+/**
+ * Appends without matching. A hit that is there already is counted up instead and never weighs on a cap; over the per-kind cap
+ * the asset is marked truncated; over the total cap nothing happens.
+ */
+void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
+	const FAssetSearchParams& Params, int32& TotalHits);
+bool DoesKindSetContainAny(const TArray<FString>& Kinds, const TSet<FString>& KindSet);
+}

@@ -1,0 +1,64 @@
+#include "Quellar/AssetPathExclusion.h"
+#include "Support/TestProject.h"
+
+namespace
+{
+struct FCase
+{
+	const char* Why;
+	const char* Path;
+	bool bExpected;
+};
+
+void ExpectAll(std::initializer_list<FCase> Cases)
+{
+	for (const FCase& Case : Cases)
+	{
+		SCOPED_TRACE(std::string(Case.Why) + ": " + Case.Path);
+		EXPECT_EQ(FOrivaneFindUtils::ShouldExcludeFilePath(Case.Path), Case.bExpected);
+	}
+}
+}
+
+TEST(AssetPathExclusion, DefaultRules)
+{
+	FTestProject Project;
+	Project.Open();
+	ExpectAll({
+		{"an empty path never is", "", false},
+		{"backslashes and case do not matter", "C:\\Proj\\Intermediate\\x.txt", true},
+		{"at the start", "saved/logs/a.log", true},
+		{"at the end", "/proj/Saved", true},
+		{"inside", "/proj/saved/x", true},
+		{"only whole segments", "/proj/savedgames/x", false},
+		{"only whole segments, a later one fits", "/proj/savedgames/saved/x", true},
+		{"the bare name is neither start, inside nor end", "saved", false},
+		{"an excluded plugin", "/Game/Plugins/Niagara/Content/X.X", true},
+		{"plugin names ignore case", "/plugins/WATER/x", true},
+		{"another plugin", "/Game/Plugins/MyPlugin/X", false},
+		{"an empty plugin name", "/Plugins//X", false},
+		{"a plugin folder without content behind it", "/Plugins/Niagara", false},
+		{"without a leading slash the plugin rule does not apply", "plugins/Niagara/x", false},
+		{"only the first plugins segment counts", "/Plugins/Mine/Plugins/Water/x", false},
+	});
+}
+
+TEST(AssetPathExclusion, ReadsTheSettingsInForce)
+{
+	FTestProject Project;
+	Project.Settings(
+		"ExcludedDirectories=Archive\\Old\n+ExcludedDirectories=\n+ExcludedPluginNames=FogSystem\n-ExcludedPluginNames=Water");
+	Project.Open();
+	ExpectAll({
+		{"the first mention replaces the defaults", "/proj/saved/x", false},
+		{"a directory may be several segments, with either slash", "/Game/archive/old/X.X", true},
+		{"an empty entry excludes nothing", "/Game//X.X", false},
+		{"an added plugin", "/Plugins/FogSystem/X", true},
+		{"a first mention with + replaces the default list", "/Plugins/Niagara/X", false},
+		{"a removed plugin", "/Plugins/Water/X", false},
+	});
+
+	Project.Settings("bExcludeEnginePlugins=False");
+	Project.Open();
+	ExpectAll({{"the plugin rule can be switched off", "/Plugins/FogSystem/X", false}});
+}

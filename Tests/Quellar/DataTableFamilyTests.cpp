@@ -1,0 +1,151 @@
+#include "Support/TestProject.h"
+
+TEST(DataTableFamily, FindsPartsOfTheSchema)
+{
+	FTestProject Project;
+	Project.Table("/Game/Data/DT_Weapons", "WeaponRow").Column("Damage", "float").Column("Name", "string").Rows(3);
+	Project.Table("/Game/Data/DT_NoStruct").Rows(12);
+
+	const struct
+	{
+		const char* Why;
+		const char* Term;
+		const char* Expected;
+	} Cases[] = {
+		{"by row structure", "weaponrow", "DT_Weapons: RowStruct WeaponRow @Schema"},
+		{"by column name", "damage", "DT_Weapons: ColumnName Damage:float @Schema/Columns"},
+		{"by column type", "float", "DT_Weapons: ColumnName Damage:float @Schema/Columns"},
+		{"row structure before columns", "a",
+			"DT_Weapons: RowStruct WeaponRow @Schema; ColumnName Damage:float @Schema/Columns; ColumnName Name:string "
+			"@Schema/Columns"},
+		{"own name only when nothing else matched", "DT_Weap", "DT_Weapons: AssetName DT_Weapons @DataTable"},
+		{"row count is text: 12 holds a 2", "2", "DT_NoStruct: RowCount 12 @Rows"},
+		{"a table without a row structure", "DT_No", "DT_NoStruct: AssetName DT_NoStruct @DataTable"},
+		{"the joined column text itself is not matched", "Damage:float", ""},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		EXPECT_EQ(Render(Project.Search("DataTable", Case.Term)), Case.Expected);
+	}
+}
+
+TEST(DataTableFamily, NamesColumnTypes)
+{
+	const struct
+	{
+		const char* Type;
+		const char* Expected;
+	} Cases[] = {
+		{"string", "string"},
+		{"name", "FName"},
+		{"text", "FText"},
+		{"int8", "int"},
+		{"uint64", "int"},
+		{"byte", "int"},
+		{"float", "float"},
+		{"double", "float"},
+		{"bool", "bool"},
+		{"object</Script/Engine.Actor>", "UObject"},
+		{"weak_object</Script/Engine.Actor>", "UObject"},
+		{"lazy_object</Script/Engine.Actor>", "UObject"},
+		{"soft_object</Script/Engine.Actor>", "UObject"},
+		{"class</Script/Engine.Actor>", "UObject"},
+		{"soft_class</Script/Engine.Actor>", "UObject"},
+		{"interface</Script/Engine.Actor>", "InterfaceProperty"},
+		{"struct</Script/Test.Inner>", "UStruct"},
+		{"array<int>", "TArray"},
+		{"map<name,int>", "TMap"},
+		{"set<int>", "TSet"},
+		{"delegate", "DelegateProperty"},
+		{"multicast_delegate", "MulticastDelegateProperty"},
+		{"field_path", "FieldPathProperty"},
+	};
+	FTestProject Project;
+	Project.Table("/Game/DT_Inner", "Inner").Column("Unused", "int");
+	int32 Index = 0;
+	for (const auto& Case : Cases)
+	{
+		const std::string Number = std::to_string(Index++);
+		Project.Table("/Game/DT_" + Number, "Row" + Number).Column("Column" + Number + "_", Case.Type);
+	}
+	Index = 0;
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Type);
+		const std::string Number = std::to_string(Index++);
+		EXPECT_EQ(Render(Project.Search("DataTable", "Column" + Number + "_")),
+			"DT_" + Number + ": ColumnName Column" + Number + "_:" + Case.Expected + " @Schema/Columns");
+	}
+}
+
+TEST(DataTableFamily, EnumColumnsDependOnTheirProperty)
+{
+	FTestProject Project;
+	Project.File("Script/Kinds.vscript",
+		R"({"varnel_script": 1, "enums": [{"name": "EKind", "entries": [{"name": "One", "display": "One"}]}]})");
+	Project.Table("/Game/DT_A", "RowA")
+		.Column("AsEnum", "enum</Script/Kinds.EKind>")
+		.Column("AsByte", "byte</Script/Kinds.EKind>");
+	EXPECT_EQ(Render(Project.Search("DataTable", "AsEnum")), "DT_A: ColumnName AsEnum:enum @Schema/Columns");
+	EXPECT_EQ(Render(Project.Search("DataTable", "AsByte")), "DT_A: ColumnName AsByte:int @Schema/Columns")
+		<< "byte-sized enumerations are numeric";
+}
+
+TEST(DataTableFamily, ReadsTenColumns)
+{
+	FTestProject Project;
+	FTestTable& Table = Project.Table("/Game/DT_Wide", "WideRow");
+	for (int32 Column = 1; Column <= 15; ++Column)
+		Table.Column("Field" + std::to_string(Column) + "_", "int");
+	EXPECT_EQ(Render(Project.Search("DataTable", "Field10_")), "DT_Wide: ColumnName Field10_:int @Schema/Columns");
+	EXPECT_EQ(Render(Project.Search("DataTable", "Field12_")), "");
+}
+
+TEST(DataTableFamily, FiltersByFolderAndExclusion)
+{
+	FTestProject Project;
+	Project.Table("/Game/Data/DT_A", "RowA").Column("Health", "int");
+	Project.Table("/Game/UI/DT_B", "RowB").Column("Health", "int");
+	Project.Table("/Game/Saved/DT_C", "RowC").Column("Health", "int");
+
+	const struct
+	{
+		const char* Why;
+		const char* PathContains;
+		bool bCaseSensitive;
+		bool bExact;
+		const char* Expected;
+	} Cases[] = {
+		{"no filter; an excluded folder stays out", "", false, false, "DT_A DT_B"},
+		{"part of the folder, any case", "/game/data", false, false, "DT_A"},
+		{"the search's case counts", "/game/data", true, false, ""},
+		{"the asset's own name is no folder", "DT_A", false, false, ""},
+		{"the filter is a contains test in exact mode too", "Data", false, true, "DT_A"},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		FAssetSearchParams Params;
+		Params.Term = "Health";
+		Params.IncludeAssetFamilies = {"DataTable"};
+		Params.PathContains = Case.PathContains;
+		Params.bCaseSensitive = Case.bCaseSensitive;
+		Params.bExact = Case.bExact;
+		EXPECT_EQ(RenderAssets(Project.Search(Params)), Case.Expected);
+	}
+}
+
+TEST(DataTableFamily, StopsAtTheHitCap)
+{
+	FTestProject Project;
+	Project.Table("/Game/DT_A", "RowA").Column("Health", "int").Column("HealthMax", "int").Column("HealthMin", "int");
+	Project.Table("/Game/DT_B", "RowB").Column("Health", "int");
+	FAssetSearchParams Params;
+	Params.Term = "Health";
+	Params.IncludeAssetFamilies = {"DataTable"};
+	Params.MaxTotalHits = 2;
+	EXPECT_EQ(
+		Render(Project.Search(Params)), "DT_A: ColumnName Health:int @Schema/Columns; ColumnName HealthMax:int @Schema/Columns")
+		<< "later columns and tables are not read, the table in hand is kept";
+}

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "HeadlessEngine.h"
+#include "Quellar/AssetSearchService.h"
+#include "Support/ScratchFolder.h"
+
+#include <deque>
+#include <string>
+#include <vector>
+
+class FTestProject;
+
+/** A DataTable under construction; its row structure is declared in the project's script module. */
+class FTestTable
+{
+public:
+	FTestTable(std::string InPackage, std::string InRowStruct) : Package(std::move(InPackage)), RowStruct(std::move(InRowStruct))
+	{
+	}
+
+	FTestTable& Column(const std::string& Name, const std::string& Type)
+	{
+		Columns.push_back({Name, Type});
+		return *this;
+	}
+	FTestTable& Rows(int32 Count)
+	{
+		NumRows = Count;
+		return *this;
+	}
+
+private:
+	friend class FTestProject;
+	struct FColumn
+	{
+		std::string Name;
+		std::string Type;
+	};
+	std::string Package;
+	std::string RowStruct; // "" for a table without one
+	std::vector<FColumn> Columns;
+	int32 NumRows = 0;
+};
+
+/**
+ * A whole project for one test: described in a few calls, written to a scratch folder and opened at the first question. The
+ * calling thread is the game thread. One at a time.
+ */
+class FTestProject
+{
+public:
+	FTestProject();
+	~FTestProject();
+
+	FTestTable& Table(const std::string& Package, const std::string& RowStruct = "");
+	/** A file of the project, relative to its folder. */
+	FTestProject& File(const std::string& Path, const std::string& Bytes);
+	/** Lines of Config/DefaultGame.ini below [/Script/Quellar.QuellarSettings]. */
+	FTestProject& Settings(const std::string& Lines);
+	/** A package of one asset without a body, as the registry sees it. */
+	FTestProject& Header(const std::string& Package, const std::string& Class, const std::string& TagsJson = "{}");
+
+	/** Writes and opens what was described; asking does it by itself. Again after further calls: opens anew. */
+	void Open();
+	FAssetSearchResult Search(const FAssetSearchParams& Params);
+	FAssetSearchResult Search(const std::string& Family, const std::string& Term);
+	const FScratchFolder& GetFolder() const { return Folder; }
+
+private:
+	void WriteTable(const FTestTable& Table);
+	void WriteScriptModule();
+
+	FScratchFolder Folder;
+	FHeadlessEngine Engine;
+	std::deque<FTestTable> Tables;
+	std::string SettingsLines;
+	bool bOpen = false;
+};
+
+/**
+ * "DT_Items: ColumnName Name:string @Schema/Columns x2; RowCount 3 @Rows | Docs/Notes.md: ..." with "(truncated)" behind an asset
+ * or at the end; package paths are cut to their last segment.
+ */
+std::string Render(const FAssetSearchResult& Result);
+/** The assets alone, in order: "DT_Items DT_Weapons". */
+std::string RenderAssets(const FAssetSearchResult& Result);

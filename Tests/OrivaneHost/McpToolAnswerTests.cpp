@@ -84,7 +84,7 @@ TEST_F(McpToolAnswer, CutsTheHitsOfTheLastAsset)
 
 TEST_F(McpToolAnswer, NeverPassesWhatClientsTake)
 {
-	const FString Huge(std::string(5 * 1024 * 1024, '"')); // takes twice the bytes in JSON, four times in JSON inside JSON
+	const FString Huge(std::string(1'600'000, '"')); // takes twice the bytes in JSON, four times in JSON inside JSON
 	Orivane::FToolResult Success = MakeResult();
 	Success.AddSuccessMessage(FString("Found 0 matching ") + Huge).SetData("content", MakePayload(1, 1));
 	const std::string Line = Write(Success, INT64_MAX);
@@ -93,7 +93,7 @@ TEST_F(McpToolAnswer, NeverPassesWhatClientsTake)
 
 	Orivane::FToolResult Failure = MakeResult();
 	for (int Index = 0; Index < 100; ++Index)
-		Failure.AddErrorMessage(std::string(100'000, 'x'));
+		Failure.AddErrorMessage(std::string(50'000, 'x'));
 	const std::string Errors = Write(Failure, MaxMcpLineBytes);
 	EXPECT_LE(static_cast<int64>(Errors.size()), MaxMcpLineBytes);
 	EXPECT_EQ(Read(Errors)["isError"], true);

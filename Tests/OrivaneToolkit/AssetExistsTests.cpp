@@ -45,6 +45,18 @@ TEST(AssetExists, KnowsPackagesObjectsAndFiles)
 	}
 }
 
+TEST(AssetExists, FollowsNoLinks)
+{
+	FScratchFolder Outside;
+	Outside.Write("secret.txt", "x");
+	FTestProject Project;
+	Project.Open();
+	Project.GetFolder().Link(Outside.GetRoot(), "linked");
+	Project.GetFolder().Link(Outside.GetRoot() + "/secret.txt", "link.txt");
+	EXPECT_FALSE(FAssetOperationBase::AssetExists("linked/secret"));
+	EXPECT_FALSE(FAssetOperationBase::AssetExists("link"));
+}
+
 TEST(AssetExists, FollowsChangesOnDisk)
 {
 	FTestProject Project;

@@ -146,10 +146,12 @@ TEST_F(Loader, EndsCyclesOfPackages)
 	EXPECT_EQ(GetInt(LoadObject<UTestNode>("/Game/BP_B.Friend"), "OfA"), 10);
 	EXPECT_EQ(RenderFaults(Faults), "");
 
-	AddBlueprint("/Game/BP_X", "/Game/BP_Y.BP_Y_C");
-	AddBlueprint("/Game/BP_Y", "/Game/BP_X.BP_X_C");
+	const FFile& X = AddBlueprint("/Game/BP_X", "/Game/BP_Y.BP_Y_C");
+	const FFile& Y = AddBlueprint("/Game/BP_Y", "/Game/BP_X.BP_X_C");
 	EXPECT_NE(LoadPackage("/Game/BP_X"), nullptr) << "each is the other's parent";
 	EXPECT_EQ(FindClass("/Game/BP_X.BP_X_C"), nullptr);
+	EXPECT_EQ(X.NumReads, 1);
+	EXPECT_EQ(Y.NumReads, 1);
 	EXPECT_NE(Faults.NumErrors(), 0);
 }
 

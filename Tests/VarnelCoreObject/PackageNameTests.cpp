@@ -84,6 +84,7 @@ TEST_F(PackageName, ConvertsFilesAndLongNames)
 TEST_F(PackageName, RelativeFilesNeedAProject)
 {
 	FPaths::SetProjectDir("");
+	FPackageName::MountRoot("/Current", FPaths::ConvertRelativePathToFull("."));
 	EXPECT_EQ(Convert("Content/UI/W_Menu.vasset"), "-");
 	EXPECT_EQ(Convert("/nowhere/Lantern/Content/UI/W_Menu.vasset"), "/Game/UI/W_Menu");
 }

@@ -170,6 +170,9 @@ TEST_F(ScriptModule, LeavesOutFaultyDeclarationsAlone)
 		{"a parent of another kind",
 			Module(R"("structs":[{"name":"A","super":^"/Script/Test.Node"}],"classes":[{"name":"B","super":^"/Script/M.A"}])"),
 			"error unknown-parent\nerror unknown-parent", "-"},
+		{"a parent that is declared as another kind",
+			Module(R"("structs":[)" + Struct("A", "") + R"(],"classes":[{"name":"B","super":^"/Script/M.A"}])"),
+			"error unknown-parent", "A"},
 		{"a parent that only the program derives from",
 			Module(
 				R"("classes":[{"name":"A","super":^"/Script/CoreObject.Package"},{"name":"B","super":^"/Script/CoreObject.Class"}])"),
@@ -239,6 +242,10 @@ TEST_F(ScriptModule, CutsLongLinesOfParents)
 	EXPECT_NE(Faults.find("error too-deep"), std::string::npos);
 	EXPECT_NE(FindClass("/Script/M.C19990"), nullptr);
 	EXPECT_EQ(FindClass("/Script/M.C0"), nullptr);
+	TArray<UObject*> Declared;
+	GetObjectsWithOuter(FindPackage("/Script/M"), Declared, false);
+	for (const UObject* Object : Declared)
+		EXPECT_TRUE(static_cast<const UClass*>(Object)->IsLinked()) << *Object->GetName() << " is half made";
 }
 
 TEST_F(ScriptModule, NamesItsPackage)
@@ -248,7 +255,14 @@ TEST_F(ScriptModule, NamesItsPackage)
 	EXPECT_EQ(Declare({{"Lantern", One}, {"LANTERN", Two}, {"Bad.Name", One}, {"", One}, {"A/B", One}}),
 		"~ error bad-name\n~ error bad-name\n~ error bad-name\n~ error repeated-module");
 	EXPECT_EQ(Describe("/Script/Lantern.A"), "A");
-	EXPECT_EQ(LoadPackage("/Script/Lantern"), FindPackage("/Script/Lantern")) << "no file is looked for";
+	SetPackageLocator(
+		[](FName) -> TOptional<FPackageFile>
+		{
+			ADD_FAILURE() << "a declared package has no file to look for";
+			return std::nullopt;
+		});
+	EXPECT_EQ(LoadPackage("/Script/Lantern"), FindPackage("/Script/Lantern"));
+	SetPackageLocator(nullptr);
 	RemoveScriptModules();
 	EXPECT_EQ(FindPackage("/Script/Lantern"), nullptr);
 

@@ -19,6 +19,14 @@ std::string FaultyNode(const std::string& Path)
 	return R"({"path":^")" + Path + R"(","class":"/Script/Test.Node"})";
 }
 
+std::string DeepPath(int32 NumSegments)
+{
+	std::string Path = "A:B";
+	for (int32 Segment = 2; Segment < NumSegments; ++Segment)
+		Path += ".C";
+	return Path;
+}
+
 UClass* GetAbstractNodeClass()
 {
 	static UClass* const Class = TClassBuilder<UTestNode>("/Script/Test.AbstractNode", UObject::StaticClass()).Abstract().Build();
@@ -104,7 +112,7 @@ TEST_F(VassetBody, LeavesOutFaultyObjectsAlone)
 			FaultyNode("") + "," + FaultyNode("A.B") + "," + FaultyNode("A:") + "," + FaultyNode("/Game/P.A") + "," +
 				FaultyNode("A:B:C"),
 			"", "error bad-path\nerror bad-path\nerror bad-path\nerror bad-path\nerror bad-path"},
-		{"a path without end", FaultyNode("A:B" + std::string(2000, '.') + "C"), "", "error bad-path"},
+		{"a path that is too deep", FaultyNode(DeepPath(257)) + "," + Node("A"), "A Node", "error bad-path"},
 		{"a class path that is none", R"({"path":"A","class":^"Node"})", "", "error bad-class"},
 		{"a class that nobody declares, and what lies inside",
 			R"({"path":"A","class":^"/Script/Test.Unknown"},)" + FaultyNode("A:B"), "",

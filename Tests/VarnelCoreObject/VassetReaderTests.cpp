@@ -222,10 +222,27 @@ TEST(VassetHeader, LeavesOutOtherFaultyRecordsAlone)
 			R"("dependencies":[{"package":"/Game/A",^"c":0}],"blueprint_index":[{"category":"","text":"",^"d":0}],"objects":[]})",
 			"A /Script/Engine.WidgetBlueprint\n-> /Game/A HG\n|  ",
 			"warning unknown-key\nwarning unknown-key\nwarning unknown-key\nwarning unknown-key"},
-		{"a key repeated in the body is the body's affair",
-			R"({"objects":[{"a":1,"a":2}],"assets":[],"varnel_package":1,^"assets":[]})", "", "warning repeated-key"},
+		{"keys repeated behind and in a body that is read on the way to the header",
+			R"({"objects":[{"a":1,^"a":2}],"assets":[],"varnel_package":1,^"assets":[]})", "",
+			"warning repeated-key\nwarning repeated-key"},
 	};
 	CheckHeaders(Cases);
+}
+
+TEST(VassetHeader, KnowsEachFileByItsOwnName)
+{
+	FPackageName::MountRoot("/Game", "/nowhere/Lantern/Content/");
+	const std::string Text = Asset(R"("name":"MI","class":"/S/E.M","outer":"/Game/Maps/L_Harbour.L_Harbour")");
+	const TUniquePtr<IPackageReader> Reader = GetVassetPackageSource().MakeReader();
+	for (const bool bOwn : {true, false, true})
+	{
+		std::string Bytes = Text;
+		FPackageHeader Header;
+		EXPECT_TRUE(Reader->ReadHeader(
+			Bytes, bOwn ? FileName : FString("/nowhere/Lantern/Content/Old/L_Harbour.vasset"), Header, nullptr));
+		EXPECT_EQ(Header.Assets.size(), bOwn ? 1u : 0u);
+	}
+	FPackageName::UnmountAll();
 }
 
 TEST(VassetHeader, StopsListingFaultsOfHopelessFiles)

@@ -1,7 +1,7 @@
 #include "TextFileLookup.h"
 
+#include "Core/File.h"
 #include "Core/FileTree.h"
-#include "Core/ProjectFolder.h"
 #include "Core/Unicode.h"
 
 #include <atomic>
@@ -37,12 +37,6 @@ struct FFolderListing
 /** A folder's time has the kernel's tick as its grain: a change within the same tick as the listing would go unnoticed. */
 constexpr auto SettleTime = std::chrono::seconds(1);
 
-bool IsReachedWithoutLinks(const FString& ProjectDir, const std::string& Folder, const FFileTree& Files)
-{
-	const FProjectFolder Project(ProjectDir);
-	return Files.Num() == 0 || Project.IsFile(Folder + std::string(Files.GetRelativePath(0)));
-}
-
 FFolderListing ListFolder(const FString& ProjectDir, const std::string& Folder, fs::file_time_type FolderTime)
 {
 	FFolderListing Listing;
@@ -57,9 +51,7 @@ FFolderListing ListFolder(const FString& ProjectDir, const std::string& Folder, 
 			Listing.DottedFolders.push_back({Unicode::Fold(CutAtFirstDot(Name)), std::string(Name)});
 		return false;
 	};
-	const FFileTree Files = FFileTree::List(ProjectDir.ToStdString() + Folder, Options);
-	if (!IsReachedWithoutLinks(ProjectDir, Folder, Files))
-		return {};
+	const FFileTree Files = FFileTree::List(ProjectDir.ToStdString() + Folder, Options); // follows no link below the project
 	for (int32 Index = 0; Index < Files.Num(); ++Index)
 		Listing.FoldedFileStems.insert(Unicode::Fold(CutAtFirstDot(Files.GetRelativePath(Index))));
 	return Listing;

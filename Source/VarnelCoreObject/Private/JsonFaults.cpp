@@ -17,9 +17,14 @@ void FJsonFaults::ReportRepair()
 			"invalid-utf8"});
 }
 
-void FJsonFaults::ReportRepeatedKey(uint32 Offset)
+void FJsonFaults::ReportRepeatedKeys()
 {
-	Warn(Offset, "repeated-key", "the object has this key more than once; its last value counts");
+	for (const uint32 Offset : Document.GetRepeatedKeys())
+	{
+		if (!IsHeard())
+			return;
+		Warn(Offset, "repeated-key", "the object has this key more than once; its last value counts");
+	}
 }
 
 bool FJsonFaults::HasVersion(const FJsonRef& Root, std::string_view Key, FString Rule)

@@ -38,20 +38,13 @@ public:
 	/** The document's own error. */
 	void ReportSyntax();
 	void ReportRepair();
-	void ReportRepeatedKey(uint32 Offset);
+	void ReportRepeatedKeys();
 
 	/** The root's format version is the number 1. */
 	bool HasVersion(const FJsonRef& Root, std::string_view Key, FString Rule);
 	/** The members of an object by key, empty where absent and the last where repeated. Other keys are warned of. */
 	template <std::size_t N>
 	std::array<FJsonRef, N> TakeMembers(const FJsonRef& Object, const std::array<std::string_view, N>& Keys);
-	/** Warns of a member whose key is not among Keys. */
-	template <std::size_t N>
-	void WarnOfUnknownKey(const FJsonRef& Member, const std::array<std::string_view, N>& Keys)
-	{
-		if (std::find(Keys.begin(), Keys.end(), Member.Key()) == Keys.end())
-			WarnOfUnknownKey(Member);
-	}
 	/** A text that must be there. Rule "missing-KEY" where it is not. */
 	bool RequireText(const FJsonRef& Owner, const FJsonRef& Value, std::string_view Key, std::string_view& Out);
 	/** True also for a value that is absent, which leaves Out alone. */

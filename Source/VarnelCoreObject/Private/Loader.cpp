@@ -37,7 +37,6 @@ private:
 	std::vector<FRunningLoad> Running; // outermost first
 	TSet<FName> Loaded;				   // from files
 	TSet<FName> Failed;
-	TSet<FString> ReportedObjects; // paths that name no object, told once
 };
 
 FLoader& FLoader::Get()
@@ -50,7 +49,6 @@ void FLoader::SetLocator(FPackageLocator InLocator)
 {
 	Locator = std::move(InLocator);
 	Failed.Empty();
-	ReportedObjects.Empty();
 }
 
 UPackage* FLoader::Load(FName PackageName)
@@ -137,7 +135,7 @@ UObject* FLoader::FindOrLoad(const FSoftObjectPath& Path)
 	const FString Inside =
 		Path.SubPath.IsEmpty() ? Path.Asset.AssetName.ToString() : Path.Asset.AssetName.ToString() + ":" + Path.SubPath;
 	UObject* const Object = Package->FindInside(Inside);
-	if (!Object && Diagnostics && ReportedObjects.Add(Path.ToString()))
+	if (!Object && Diagnostics)
 		Report(EDiagnosticSeverity::Warning, WhereNeeded(Path.Asset.PackageName), "no-such-object",
 			"there is no object " + Path.ToString());
 	return Object;
@@ -154,7 +152,6 @@ void FLoader::UnloadAll()
 	}
 	Loaded.Empty();
 	Failed.Empty();
-	ReportedObjects.Empty();
 	DestroyObjects(Packages);
 }
 

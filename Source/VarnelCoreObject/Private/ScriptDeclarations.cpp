@@ -39,8 +39,7 @@ bool CanHaveDeclaredChildren(const UStruct& Parent)
 
 void FScriptDeclarations::Collect(FScriptFile& File)
 {
-	for (const uint32 Offset : File.Document.GetRepeatedKeys())
-		File.Faults.ReportRepeatedKey(Offset);
+	File.Faults.ReportRepeatedKeys();
 	const auto [Version, Classes, Structs, Enums] = File.Faults.TakeMembers(File.Document.Root(), ModuleKeys);
 	CollectStructs(File, Classes, true);
 	CollectStructs(File, Structs, false);

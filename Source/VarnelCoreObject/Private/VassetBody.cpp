@@ -253,29 +253,14 @@ void FBodyReading::Fill(EObjectKind Kind)
 		PropertyReader.ReadProperties(*Item.Object->GetClass(), Item.Object, Properties, Item.Object);
 	}
 }
-
-/** Reports what reading the header has not seen, and nothing twice. */
-void ReportFaultsBesideObjects(const FJsonRef& Root, FJsonFaults& Faults)
-{
-	const uint32 HeaderEnd = FindHeaderEnd(Root);
-	for (const FJsonRef Member : Root)
-	{
-		if (Member.KeyOffset() > HeaderEnd)
-			Faults.WarnOfUnknownKey(Member, VassetKeys::All);
-	}
-	VisitRepeatedKeys(Faults.GetDocument(),
-		[&Faults, HeaderEnd](uint32 Offset, bool bInBody)
-		{
-			if (bInBody || Offset > HeaderEnd)
-				Faults.ReportRepeatedKey(Offset);
-		});
-}
 }
 
 bool ReadVassetBody(const FJsonRef& Root, FJsonFaults& Faults, UPackage& Package)
 {
-	ReportFaultsBesideObjects(Root, Faults);
-	const FJsonRef Objects = Root.Find(VassetKeys::Objects);
+	// Reading the header may have stopped at the body, so what stands around it is looked at again; a fault told twice counts
+	// once.
+	Faults.ReportRepeatedKeys();
+	const FJsonRef Objects = Faults.TakeMembers(Root, VassetKeys::All).back();
 	if (!Objects)
 		return true;
 	if (!Faults.IsArray(Objects))

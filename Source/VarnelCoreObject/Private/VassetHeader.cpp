@@ -39,18 +39,6 @@ bool HasWholeHeaderBeforeBody(const FJsonRef& Root)
 	return Seen == Whole;
 }
 
-uint32 FindHeaderEnd(const FJsonRef& Root)
-{
-	if (!HasWholeHeaderBeforeBody(Root))
-		return UINT32_MAX;
-	for (const FJsonRef Member : Root)
-	{
-		if (Member.Key() == VassetKeys::Objects)
-			return Member.KeyOffset();
-	}
-	return UINT32_MAX;
-}
-
 std::size_t FVassetHeaderReader::FHashFolded::operator()(std::string_view Text) const
 {
 	return static_cast<std::size_t>(Unicode::HashFolded(Text));
@@ -75,7 +63,7 @@ void FVassetHeaderReader::Read(const FJsonRef& Root, FJsonFaults& InFaults, FPac
 {
 	Reset(InFaults, Out);
 	const auto [Version, Assets, Dependencies, Index, Body] = Faults->TakeMembers(Root, VassetKeys::All);
-	ReportRepeatedKeys();
+	Faults->ReportRepeatedKeys();
 	if (Faults->IsArray(Assets))
 	{
 		for (const FJsonRef Asset : Assets)
@@ -102,18 +90,6 @@ void FVassetHeaderReader::Reset(FJsonFaults& InFaults, FPackageHeader& Out)
 	Clear(AssetPlaces);
 	Clear(DependencyPlaces);
 	Clear(TagPlaces);
-}
-
-void FVassetHeaderReader::ReportRepeatedKeys()
-{
-	if (!Faults->IsHeard())
-		return;
-	VisitRepeatedKeys(Faults->GetDocument(),
-		[this](uint32 Offset, bool bInBody)
-		{
-			if (!bInBody)
-				Faults->ReportRepeatedKey(Offset);
-		});
 }
 
 void FVassetHeaderReader::ReadAsset(const FJsonRef& Json)

@@ -18,25 +18,6 @@ inline constexpr std::array<std::string_view, 5> All{Version, Assets, Dependenci
 /** All members of the header stand before the body (or before the end of what was parsed), so that nothing of it can follow the
  * body. */
 bool HasWholeHeaderBeforeBody(const FJsonRef& Root);
-/** Where reading the header of a file ends, its whole root given: at the body's key if the whole header stands before it,
- * otherwise nowhere (UINT32_MAX). */
-uint32 FindHeaderEnd(const FJsonRef& Root);
-/** Calls Visit(Offset, bInBody) for the document's repeated keys, in file order; bInBody: inside the value of the member that
- * holds the body. */
-template <class TVisit>
-void VisitRepeatedKeys(const FJsonDocument& Document, TVisit Visit)
-{
-	const FJsonRef Root = Document.Root();
-	FJsonRef Holder; // the root's last member that starts at or before the key
-	auto Next = Root.begin();
-	for (const uint32 Offset : Document.GetRepeatedKeys())
-	{
-		for (; Next != Root.end() && (*Next).KeyOffset() <= Offset; ++Next)
-			Holder = *Next;
-		Visit(Offset, Holder.KeyOffset() != Offset && Holder.Key() == VassetKeys::Objects);
-	}
-}
-
 /** Turns the members beside the body into a header record. Made to be reused: it keeps its tables from file to file. */
 class FVassetHeaderReader
 {
@@ -74,7 +55,6 @@ private:
 	using TPlaces = THashMap<TKey, std::size_t, FHashFolded, FEqualFolded>;
 
 	void Reset(FJsonFaults& InFaults, FPackageHeader& Out);
-	void ReportRepeatedKeys();
 	void ReadAsset(const FJsonRef& Json);
 	bool IsUsableAsset(const FJsonRef& Json, const FPackageHeader::FAsset& Asset);
 	bool IsInThisPackage(std::string_view ObjectPath);

@@ -1,6 +1,5 @@
 #include "CoreObject/PackageSource.h"
 
-#include "Core/Unicode.h"
 #include "VassetBody.h"
 #include "VassetHeader.h"
 
@@ -24,7 +23,6 @@ private:
 	bool Parse(std::string& Bytes, const FJsonReadOptions& Options);
 	bool ParseHeader(std::string& Bytes, FJsonFaults& Faults);
 	bool HasRoot(FJsonFaults& Faults) const;
-	bool HeaderHasSkipped(FStringView Bytes) const;
 
 	FJsonDocument Document;
 	FVassetHeaderReader HeaderReader;
@@ -48,18 +46,8 @@ bool FVassetReader::ReadBody(std::string& Bytes, const FString& FileName, UPacka
 		Faults.ReportSyntax();
 		return false;
 	}
-	if (!HasRoot(Faults))
-		return false;
-	if (Document.WasRepaired() && HeaderHasSkipped(Bytes))
-		Faults.ReportRepair();
-	return ReadVassetBody(Document.Root(), Faults, Package);
-}
-
-/** Whether reading the header stopped before the first byte that is not valid UTF-8. */
-bool FVassetReader::HeaderHasSkipped(FStringView Bytes) const
-{
-	const uint32 HeaderEnd = FindHeaderEnd(Document.Root());
-	return HeaderEnd < Bytes.size() && Unicode::IsValidUtf8(Bytes.substr(0, HeaderEnd));
+	Faults.ReportRepair();
+	return HasRoot(Faults) && ReadVassetBody(Document.Root(), Faults, Package);
 }
 
 bool FVassetReader::Parse(std::string& Bytes, const FJsonReadOptions& Options)

@@ -141,8 +141,10 @@ void FToolExecutor::Run(const FCallPtr& Call)
 		if (!OpenCalls.contains(Call->Id))
 			return;
 	}
+	// Taken out of the call: a tool that keeps its completion, and with it the call, must not keep itself alive.
+	const TSharedPtr<ITool> Tool = std::move(Call->Tool);
 	const auto Result = MakeShared<FToolResult>(Call->Command);
-	if (!Call->Tool)
+	if (!Tool)
 	{
 		Result->AddErrorMessage(DescribeUnknownTool(Call->Command, GetToolNames()));
 		Answer(Call, *Result);
@@ -150,7 +152,7 @@ void FToolExecutor::Run(const FCallPtr& Call)
 	}
 	// The completion owns the result, so a tool that completes late, after the caller was answered, still writes into live
 	// memory.
-	Call->Tool->Execute(Call->Command, Result,
+	Tool->Execute(Call->Command, Result,
 		[WeakThis = weak_from_this(), Call, Result](FToolResult& Completed)
 		{
 			if (const auto This = WeakThis.lock())

@@ -245,6 +245,25 @@ TEST(String, TrimsAndSplits)
 	EXPECT_EQ(FString("").ParseIntoArray(",").Num(), 0);
 }
 
+TEST(String, ReadsIntegersAtTheStart)
+{
+	const struct
+	{
+		const char* Text;
+		int32 Expected;
+	} Cases[] = {{"12", 12}, {"12 apples", 12}, {" -3x", -3}, {"+7", 7}, {"", 0}, {"x1", 0}, {"1e3", 1},
+		{"99999999999999999999", INT32_MAX}, {"-2147483649", INT32_MIN}};
+	for (const auto& Case : Cases)
+		EXPECT_EQ(FString(Case.Text).ToInt(), Case.Expected) << Case.Text;
+}
+
+TEST(String, TrimsOneQuoteAtEachEnd)
+{
+	for (const auto& [Text, Expected] : {std::pair{R"("two words")", "two words"}, {R"("open)", "open"}, {R"(closed")", "closed"},
+			 {R"(a"b)", R"(a"b)"}, {R"(""a"")", R"("a")"}, {R"(")", ""}, {"", ""}})
+		EXPECT_EQ(FString(Text).TrimQuotes().ToStdString(), Expected) << Text;
+}
+
 TEST(String, PrintsFloatsWithSixDecimalsAtMost)
 {
 	const struct

@@ -5,11 +5,13 @@
 #include "Core/TextFinder.h"
 #include "Core/Unicode.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 
 namespace
 {
@@ -250,6 +252,21 @@ FString FString::TrimStartAndEnd() const
 		End = Last;
 	}
 	return View().substr(Begin, End - Begin);
+}
+
+FString FString::TrimQuotes() const
+{
+	FStringView Rest = Data;
+	if (Rest.starts_with('"'))
+		Rest.remove_prefix(1);
+	if (Rest.ends_with('"'))
+		Rest.remove_suffix(1);
+	return Rest;
+}
+
+int32 FString::ToInt() const
+{
+	return static_cast<int32>(std::clamp<long long>(std::strtoll(Data.c_str(), nullptr, 10), INT32_MIN, INT32_MAX));
 }
 
 TArray<FString> FString::ParseIntoArray(FStringView Separator, bool bCullEmpty) const

@@ -81,6 +81,13 @@ public:
 	/** Count code points from Start on. */
 	FString Mid(int32 Start, int32 Count = INT32_MAX) const;
 	FString TrimStartAndEnd() const;
+	/** Without a double quote at the start and without one at the end, each where there is one. */
+	FString TrimQuotes() const;
+	/**
+	 * The integer that the text starts with, after blanks and a sign; 0 where there are no digits. What is beyond the range
+	 * becomes its nearest end.
+	 */
+	int32 ToInt() const;
 	/** Pieces between separators; empty pieces are left out when bCullEmpty. */
 	TArray<FString> ParseIntoArray(FStringView Separator, bool bCullEmpty = true) const;
 

@@ -2,22 +2,12 @@
 
 #include "Core/Json.h"
 #include "Support/TestProject.h"
+#include "Support/ToolResultText.h"
 
 #include <functional>
 
 namespace
 {
-/** Everything that the result holds, as one text: messages, then payloads. */
-std::string RenderResult(const Orivane::FToolResult& Result)
-{
-	std::string Text;
-	for (const Orivane::FToolMessage& Message : Result.GetMessages())
-		Text += std::to_string(static_cast<int>(Message.Type)) + " " + Message.Text.ToStdString() + "\n";
-	for (const auto& [Key, Payload] : Result.GetData())
-		Text += Key.ToStdString() + "=" + std::get<FString>(Payload).ToStdString() + "\n";
-	return Text;
-}
-
 std::string Execute(FTestProject& Project, const std::string& ArgumentsJson)
 {
 	Project.Open();

@@ -1,16 +1,26 @@
-#include "Core/Tasks.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/QuellarModule.h"
 #include "Support/TestProject.h"
+#include "Support/ToolResultText.h"
 
 namespace
 {
-std::string RenderMessages(const Orivane::FToolResult& Result)
+std::string Validate(Orivane::ITool& Tool, const char* Arguments)
 {
-	std::string Text;
-	for (const Orivane::FToolMessage& Message : Result.GetMessages())
-		Text += (Text.empty() ? "" : " | ") + Message.Text.ToStdString();
-	return Text;
+	Orivane::FToolResult Result({"1", "tool", Arguments});
+	Tool.ValidateArguments(Arguments, Result);
+	return RenderMessages(Result);
+}
+
+/** The messages after exactly one completion. */
+std::string Execute(Orivane::ITool& Tool, const char* Arguments)
+{
+	const Orivane::FToolCommand Command("1", "tool", Arguments);
+	const auto Result = MakeShared<Orivane::FToolResult>(Command);
+	int32 NumCompletions = 0;
+	Tool.Execute(Command, Result, [&](Orivane::FToolResult&) { ++NumCompletions; });
+	EXPECT_EQ(NumCompletions, 1);
+	return RenderMessages(*Result);
 }
 }
 
@@ -19,49 +29,73 @@ TEST(ToolEntry, IsRegisteredWithItsFixedTexts)
 	const FHeadlessEngine Engine;
 	const auto Executor = FOrivaneToolkitModule::GetToolExecutor();
 	ASSERT_TRUE(Executor);
-	const auto Tool = Executor->FindTool("asset_search");
-	ASSERT_TRUE(Tool);
-	EXPECT_FALSE(Executor->FindTool("asset_path_search")) << "its operation is public, but no tool";
-	EXPECT_EQ(Tool->GetSchema().View(), "{}");
-	const char* const Metadata = R"({"operation_type": "search","data_type": "asset","execution_mode": "sequential"})";
-	EXPECT_EQ(Tool->GetMetadata().View(), Metadata);
-	Tool->InvalidateMetadata();
-	EXPECT_EQ(Tool->GetMetadata().View(), Metadata);
-	EXPECT_TRUE(Tool->GetDescription().View().starts_with("Search Varnel assets (Blueprints, DataAssets,"));
-	EXPECT_TRUE(Tool->GetDescription().View().ends_with("identifying asset usage patterns."));
+	const struct
+	{
+		const char* Tool;
+		const char* Metadata;
+		const char* DescriptionStart;
+		const char* DescriptionEnd;
+	} Cases[] = {
+		{"asset_search", R"({"operation_type": "search","data_type": "asset","execution_mode": "sequential"})",
+			"Search Varnel assets (Blueprints, DataAssets,", "identifying asset usage patterns."},
+		{"explore_asset_graph", R"({"operation_type": "search","data_type": "asset"})",
+			"Explore asset dependency/referencer graph via AssetRegistry (no loading).", "relationships, architecture analysis."},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Tool);
+		const auto Tool = Executor->FindTool(Case.Tool);
+		ASSERT_TRUE(Tool);
+		EXPECT_EQ(Tool->GetSchema().View(), "{}");
+		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
+		Tool->InvalidateMetadata();
+		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
+		EXPECT_TRUE(Tool->GetDescription().View().starts_with(Case.DescriptionStart));
+		EXPECT_TRUE(Tool->GetDescription().View().ends_with(Case.DescriptionEnd));
+	}
+}
+
+TEST(QuellarModule, RegistersTwoToolsAndTakesThemBack)
+{
+	FTestProject Project;
+	const auto Executor = FOrivaneToolkitModule::GetToolExecutor();
+	EXPECT_FALSE(Executor->FindTool("asset_path_search")) << "its operation is public, but no tool of the module";
+	const auto Kept = Executor->FindTool("explore_asset_graph");
+	Executor->RegisterTool("asset_path_search", Kept);
+	FModuleManager::Get().UnloadModule("Quellar");
+	for (const char* Name : {"asset_search", "explore_asset_graph", "asset_path_search"})
+		EXPECT_FALSE(Executor->FindTool(Name)) << Name;
+	EXPECT_EQ(Kept->GetSchema().View(), "{}") << "an entry lives as long as somebody holds it";
 }
 
 TEST(ToolEntry, ChecksTheArgumentText)
 {
 	FTestProject Project;
 	Project.Open();
-	const auto Tool = FOrivaneToolkitModule::GetToolExecutor()->FindTool("asset_search");
 	const struct
 	{
 		const char* Arguments;
 		const char* Validated;
 		const char* Executed;
 	} Cases[] = {
-		{"{}", "", "Missing required parameter 'term'"},
 		{"[1]", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
 		{"12", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
 		{"", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
 		{"{\"term\": }", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
 		{"{\"term\": \"x\"} {}", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& [Name, MissingArgument] :
+		{std::pair("asset_search", "term"), std::pair("explore_asset_graph", "asset_path")})
 	{
-		SCOPED_TRACE(Case.Arguments);
-		const Orivane::FToolCommand Command("1", "asset_search", Case.Arguments);
-		Orivane::FToolResult Validated(Command);
-		Tool->ValidateArguments(Case.Arguments, Validated);
-		EXPECT_EQ(RenderMessages(Validated), Case.Validated);
-
-		const auto Result = MakeShared<Orivane::FToolResult>(Command);
-		int32 NumCompletions = 0;
-		Tool->Execute(Command, Result, [&](Orivane::FToolResult&) { ++NumCompletions; });
-		EXPECT_EQ(RenderMessages(*Result), Case.Executed);
-		EXPECT_EQ(NumCompletions, 1);
+		const auto Tool = FOrivaneToolkitModule::GetToolExecutor()->FindTool(Name);
+		for (const auto& Case : Cases)
+		{
+			SCOPED_TRACE(Case.Arguments);
+			EXPECT_EQ(Validate(*Tool, Case.Arguments), Case.Validated);
+			EXPECT_EQ(Execute(*Tool, Case.Arguments), Case.Executed);
+		}
+		EXPECT_EQ(Validate(*Tool, "{}"), "");
+		EXPECT_EQ(Execute(*Tool, "{}"), std::string("Missing required parameter '") + MissingArgument + "'");
 	}
 }
 

@@ -3,6 +3,8 @@
 #include "Core/Tasks.h"
 #include "Project.h"
 
+#include <sstream>
+
 namespace
 {
 std::string GetShortName(const std::string& Path)
@@ -64,6 +66,31 @@ FTestProject& FTestProject::Header(const std::string& Package, const std::string
 	return File(GetPackageFile(Package),
 		R"({"varnel_package": 1, "assets": [{"name": ")" + GetShortName(Package) + R"(", "class": ")" + Class + R"(", "tags": )" +
 			TagsJson + R"(}], "dependencies": [], "blueprint_index": [], "objects": []})");
+}
+
+FTestProject& FTestProject::Links(
+	const std::string& Package, const std::vector<std::string>& Assets, const std::vector<std::string>& Dependencies)
+{
+	std::string AssetsJson;
+	for (const std::string& Asset : Assets)
+	{
+		std::istringstream Words(Asset);
+		std::string Name, Class, Filtered;
+		Words >> Name >> Class >> Filtered;
+		AssetsJson += (AssetsJson.empty() ? "" : ", ") + (R"({"name": ")" + Name) + R"(", "class": "/Script/Engine.)" + Class +
+			R"(", "registry_filtered": )" + (Filtered.empty() ? "false" : "true") + "}";
+	}
+	std::string DependenciesJson;
+	for (const std::string& Dependency : Dependencies)
+	{
+		const auto Has = [&](const char* Word) { return Dependency.find(Word) != std::string::npos; };
+		DependenciesJson += (DependenciesJson.empty() ? "" : ", ") +
+			(R"({"package": ")" + Dependency.substr(0, Dependency.find(' '))) + R"(", "hard": )" +
+			(Has(" soft") ? "false" : "true") + R"(, "game": )" + (Has(" editor") ? "false" : "true") + "}";
+	}
+	return File(GetPackageFile(Package),
+		R"({"varnel_package": 1, "assets": [)" + AssetsJson + R"(], "dependencies": [)" + DependenciesJson +
+			R"(], "blueprint_index": [], "objects": []})");
 }
 
 void FTestProject::WriteTable(const FTestTable& Table)

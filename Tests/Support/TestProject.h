@@ -59,6 +59,10 @@ public:
 	FTestProject& Settings(const std::string& Lines);
 	/** A package of one asset without a body, as the registry sees it. */
 	FTestProject& Header(const std::string& Package, const std::string& Class, const std::string& TagsJson = "{}");
+	/** The same with several assets ("Name Class", with " filtered" behind it for one that the registry hides) and dependencies
+	 * ("/Game/B", with " soft" and " editor" behind it for what is not hard or not needed at run time). */
+	FTestProject& Links(
+		const std::string& Package, const std::vector<std::string>& Assets, const std::vector<std::string>& Dependencies);
 
 	/** Writes and opens what was described; asking does it by itself. Again after further calls: opens anew. */
 	void Open();

@@ -10,11 +10,21 @@ namespace
 {
 constexpr std::string_view PluginsSegment = "/plugins/";
 
-FString Normalize(const FString& Text)
+/** Folded, with forward slashes; valid until the next call. Walks over large graphs ask for very many paths. */
+std::string_view Normalize(std::string_view Text)
 {
-	std::string Folded = Unicode::Fold(Text);
-	std::replace(Folded.begin(), Folded.end(), '\\', '/');
-	return Folded;
+	thread_local std::string Normalized;
+	Normalized.clear();
+	Unicode::AppendFolded(Normalized, Text);
+	std::replace(Normalized.begin(), Normalized.end(), '\\', '/');
+	return Normalized;
+}
+
+/** Start of the segment behind the one at Start; npos behind the last. */
+std::size_t NextSegment(std::string_view Path, std::size_t Start)
+{
+	const std::size_t Slash = Path.find('/', Start);
+	return Slash == std::string_view::npos ? Slash : Slash + 1;
 }
 
 /** The settings' lists in the form in which paths are compared with them. */
@@ -62,14 +72,13 @@ const FExclusionRules& GetCurrentRules(const UQuellarSettings& Settings)
 /** Directory as a whole segment (or run of segments) of Path: inside, at the start, or at the end behind a slash. */
 bool HoldsDirectory(std::string_view Path, std::string_view Directory)
 {
-	for (std::size_t Found = Path.find(Directory); Found != std::string_view::npos; Found = Path.find(Directory, Found + 1))
+	for (std::size_t Start = 0; Start != std::string_view::npos; Start = NextSegment(Path, Start))
 	{
-		const std::size_t End = Found + Directory.size();
-		const bool bAtStart = Found == 0;
-		const bool bBehindSlash = !bAtStart && Path[Found - 1] == '/';
+		if (!Path.substr(Start).starts_with(Directory))
+			continue;
+		const std::size_t End = Start + Directory.size();
 		const bool bAtEnd = End == Path.size();
-		const bool bBeforeSlash = !bAtEnd && Path[End] == '/';
-		if ((bBehindSlash && (bBeforeSlash || bAtEnd)) || (bAtStart && bBeforeSlash))
+		if (bAtEnd ? Start > 0 : Path[End] == '/')
 			return true;
 	}
 	return false;
@@ -97,11 +106,12 @@ bool FOrivaneFindUtils::ShouldExcludeFilePath(const FString& Path)
 		return false;
 
 	const FExclusionRules& Rules = GetCurrentRules(*Settings);
-	const FString Normalized = Normalize(Path);
+	const std::string_view Normalized = Normalize(Path);
 	if (Rules.Directories.ContainsByPredicate([&](const FString& Directory) { return HoldsDirectory(Normalized, Directory); }))
 		return true;
 	if (!Settings->bExcludeEnginePlugins)
 		return false;
-	const FString Plugin = GetPluginName(Normalized);
-	return !Plugin.IsEmpty() && Rules.Plugins.ContainsByPredicate([&](const FString& Excluded) { return Excluded == Plugin; });
+	const std::string_view Plugin = GetPluginName(Normalized);
+	return !Plugin.empty() &&
+		Rules.Plugins.ContainsByPredicate([&](const FString& Excluded) { return Unicode::EqualsFolded(Excluded, Plugin); });
 }

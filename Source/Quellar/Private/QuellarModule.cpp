@@ -10,6 +10,8 @@ void FQuellarModule::StartupModule()
 		return;
 	AssetSearchEntry = MakeShared<FAssetSearchTool>();
 	Executor->RegisterTool("asset_search", AssetSearchEntry);
+	AssetGraphEntry = MakeShared<FAssetGraphTool>();
+	Executor->RegisterTool("explore_asset_graph", AssetGraphEntry);
 }
 
 void FQuellarModule::ShutdownModule()

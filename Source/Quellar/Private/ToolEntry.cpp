@@ -1,5 +1,6 @@
 #include "ToolEntry.h"
 
+#include "Quellar/AssetGraphOperation.h"
 #include "Quellar/AssetSearchOperation.h"
 
 FToolEntry::FToolEntry(FString InDescription, FString InMetadata)
@@ -62,4 +63,22 @@ void FAssetSearchTool::RunOperation(
 	const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete)
 {
 	FAssetSearchOperation::ExecuteAsync(Args, Result, std::move(OnComplete));
+}
+
+FAssetGraphTool::FAssetGraphTool()
+	: FToolEntry(
+		  "Explore asset dependency/referencer graph via AssetRegistry (no loading). Returns nested relations with "
+		  "Runtime/Editor "
+		  "classification based on Hard dependency Game flags. Supports BFS traversal with fanout protection and high-signal "
+		  "filtering. Use for: understanding asset dependencies, finding referencer chains, discovering runtime vs editor-only "
+		  "relationships, architecture analysis.",
+		  R"({"operation_type": "search","data_type": "asset"})")
+{
+}
+
+void FAssetGraphTool::RunOperation(
+	const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete)
+{
+	FAssetGraphOperation::Execute(Args, Result);
+	OnComplete.ExecuteIfBound(Result);
 }

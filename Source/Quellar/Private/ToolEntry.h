@@ -41,3 +41,13 @@ protected:
 	void RunOperation(
 		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete) override;
 };
+
+class FAssetGraphTool final : public FToolEntry
+{
+public:
+	FAssetGraphTool();
+
+protected:
+	void RunOperation(
+		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete) override;
+};

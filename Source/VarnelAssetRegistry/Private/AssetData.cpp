@@ -1,5 +1,6 @@
 #include "AssetRegistry/AssetData.h"
 
+#include "AssetObjectPath.h"
 #include "Core/Unicode.h"
 #include "CoreObject/Loader.h"
 #include "CoreObject/Object.h"
@@ -7,11 +8,9 @@
 
 FString FAssetData::GetObjectPathString() const
 {
-	if (OuterPath.IsNone())
-		return PackageName.ToString() + "." + AssetName.View();
-	const FStringView Outer = OuterPath.View();
-	const bool bOuterIsInside = Outer.find(':') != FStringView::npos;
-	return OuterPath.ToString() + (bOuterIsInside ? "." : ":") + AssetName.View();
+	FString Path;
+	AppendAssetObjectPath(Path, PackageName.View(), OuterPath.IsNone() ? FStringView() : OuterPath.View(), AssetName.View());
+	return Path;
 }
 
 FSoftObjectPath FAssetData::GetSoftObjectPath() const

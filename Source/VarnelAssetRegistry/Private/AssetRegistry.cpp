@@ -237,6 +237,11 @@ int32 FAssetRegistry::GetNumReferencers(FName PackageName) const
 	return CountNeighbours(*Current, PackageName, Current->Image->GetTables().FirstReferencers);
 }
 
+FPackageGraphView FAssetRegistry::GetPackageGraph() const
+{
+	return FPackageGraphView(State->Take());
+}
+
 void FAssetRegistry::GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const
 {
 	const auto Current = State->Take();

@@ -93,6 +93,7 @@ public:
 	bool GetReferencers(FName PackageName, TArray<FPackageDependency>& OutReferencers) const override;
 	int32 GetNumDependencies(FName PackageName) const override;
 	int32 GetNumReferencers(FName PackageName) const override;
+	FPackageGraphView GetPackageGraph() const override;
 	void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const override;
 	void GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const override;
 	FBlueprintIndexView GetBlueprintIndex() const override;

@@ -2,6 +2,7 @@
 
 #include "AssetRegistry/AssetData.h"
 #include "AssetRegistry/BlueprintIndex.h"
+#include "AssetRegistry/PackageGraph.h"
 #include "Core/Module.h"
 
 #include <functional>
@@ -57,6 +58,8 @@ public:
 	/** Numbers of the above, without listing them. */
 	virtual int32 GetNumDependencies(FName PackageName) const = 0;
 	virtual int32 GetNumReferencers(FName PackageName) const = 0;
+	/** The same graph by numbers, for walks; empty for a registry that keeps none. */
+	virtual FPackageGraphView GetPackageGraph() const { return {}; }
 
 	/** Classes above a class path, nearest first, as far as they are known. */
 	virtual void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const = 0;

@@ -1,0 +1,75 @@
+#include "Quellar/AssetGraphOperation.h"
+
+#include "AssetGraphJson.h"
+#include "OrivaneToolkit/AssetOperationBase.h"
+
+namespace
+{
+constexpr int32 MaxToolDepth = 2;
+
+EAssetGraphDirection ReadDirection(const FJsonObject& Args)
+{
+	FString Word;
+	Args.TryGetStringField("relation", Word);
+	if (Word == "Referencers")
+		return EAssetGraphDirection::Referencers;
+	return Word == "Both" ? EAssetGraphDirection::Both : EAssetGraphDirection::Dependencies;
+}
+
+/** False without a path. */
+bool ReadParams(const FJsonObject& Args, FExploreAssetGraphParams& Params)
+{
+	if (!Args.TryGetStringField("asset_path", Params.AssetPath))
+		return false;
+	Params.Direction = ReadDirection(Args);
+	int32 Depth = 0;
+	if (Args.TryGetNumberField("depth", Depth))
+		Params.Depth = Depth >= MaxToolDepth ? MaxToolDepth : 1;
+	Args.TryGetNumberField("max_nodes", Params.MaxNodes);
+	Args.TryGetNumberField("max_fanout_per_node", Params.MaxFanoutPerNode);
+	Args.TryGetBoolField("high_signal_only", Params.bHighSignalOnly);
+	return true;
+}
+
+/** Joined, not formatted: a path may hold any character, a zero byte too. The direction is the one that was asked for, also where
+ * the path names no package. */
+FString DescribeSuccess(const FExploreAssetGraphParams& Params, const FExploreAssetGraphResult& Found)
+{
+	const FString Start = FString("Explored asset graph for '") + Params.AssetPath + "' ";
+	switch (Params.Direction)
+	{
+		case EAssetGraphDirection::Both:
+			return Start +
+				FString::Printf("(direction: Both, depth: %d, dependencies: %d, referencers: %d)", Params.Depth,
+					Found.DependencyRelations.Num(), Found.ReferencerRelations.Num());
+		case EAssetGraphDirection::Referencers:
+			return Start +
+				FString::Printf("(direction: Referencers, depth: %d, relations: %d)", Params.Depth, Found.Relations.Num());
+		case EAssetGraphDirection::Dependencies:
+			break;
+	}
+	return Start + FString::Printf("(direction: Dependencies, depth: %d, relations: %d)", Params.Depth, Found.Relations.Num());
+}
+}
+
+void FAssetGraphOperation::Execute(const FJsonObject& Args, Orivane::FToolResult& Result)
+{
+	FExploreAssetGraphParams Params;
+	if (!ReadParams(Args, Params))
+	{
+		Result.AddErrorMessage("Missing required parameter 'asset_path'");
+		return;
+	}
+	if (!FAssetOperationBase::AssetExists(Params.AssetPath))
+	{
+		Result.AddErrorMessage(FString("Asset does not exist: ") + Params.AssetPath);
+		Result.AddErrorMessage("Cannot explore graph for non-existent asset. The asset may have been deleted.");
+		return;
+	}
+	FExploreAssetGraphResult Found;
+	UAssetGraphService::ExploreGraph(Params, Found);
+	Result.AddSuccessMessage(DescribeSuccess(Params, Found));
+	if (Found.bTruncated)
+		Result.AddWarningMessage(FString::Printf("Graph truncated at max_nodes=%d", Params.MaxNodes));
+	Result.SetData("content", FAssetOperationBase::SerializeJson(MakeAssetGraphJson(Found)));
+}

@@ -1,0 +1,61 @@
+#include "Quellar/AssetPathUtils.h"
+
+#include "CoreObject/PackageName.h"
+#include "Quellar/AssetRegistryUtils.h"
+#include "RepresentativeAsset.h"
+
+namespace
+{
+/** A plain prefix test: "/GameData/X" passes too. */
+bool BeginsWithEngineRoot(const FString& Path)
+{
+	return Path.StartsWith("/Game") || Path.StartsWith("/Script") || Path.StartsWith("/Engine");
+}
+
+bool HasSlash(const FString& Path)
+{
+	return Path.View().find_first_of("/\\") != FStringView::npos;
+}
+}
+
+bool AssetPathUtils::NormalizeToPackageName(const FString& Path, FName& Out)
+{
+	if (Path.IsEmpty())
+		return false;
+	FString PackageName;
+	if (HasSlash(Path) && !BeginsWithEngineRoot(Path))
+	{
+		if (!FPackageName::TryConvertFilenameToLongPackageName(Path, PackageName))
+			return false;
+		Out = FName(PackageName);
+		return true;
+	}
+	const FStringView WithoutName = Path.View().substr(0, Path.View().rfind('.'));
+	PackageName = WithoutName;
+	if (!BeginsWithEngineRoot(PackageName))
+		return false;
+	Out = FName(PackageName);
+	return true;
+}
+
+bool AssetPathUtils::GetRepresentativeAsset(const FName& Package, FAssetData& Out)
+{
+	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
+	if (!Registry)
+		return false;
+	TArray<FAssetData> Assets;
+	Registry->GetAssetsByPackageName(Package, Assets);
+	const int32 Found =
+		FindRepresentative(Package.View(), Assets.Num(), [&](int32 Index) { return Assets[Index].AssetName.View(); });
+	if (Found == INDEX_NONE)
+		return false;
+	Out = Assets[Found];
+	return true;
+}
+
+bool AssetPathUtils::IsHighSignalKind(const FString& Kind)
+{
+	static const TSet<FString> HighSignalKinds = {"Blueprint", "WidgetBlueprint", "AnimBlueprint", "BehaviorTree", "Blackboard",
+		"EnvQuery", "DataAsset", "DataTable", "Struct", "Enum", "World", "StateTree"};
+	return HighSignalKinds.Contains(Kind);
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "AssetRegistry/AssetData.h"
+
+/** What the graph asks of a path, a package and a kind. */
+namespace AssetPathUtils
+{
+/**
+ * The package that a text names: a long package name or object path below /Game, /Script or /Engine (what follows the last "."
+ * is cut; the package need not exist), or whatever FPackageName::TryConvertFilenameToLongPackageName accepts, such as a package's
+ * file or a path below another mounted root. False, and Out as it was, for an empty text, a bare name and everything else.
+ */
+bool NormalizeToPackageName(const FString& Path, FName& Out);
+
+/** The asset named like its package without regard to case, else the package's first one; false for a package without assets.
+ * Registry-filtered assets do not count. */
+bool GetRepresentativeAsset(const FName& Package, FAssetData& Out);
+
+/** Whether an asset type says something about a game's structure, so that a graph is worth walking through it. Case is ignored.
+ */
+bool IsHighSignalKind(const FString& Kind);
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "AssetRegistry/IAssetRegistry.h"
+
+namespace GraphTraversalUtils
+{
+/** Whether the package has at most MaxFanout dependencies (or referencers), counted before any filter: a hub is shown, but not
+ * walked through. */
+bool ShouldExpandNode(const IAssetRegistry& Registry, const FName& Package, int32 MaxFanout, bool bDependencies);
+
+/** "RuntimeDependency", "RuntimeReferencer", "EditorDependency" or "EditorReferencer". */
+FString BuildRelationString(bool bRuntime, bool bDependency);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "OrivaneCore/ToolResult.h"
+
+#include <string>
+
+/** Texts of the messages, with " | " between them. */
+inline std::string RenderMessages(const Orivane::FToolResult& Result)
+{
+	std::string Text;
+	for (const Orivane::FToolMessage& Message : Result.GetMessages())
+		Text += (Text.empty() ? "" : " | ") + Message.Text.ToStdString();
+	return Text;
+}
+
+/** Everything that the result holds, a line each: messages behind the number of their type, then payloads. */
+inline std::string RenderResult(const Orivane::FToolResult& Result)
+{
+	std::string Text;
+	for (const Orivane::FToolMessage& Message : Result.GetMessages())
+		Text += std::to_string(static_cast<int>(Message.Type)) + " " + Message.Text.ToStdString() + "\n";
+	for (const auto& [Key, Payload] : Result.GetData())
+		Text += Key.ToStdString() + "=" + std::get<FString>(Payload).ToStdString() + "\n";
+	return Text;
+}

@@ -1,4 +1,5 @@
 #include "AssetRegistry/BlueprintIndex.h"
+#include "PathSearch.h"
 #include "RegistryDump.h"
 #include "RegistryFixture.h"
 #include "RegistryQuery.h"
@@ -44,6 +45,8 @@ void AskEverything(const FRegistryImage& Image)
 		{.PackagePaths = {"/Game"}, .ClassPaths = {Blueprint}, .bRecursivePaths = true}};
 	for (const FARFilter& Filter : Filters)
 		VisitAssets(Image, Names, Filter, [&NumBytes](uint32 Asset) { return NumBytes += Asset, true; });
+	for (const char* Term : {"bp_1", "Inner", "a", "y:i", "/Game/F1/BP_1.BP_1"})
+		FPathSearch(Image, {.Text = Term}, [&NumBytes](FRowRange Assets) { NumBytes += Assets.Num(); }).Run();
 	EXPECT_GT(NumBytes, 0u);
 }
 

@@ -131,6 +131,11 @@ FString FAssetRegistry::GetPackageFileName(FName PackageName, const IPackageSour
 	return Current->RootFolders[Current->Image->GetRootOfFile(File)] + Current->Image->GetRelativePath(File);
 }
 
+FAssetPathView FAssetRegistry::GetAssetPaths() const
+{
+	return FAssetPathView(State->Take());
+}
+
 FBlueprintIndexView FAssetRegistry::GetBlueprintIndex() const
 {
 	return FBlueprintIndexView(State->Take());

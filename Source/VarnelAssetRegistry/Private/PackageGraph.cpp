@@ -1,6 +1,5 @@
 #include "AssetRegistry/PackageGraph.h"
 
-#include "AssetObjectPath.h"
 #include "RegistrySnapshot.h"
 
 namespace
@@ -60,7 +59,5 @@ FTopLevelAssetPath FPackageGraphView::GetAssetClass(uint32 Asset) const
 
 void FPackageGraphView::AppendObjectPath(uint32 Asset, FString& Out) const
 {
-	const FRegistryImage& Image = *Snapshot->Image;
-	const FStringView PackageName = Image.GetTables().GetText(EZone::Nodes, Image.GetTables().AssetPackages[Asset]);
-	AppendAssetObjectPath(Out, PackageName, Image.GetAssetOuter(Asset), Image.GetAssetName(Asset));
+	Snapshot->Image->AppendObjectPath(Asset, Out);
 }

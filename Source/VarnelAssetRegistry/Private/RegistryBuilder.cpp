@@ -3,6 +3,7 @@
 #include "ClassTable.h"
 #include "Core/Tasks.h"
 #include "Core/Unicode.h"
+#include "PathGrams.h"
 
 #include <algorithm>
 #include <numeric>
@@ -97,6 +98,7 @@ TSharedPtr<const FRegistryImage> FRegistryBuilder::Build()
 	AddIndexedAssets();
 	AddRespelledPackages();
 	AddTexts();
+	PathGrams::Build(Draft, Input.NumThreads);
 	return FRegistryImage::Build(std::move(Draft), Input.Key);
 }
 
@@ -173,6 +175,8 @@ void FRegistryBuilder::AddAssets()
 			Draft.AssetClasses.push_back(MapClass(Source, From.AssetClasses[Asset]));
 			Draft.AssetOuters.push_back(MapName(Source, From.AssetOuters[Asset]));
 			Draft.AssetFlags.push_back(From.AssetFlags[Asset]);
+			if (Draft.AssetNames.back() != NoId || Draft.AssetOuters.back() != NoId)
+				Draft.OwnNamedAssets.push_back(static_cast<uint32>(Draft.AssetNames.size() - 1));
 			const FRowRange Tags = FRegistryTables::RangeOf(From.FirstTags, Asset);
 			for (uint32 Tag = Tags.Begin; Tag < Tags.End; ++Tag)
 			{

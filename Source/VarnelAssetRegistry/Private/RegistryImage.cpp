@@ -1,5 +1,6 @@
 #include "RegistryImage.h"
 
+#include "AssetObjectPath.h"
 #include "Checksum.h"
 #include "Core/Unicode.h"
 #include "TableChecks.h"
@@ -12,7 +13,7 @@
 namespace
 {
 constexpr std::array<char, 8> ImageMagic = {'V', 'A', 'R', 'N', 'R', 'E', 'G', '\n'};
-constexpr uint32 ImageVersion = 1; // counts up with every change to the columns, their meaning or their order
+constexpr uint32 ImageVersion = 2; // counts up with every change to the columns, their meaning or their order
 constexpr uint32 OwnByteOrder = 0x01020304;
 constexpr std::size_t ColumnAlignment = 64;
 
@@ -172,8 +173,9 @@ TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 	FRegistryDraft Draft;
 	Draft.TextStarts = {0};
 	Draft.NodeSlots.resize(1);
-	for (std::vector<uint32>* First : {&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstTags, &Draft.FirstClassAssets,
-			 &Draft.FirstClassChildren, &Draft.FirstDependencies, &Draft.FirstReferencers, &Draft.FirstRootFiles})
+	for (std::vector<uint32>* First :
+		{&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstTags, &Draft.FirstClassAssets, &Draft.FirstClassChildren,
+			&Draft.FirstGramBlocks, &Draft.FirstDependencies, &Draft.FirstReferencers, &Draft.FirstRootFiles})
 		*First = {0};
 	return Build(std::move(Draft), {});
 }
@@ -254,6 +256,12 @@ std::string_view FRegistryImage::GetAssetOuter(uint32 Asset) const
 {
 	const uint32 Outer = Tables.AssetOuters[Asset];
 	return Outer == NoId ? std::string_view() : Tables.GetText(EZone::Names, Outer);
+}
+
+void FRegistryImage::AppendObjectPath(uint32 Asset, FString& Out) const
+{
+	const std::string_view PackageName = Tables.GetText(EZone::Nodes, Tables.AssetPackages[Asset]);
+	AppendAssetObjectPath(Out, PackageName, GetAssetOuter(Asset), GetAssetName(Asset));
 }
 
 uint32 FRegistryImage::GetRootOfFile(uint32 File) const

@@ -61,6 +61,8 @@ public:
 	std::string_view GetAssetName(uint32 Asset) const;
 	/** "" for an asset that lies directly in its package. */
 	std::string_view GetAssetOuter(uint32 Asset) const;
+	/** "/Game/A.A" */
+	void AppendObjectPath(uint32 Asset, FString& Out) const;
 	bool IsFiltered(uint32 Asset) const { return (Tables.AssetFlags[Asset] & EAssetFlags::RegistryFiltered) != 0; }
 	/** Path of a package's file below its root's folder. */
 	std::string GetRelativePath(uint32 File) const;

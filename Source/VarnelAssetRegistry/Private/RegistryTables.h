@@ -74,6 +74,11 @@ struct TRegistryColumns
 	TStorage<uint32> FirstEntries;
 	TStorage<uint32> RespelledPackages; // rows whose file writes a class or a dependency in other case than this registry does
 
+	// Search of package names, see PathGrams
+	TStorage<uint32> PathGrams; // ascending
+	TStorage<uint32> FirstGramBlocks;
+	TStorage<uint32> GramBlocks;
+
 	// By asset, in registry order
 	TStorage<uint32> AssetPackages;
 	TStorage<uint32> AssetNames; // NoId: the package's short name
@@ -83,6 +88,7 @@ struct TRegistryColumns
 	TStorage<uint32> FirstTags;
 	TStorage<uint32> TagKeys;
 	TStorage<uint32> TagValues;
+	TStorage<uint32> OwnNamedAssets; // rows with a name or an outer of their own
 
 	// Blueprint index entries, parents before children
 	TStorage<uint32> EntryCategories;
@@ -121,11 +127,11 @@ struct TRegistryColumns
 	auto Tie()
 	{
 		return std::tie(TextStarts, FoldedStarts, TextBytes, FoldedBytes, NodeSlots, PackageFolders, PackageFiles, FirstAssets,
-			FirstEntries, RespelledPackages, AssetPackages, AssetNames, AssetClasses, AssetOuters, AssetFlags, FirstTags, TagKeys,
-			TagValues, EntryCategories, EntryTexts, EntryComments, EntryDepths, IndexedAssets, ClassParents, FirstClassAssets,
-			ClassAssets, FirstClassChildren, ClassChildren, FirstDependencies, DependencyTargets, DependencyFlags,
-			FirstReferencers, ReferencerSources, ReferencerFlags, FilePackages, FileStamps, FileExtensions, FileSources,
-			RootNames, RootFolders, FirstRootFiles);
+			FirstEntries, RespelledPackages, PathGrams, FirstGramBlocks, GramBlocks, AssetPackages, AssetNames, AssetClasses,
+			AssetOuters, AssetFlags, FirstTags, TagKeys, TagValues, OwnNamedAssets, EntryCategories, EntryTexts, EntryComments,
+			EntryDepths, IndexedAssets, ClassParents, FirstClassAssets, ClassAssets, FirstClassChildren, ClassChildren,
+			FirstDependencies, DependencyTargets, DependencyFlags, FirstReferencers, ReferencerSources, ReferencerFlags,
+			FilePackages, FileStamps, FileExtensions, FileSources, RootNames, RootFolders, FirstRootFiles);
 	}
 	template <class TVisit>
 	void ForEach(TVisit&& Visit)

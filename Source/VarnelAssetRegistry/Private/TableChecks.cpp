@@ -1,5 +1,7 @@
 #include "TableChecks.h"
 
+#include "PathGrams.h"
+
 #include <algorithm>
 #include <bit>
 
@@ -90,7 +92,16 @@ bool AreAssetsSound(const FRegistryTables& Tables)
 		AreIdsOrNone(Tables.AssetOuters, NumAssets, Tables.NumTexts(EZone::Names)) && Tables.AssetFlags.size() == NumAssets &&
 		AreRanges(Tables.FirstTags, NumAssets, Tables.TagKeys.size()) &&
 		AreIds(Tables.TagKeys, Tables.TagKeys.size(), Tables.NumTexts(EZone::TagKeys)) &&
-		AreIds(Tables.TagValues, Tables.TagKeys.size(), Tables.NumTexts(EZone::TagValues));
+		AreIds(Tables.TagValues, Tables.TagKeys.size(), Tables.NumTexts(EZone::TagValues)) &&
+		AreIds(Tables.OwnNamedAssets, Tables.OwnNamedAssets.size(), NumAssets) && IsStrictlyAscending(Tables.OwnNamedAssets);
+}
+
+bool AreGramsSound(const FRegistryTables& Tables)
+{
+	const std::size_t NumBlocks = (Tables.PackageFolders.size() + PathGrams::BlockPackages - 1) / PathGrams::BlockPackages;
+	return IsStrictlyAscending(Tables.PathGrams) &&
+		AreRanges(Tables.FirstGramBlocks, Tables.PathGrams.size(), Tables.GramBlocks.size()) &&
+		AreIds(Tables.GramBlocks, Tables.GramBlocks.size(), NumBlocks);
 }
 
 bool AreEntriesSound(const FRegistryTables& Tables)
@@ -175,6 +186,6 @@ bool AreFilesSound(const FRegistryTables& Tables)
 bool AreTablesSound(const FRegistryTables& Tables)
 {
 	return AreTextsSound(Tables) && AreSlotsSound(Tables.NodeSlots, Tables.NumTexts(EZone::Nodes)) && ArePackagesSound(Tables) &&
-		AreAssetsSound(Tables) && AreEntriesSound(Tables) && AreClassesSound(Tables) && IsGraphSound(Tables) &&
-		AreFilesSound(Tables);
+		AreGramsSound(Tables) && AreAssetsSound(Tables) && AreEntriesSound(Tables) && AreClassesSound(Tables) &&
+		IsGraphSound(Tables) && AreFilesSound(Tables);
 }

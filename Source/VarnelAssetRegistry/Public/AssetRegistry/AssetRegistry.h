@@ -96,6 +96,7 @@ public:
 	FPackageGraphView GetPackageGraph() const override;
 	void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const override;
 	void GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const override;
+	FAssetPathView GetAssetPaths() const override;
 	FBlueprintIndexView GetBlueprintIndex() const override;
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AssetRegistry/AssetData.h"
+#include "AssetRegistry/AssetPaths.h"
 #include "AssetRegistry/BlueprintIndex.h"
 #include "AssetRegistry/PackageGraph.h"
 #include "Core/Module.h"
@@ -66,6 +67,8 @@ public:
 	/** The class itself and all classes derived from it. */
 	virtual void GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const = 0;
 
+	/** The object paths of all assets, for searches; empty for a registry that keeps no such columns. */
+	virtual FAssetPathView GetAssetPaths() const { return {}; }
 	/** What Blueprints list for searches; empty for a registry that keeps no such lists. */
 	virtual FBlueprintIndexView GetBlueprintIndex() const { return {}; }
 };

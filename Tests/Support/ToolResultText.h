@@ -20,6 +20,9 @@ inline std::string RenderResult(const Orivane::FToolResult& Result)
 	for (const Orivane::FToolMessage& Message : Result.GetMessages())
 		Text += std::to_string(static_cast<int>(Message.Type)) + " " + Message.Text.ToStdString() + "\n";
 	for (const auto& [Key, Payload] : Result.GetData())
-		Text += Key.ToStdString() + "=" + std::get<FString>(Payload).ToStdString() + "\n";
+	{
+		const auto* const Object = std::get_if<TSharedPtr<FJsonObject>>(&Payload);
+		Text += Key.ToStdString() + "=" + (Object ? Json::Write(**Object) : std::get<FString>(Payload)).ToStdString() + "\n";
+	}
 	return Text;
 }

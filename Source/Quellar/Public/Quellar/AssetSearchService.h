@@ -4,6 +4,9 @@
 #include "Core/Name.h"
 #include "Quellar/AssetSearchTypes.h"
 
+struct FAssetPathSearchParams;
+struct FAssetPathSearchResult;
+
 /** Executed exactly once with what a search found. */
 using FOnAssetSearchComplete = TDelegate<void(const FAssetSearchResult&)>;
 
@@ -23,6 +26,11 @@ public:
 	 * returns unless a family answers later.
 	 */
 	void AssetSearch(const FAssetSearchParams& Params, FOnAssetSearchComplete OnComplete);
+	/**
+	 * Finds assets by object path or name, registry-filtered ones too, and groups them by directory. Counts all hits; hits over a
+	 * cap are only counted, in registry order, and the reason is recorded. Result is replaced.
+	 */
+	void AssetPathSearch(const FAssetPathSearchParams& Params, FAssetPathSearchResult& Result);
 	/** The names that IncludeAssetFamilies may hold, in the order in which families are searched. */
 	static TArray<FString> GetFamilyNames();
 };

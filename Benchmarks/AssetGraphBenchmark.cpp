@@ -2,14 +2,11 @@
 // fixed seed, each explored once, so that no walk finds what another has just touched. Reported per exploration, in microseconds:
 // median, 99th percentile and maximum, and the mean number of relations. "service" is UAssetGraphService::ExploreGraph alone,
 // "tool" the whole operation with its check of existence, messages and JSON.
-//
-// ORIVANE_BENCHMARK_PROJECT names the project (Scripts/make_project /tmp/Big --assets 1000000); without it a small one is written
-// to a scratch folder, which proves that the program runs and says little about speed.
 
+#include "BenchmarkProject.h"
 #include "Core/Json.h"
 #include "HeadlessEngine.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
-#include "Project.h"
 #include "Quellar/AssetGraphOperation.h"
 #include "Quellar/AssetGraphService.h"
 #include "Quellar/AssetRegistryUtils.h"
@@ -17,10 +14,6 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <random>
 
 namespace
@@ -109,42 +102,6 @@ void Tool(benchmark::State& State, int32 Depth, bool bHighSignalOnly)
 		});
 }
 
-std::filesystem::path WriteSmallProject()
-{
-	const std::filesystem::path Folder = std::filesystem::temp_directory_path() / "orivane_graph_benchmark";
-	std::filesystem::create_directories(Folder / "Content");
-	std::ofstream(Folder / "Small.uproject") << "{}";
-	constexpr int32 NumPackages = 300;
-	std::mt19937 Random(Seed);
-	for (int32 Index = 0; Index < NumPackages; ++Index)
-	{
-		const std::string Name = "P" + std::to_string(Index);
-		std::ofstream File(Folder / "Content" / (Name + ".vasset"));
-		File << R"({"varnel_package": 1, "assets": [{"name": ")" << Name << R"(", "class": "/Script/Engine.Blueprint"}], )"
-			 << R"("dependencies": [{"package": "/Game/P)" << Random() % NumPackages
-			 << R"("}], "blueprint_index": [], "objects": []})";
-	}
-	return Folder;
-}
-
-bool OpenProject()
-{
-	const char* const Given = std::getenv("ORIVANE_BENCHMARK_PROJECT");
-	FProjectOptions Options;
-	Options.Path = FString::FromExternal(Given ? std::string(Given) : WriteSmallProject().string());
-	FDiagnosticSink Diagnostics;
-	FString Error;
-	if (!FProject::Open(Options, Diagnostics, Error))
-	{
-		std::fprintf(stderr, "error: %s\n", *Error);
-		return false;
-	}
-	const FAssetRegistry& Registry = FProject::GetRegistry();
-	std::printf("%s: %d packages, %lld links\n", *Options.Path, Registry.NumPackages(),
-		static_cast<long long>(Registry.NumDependencies()));
-	return true;
-}
-
 using EDirection = EAssetGraphDirection;
 BENCHMARK_CAPTURE(Service, dependencies_default, EDirection::Dependencies, 1, true)->Iterations(1);
 BENCHMARK_CAPTURE(Service, dependencies_depth2, EDirection::Dependencies, 2, true)->Iterations(1);
@@ -159,7 +116,7 @@ int main(int NumArguments, char** Arguments)
 {
 	benchmark::Initialize(&NumArguments, Arguments);
 	const FHeadlessEngine Engine;
-	if (!OpenProject())
+	if (!OpenBenchmarkProject())
 		return 1;
 	benchmark::RunSpecifiedBenchmarks();
 	return 0;

@@ -3,14 +3,13 @@
 #include "OrivaneHost/Program.h"
 #include "Quellar/AssetSearchService.h"
 #include "ToolCaller.h"
+#include "ToolOutput.h"
 
 #include <algorithm>
 
 namespace
 {
-constexpr const char* Bold = "\033[1m";
-constexpr const char* Dim = "\033[2m";
-constexpr const char* Reset = "\033[0m";
+using namespace ToolOutput;
 
 void SetStrings(FJsonObject& Args, const char* Key, const TArray<FString>& Texts)
 {
@@ -59,30 +58,16 @@ bool AreFamiliesKnown(const TArray<FString>& Families)
 	return true;
 }
 
-FString GetText(const FJsonObject& Object, const char* Key)
-{
-	FString Text;
-	Object.TryGetStringField(Key, Text);
-	return Terminal::Sanitize(Text);
-}
-
-const FJsonArray& GetArray(const FJsonObject& Object, const char* Key)
-{
-	static const FJsonArray None;
-	const FJsonArray* Array = nullptr;
-	return Object.TryGetArrayField(Key, Array) ? *Array : None;
-}
-
 /** Prints assets as paragraphs: path and class, then a line per hit with aligned columns. */
 class FResultPrinter
 {
 public:
-	explicit FResultPrinter(bool bInColor) : bColor(bInColor) {}
+	explicit FResultPrinter(bool bColor) : Paint(bColor) {}
 
 	void PrintAsset(const FJsonObject& Asset)
 	{
 		const FJsonArray& Hits = GetArray(Asset, "hits");
-		Out += Paint(Bold, GetText(Asset, "asset")) + "  " + Paint(Dim, GetText(Asset, "class")) + "\n";
+		Out += Paint.Bold(GetText(Asset, "asset")) + "  " + Paint.Dim(GetText(Asset, "class")) + "\n";
 		int32 KindWidth = 0;
 		int32 NameWidth = 0;
 		for (const FJsonValue& Hit : Hits)
@@ -94,7 +79,7 @@ public:
 			PrintHit(*Hit.AsObject(), KindWidth, std::min(NameWidth, MaxNameWidth));
 		bool bTruncated = false;
 		if (Asset.TryGetBoolField("truncated", bTruncated) && bTruncated)
-			Out += Paint(Dim, "  (more hits of a kind were left out; raise --max-hits-per-kind)") + "\n";
+			Out += Paint.Dim("  (more hits of a kind were left out; raise --max-hits-per-kind)") + "\n";
 	}
 
 	const FString& GetOutput() const { return Out; }
@@ -108,35 +93,18 @@ private:
 		Hit.TryGetNumberField("count", Count);
 		const FString Container = GetText(Hit, "container");
 		Out += FString("  ") + Pad(GetText(Hit, "kind"), KindWidth) + "  ";
-		Out += Container.IsEmpty() ? GetText(Hit, "name") : Pad(GetText(Hit, "name"), NameWidth) + "  " + Paint(Dim, Container);
+		Out += Container.IsEmpty() ? GetText(Hit, "name") : Pad(GetText(Hit, "name"), NameWidth) + "  " + Paint.Dim(Container);
 		Out += Count > 1 ? FString::Printf("  x%d\n", Count) : FString("\n");
 	}
 
-	static FString Pad(const FString& Text, int32 Width)
-	{
-		return Text + FString(std::string(static_cast<std::size_t>(std::max(Width - Text.Len(), 0)), ' '));
-	}
-
-	FString Paint(const char* Style, const FString& Text) const { return bColor ? FString(Style) + Text + Reset : Text; }
-
-	bool bColor;
+	FPainter Paint;
 	FString Out;
 };
 
-void PrintWarnings(const Orivane::FToolResult& Result)
-{
-	for (const Orivane::FToolMessage& Message : Result.GetMessages())
-	{
-		if (Message.Type != Orivane::EToolMessage::Success)
-			Terminal::PrintError(FString("orivane search: ") + Terminal::Sanitize(Message.Text) + "\n");
-	}
-}
-
 int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
 {
-	PrintWarnings(Result);
-	const Orivane::FToolResult::FPayload* Payload = Result.GetData().Find("content");
-	const TSharedPtr<FJsonObject> Content = Payload ? MakePayloadJson(*Payload).AsObject() : nullptr;
+	PrintProblems("search", Result);
+	const TSharedPtr<FJsonObject> Content = GetContent(Result);
 	if (!Content)
 		return EExitCode::NotFound;
 

@@ -61,8 +61,8 @@ int main(int NumArguments, char** Arguments)
 	const char* const Terms = std::getenv("ORIVANE_BENCHMARK_TERMS");
 	for (const FString& Term : FString(Terms ? Terms : "p1,p299.p,zzz").ParseIntoArray(","))
 	{
-		for (const auto& [Prefix, Run] : {std::pair{"Service/", Service}, std::pair{"Tool/", Tool}})
-			benchmark::RegisterBenchmark((Prefix + Term.ToStdString()).c_str(), Run, Term)->Unit(benchmark::kMicrosecond);
+		benchmark::RegisterBenchmark(("Service/" + Term.ToStdString()).c_str(), Service, Term)->Unit(benchmark::kMicrosecond);
+		benchmark::RegisterBenchmark(("Tool/" + Term.ToStdString()).c_str(), Tool, Term)->Unit(benchmark::kMicrosecond);
 	}
 	benchmark::RunSpecifiedBenchmarks();
 	return 0;

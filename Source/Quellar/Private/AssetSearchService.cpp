@@ -1,5 +1,6 @@
 #include "Quellar/AssetSearchService.h"
 
+#include "AssetTypeGroup.h"
 #include "Families/DataTableFamily.h"
 #include "Families/TextFamily.h"
 #include "Quellar/AssetRegistryUtils.h"
@@ -28,31 +29,6 @@ struct FFamilySearchTask
 	FString FamilyName;
 	TDelegate<void(FOnAssetSearchComplete)> Run;
 };
-
-/** Types that share one per-type budget. Compared exactly, unlike family names: the types are our own spellings. */
-FString GetCapKey(const FString& AssetClass)
-{
-	struct FRow
-	{
-		const char* AssetClass;
-		const char* Key;
-	};
-	static constexpr FRow Rows[] = {
-		{"WidgetBlueprint", "Blueprint"},
-		{"AnimBlueprint", "Blueprint"},
-		{"UserDefinedEnum", "Enum"},
-		{"UserDefinedStruct", "Struct"},
-		{"TextFile", "Text"},
-		{"MaterialInstance", "Material"},
-		{"MaterialFunction", "Material"},
-	};
-	for (const FRow& Row : Rows)
-	{
-		if (AssetClass.Equals(Row.AssetClass, ESearchCase::CaseSensitive))
-			return Row.Key;
-	}
-	return AssetClass;
-}
 
 /** What the family completions of one search share. */
 class FAssetSearchAggregate
@@ -86,7 +62,7 @@ public:
 private:
 	void Admit(const FAssetResult& Result)
 	{
-		int32& Count = CountPerAssetType.FindOrAdd(GetCapKey(Result.AssetClass));
+		int32& Count = CountPerAssetType.FindOrAdd(GetAssetTypeGroup(Result.AssetClass));
 		if (Count >= MaxPerAssetType)
 		{
 			bTruncated = true;

@@ -1,3 +1,4 @@
+#include "AssetTypeGroup.h"
 #include "Quellar/AssetSearchService.h"
 
 FString AssetTypeFromClassName(FName ClassName)
@@ -34,4 +35,28 @@ FString AssetTypeFromClassName(FName ClassName)
 			return Row.Type;
 	}
 	return "uasset";
+}
+
+FString GetAssetTypeGroup(const FString& AssetClass)
+{
+	struct FRow
+	{
+		const char* AssetClass;
+		const char* Key;
+	};
+	static constexpr FRow Rows[] = {
+		{"WidgetBlueprint", "Blueprint"},
+		{"AnimBlueprint", "Blueprint"},
+		{"UserDefinedEnum", "Enum"},
+		{"UserDefinedStruct", "Struct"},
+		{"TextFile", "Text"},
+		{"MaterialInstance", "Material"},
+		{"MaterialFunction", "Material"},
+	};
+	for (const FRow& Row : Rows)
+	{
+		if (AssetClass.Equals(Row.AssetClass, ESearchCase::CaseSensitive))
+			return Row.Key;
+	}
+	return AssetClass;
 }

@@ -1,9 +1,16 @@
 #include "Quellar/QuellarModule.h"
 
+#include "Console/ExploreAssetGraphCommand.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "ToolEntry.h"
 
 void FQuellarModule::StartupModule()
+{
+	RegisterTools();
+	RegisterExploreAssetGraphCommand();
+}
+
+void FQuellarModule::RegisterTools()
 {
 	const TSharedPtr<Orivane::IToolExecutor> Executor = FOrivaneToolkitModule::GetToolExecutor();
 	if (!Executor)

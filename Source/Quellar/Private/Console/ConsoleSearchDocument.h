@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Quellar/AssetSearchTypes.h"
+
+enum class EConsoleSearchForm : uint8
+{
+	Summary,  // one line's worth an asset
+	Detailed, // assets with their hits, below their asset types
+};
+
+/** The document that the console's search commands write: indented JSON with a line break at the end.
+ * Docs/ConsoleSearchDocument.md describes it. */
+FString WriteConsoleSearchDocument(const FAssetSearchResult& Result, EConsoleSearchForm Form);

@@ -1,0 +1,148 @@
+#include "Quellar/ConsoleSearch.h"
+
+#include "Console/ExploreAssetGraphCommand.h"
+#include "Console/SearchCommands.h"
+#include "Core/Console.h"
+#include "Core/File.h"
+#include "Core/Tasks.h"
+#include "Support/TestProject.h"
+
+namespace
+{
+std::string Join(const TArray<FString>& Texts)
+{
+	std::string Joined;
+	for (const FString& Text : Texts)
+		Joined += (Joined.empty() ? "" : "|") + Text.ToStdString();
+	return Joined;
+}
+
+/** "term 'x' path '' families a|b kinds ... exts ... exact max 200" */
+std::string Read(const FConsoleSearchTraits& Traits, const char* Line)
+{
+	const FAssetSearchParams Params = ReadSearchWords(Traits, IConsoleManager::SplitWords(Line));
+	return "'" + Params.Term.ToStdString() + "' in '" + Params.PathContains.ToStdString() + "' families " +
+		Join(Params.IncludeAssetFamilies) + " kinds " + Join(Params.IncludeKinds) + " exts " +
+		Join(Params.IncludeTextExtensions) + (Params.bExact ? " exact" : "") + " max " + std::to_string(Params.MaxTotalHits);
+}
+
+/** Runs a line and pumps the game thread until its search reports. */
+std::string RunLine(const char* Line, FTestProject& Project)
+{
+	const int32 Number = FConsoleSearches::NumStarted() + 1;
+	std::string Report;
+	FConsoleSearches::SetOnFinished(
+		[&](const FConsoleSearches::FReport& Finished)
+		{
+			EXPECT_EQ(Finished.Number, Number);
+			Report = Finished.Command.ToStdString() + (Finished.bWritten ? " wrote " : " could not write ") +
+				Finished.File.Mid(Project.GetFolder().Path().Len() + 1).ToStdString() + ": " + RenderAssets(Finished.Found);
+		});
+	EXPECT_TRUE(IConsoleManager::Get().ProcessUserConsoleInput(Line)) << Line;
+	FGameThread::Get().RunUntil([&] { return !Report.empty(); }, std::chrono::seconds(60));
+	FConsoleSearches::SetOnFinished({});
+	return Report;
+}
+}
+
+TEST(ConsoleSearch, RegistersThirteenCommands)
+{
+	const FTestProject Project;
+	TArray<FString> Names;
+	for (const auto& Command : IConsoleManager::Get().GetConsoleCommands())
+	{
+		Names.Add(Command->Name);
+		EXPECT_TRUE(Command->Help.View().starts_with("Search ") || Command->Name == "Orivane.ExploreAssetGraph")
+			<< *Command->Help;
+	}
+	EXPECT_EQ(Join(Names),
+		"Orivane.AssetSearch|Orivane.BehaviorTreeSearch|Orivane.BlackboardSearch|Orivane.BlueprintSearch|Orivane.DataAssetSearch|"
+		"Orivane.DataTableSearch|Orivane.EnumSearch|Orivane.EnvQuerySearch|Orivane.ExploreAssetGraph|Orivane.MaterialSearch|"
+		"Orivane.NiagaraSearch|Orivane.StructSearch|Orivane.TextSearch");
+}
+
+TEST(ConsoleSearch, ReadsItsWords)
+{
+	const FConsoleSearchTraits All{.Families = {"A", "B"}, .ExtraWords = {"kinds=", "families="}};
+	const FConsoleSearchTraits One{.Families = {"Blueprint"}};
+	const FConsoleSearchTraits Table{.Families = {"DataTable"}, .ExtraWords = {}};
+	const FConsoleSearchTraits Text{.Families = {"Text"}, .ExtraWords = {"exts="}};
+	const struct
+	{
+		const char* Why;
+		const FConsoleSearchTraits& Traits;
+		const char* Line;
+		const char* Expected;
+	} Cases[] = {
+		{"defaults", One, "", "'' in '' families Blueprint kinds  exts  max 200"},
+		{"any case of a key", One, "TERM=Foo Path=/Game EXACT=TRUE",
+			"'Foo' in '/Game' families Blueprint kinds  exts  exact max 200"},
+		{"quotes keep blanks", One, R"(term="two words" path="/Game/A B")",
+			"'two words' in '/Game/A B' families Blueprint kinds  exts  max 200"},
+		{"a quoted word", One, R"("term=two words")", "'two words' in '' families Blueprint kinds  exts  max 200"},
+		{"a cap of at least one", One, "term=Health max=0", "'Health' in '' families Blueprint kinds  exts  max 1"},
+		{"no digits", One, "max=many", "'' in '' families Blueprint kinds  exts  max 1"},
+		{"digits in front", One, R"(max="12 or so")", "'' in '' families Blueprint kinds  exts  max 12"},
+		{"kinds", One, "kinds=Var,,Node", "'' in '' families Blueprint kinds Var|Node exts  max 200"},
+		{"families replace the preset", All, "term=x families=DataTable,,Enum",
+			"'x' in '' families DataTable|Enum kinds  exts  max 200"},
+		{"families are one command's", One, "families=Enum", "'' in '' families Blueprint kinds  exts  max 200"},
+		{"tables have no kinds", Table, "kinds=Var", "'' in '' families DataTable kinds  exts  max 200"},
+		{"extensions", Text, "exts=cpp,h kinds=x", "'' in '' families Text kinds  exts cpp|h max 200"},
+		{"not exact, and words nobody knows", One, "exact=yes summary=true term Health -x",
+			"'' in '' families Blueprint kinds  exts  max 200"},
+		{"the last one counts", One, "term=a term=b", "'b' in '' families Blueprint kinds  exts  max 200"},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		EXPECT_EQ(Read(Case.Traits, Case.Line), Case.Expected);
+	}
+}
+
+TEST(ConsoleSearch, WritesItsFile)
+{
+	FTestProject Project;
+	Project.Table("/Game/DT_Items", "Row").Column("Wares", "string").Rows(2);
+	Project.File("Docs/Notes.md", "wares");
+	Project.Open();
+	EXPECT_EQ(RunLine("orivane.datatablesearch term=wares", Project),
+		"Orivane.DataTableSearch wrote Saved/Quellar/datatable_search.json: DT_Items");
+	EXPECT_NE(Project.GetFolder().Read("Saved/Quellar/datatable_search.json").find("\"Wares:string\""), std::string::npos);
+	EXPECT_EQ(RunLine("Orivane.AssetSearch term=wares families=Text,DataTable", Project),
+		"Orivane.AssetSearch wrote Saved/Quellar/asset_search.json: DT_Items Docs/Notes.md");
+	EXPECT_EQ(RunLine("Orivane.DataTableSearch term=nowhere", Project),
+		"Orivane.DataTableSearch wrote Saved/Quellar/datatable_search.json: ");
+	EXPECT_EQ(Project.GetFolder().Read("Saved/Quellar/datatable_search.json").find("Wares:string"), std::string::npos)
+		<< "what was found before is gone";
+
+	Project.GetFolder().Write("Saved/Quellar/enum_search.json/in.the.way", "");
+	EXPECT_EQ(
+		RunLine("Orivane.EnumSearch term=x", Project), "Orivane.EnumSearch could not write Saved/Quellar/enum_search.json: ");
+}
+
+TEST(ExploreAssetGraphCommand, ReadsItsWords)
+{
+	const auto Read = [](const char* Line)
+	{
+		const FExploreAssetGraphParams Params = ReadExploreAssetGraphWords(IConsoleManager::SplitWords(Line));
+		EXPECT_TRUE(Params.bHighSignalOnly);
+		return Params.AssetPath.ToStdString() + " " + std::to_string(static_cast<int>(Params.Direction)) + " " +
+			std::to_string(Params.Depth) + " " + std::to_string(Params.MaxNodes) + " " + std::to_string(Params.MaxFanoutPerNode);
+	};
+	EXPECT_EQ(Read(""), " 0 1 150 50");
+	EXPECT_EQ(Read(R"(Asset="/Game/A B" RELATION=referencers depth=9 max_nodes=-4 max_fanout=7)"), "/Game/A B 1 9 -4 7");
+	EXPECT_EQ(Read("relation=Both high_signal=false asset=/Game/A depth=deep"), "/Game/A 2 0 150 50");
+	EXPECT_EQ(Read("relation=sideways"), " 0 1 150 50");
+}
+
+TEST(ExploreAssetGraphCommand, Runs)
+{
+	FTestProject Project;
+	Project.Links("/Game/A", {"A Blueprint"}, {"/Game/A"});
+	Project.Open();
+	for (const char* Line :
+		{"Orivane.ExploreAssetGraph asset=/Game/A relation=Both depth=2", "Orivane.ExploreAssetGraph relation=Both"})
+		EXPECT_TRUE(IConsoleManager::Get().ProcessUserConsoleInput(Line));
+	EXPECT_FALSE(IFileManager::Get().DirectoryExists(FPaths::ProjectSavedDir())) << "it writes nothing";
+}

@@ -12,12 +12,14 @@
 namespace
 {
 constexpr const char* Description =
-	"Answers questions about a game project: which assets and text files contain a name or value.\n"
+	"Answers questions about a game project: which assets and text files contain a name or value, what an asset depends on and\n"
+	"what refers to it.\n"
 	"Serves AI agents over the Model Context Protocol, and people and scripts at a shell.";
 
 constexpr const char* ProgramExamples = R"(Examples:
   orivane search Health --project Samples/Lantern
   orivane search Damage --family DataTable --json
+  orivane graph /Game/UI/W_MainMenu --relation both
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
   orivane mcp --project MyGame
@@ -31,6 +33,15 @@ constexpr const char* SearchExamples = R"(Examples:
   orivane search "float" --family DataTable
   orivane search Lantern --exact --case-sensitive --path /Game/Data
   orivane search Stamina --json | jq '.assets[].asset')";
+
+constexpr const char* GraphExamples = R"(ASSET is a long package name, an object path, or the file of a package.
+Examples:
+  orivane graph /Game/Maps/L_Village
+  orivane graph /Game/Data/DT_Items --relation referencers --depth 2
+  orivane graph Content/UI/W_MainMenu.vasset --relation both --all-kinds --format html -o graph.html
+  orivane graph /Game/Maps/L_Village --format dot | dot -Tsvg -o graph.svg
+
+Runtime links are needed by the game, Editor links by the editor alone. Siblings come out newest first.)";
 
 constexpr const char* CallExamples = R"(Examples:
   orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'
@@ -61,6 +72,27 @@ CLI::Option* AddTexts(CLI::App& App, const char* Name, TArray<FString>& Out, con
 			Out.Add(FString::FromExternal(Text));
 	};
 	return App.add_option_function<std::vector<std::string>>(Name, Take, Help)->delimiter(',')->allow_extra_args(false);
+}
+
+template <class T>
+using TWords = std::vector<std::pair<std::string, T>>;
+
+/** An option that takes one of a few words, in any case. */
+template <class T>
+CLI::Option* AddChoice(CLI::App& App, const char* Name, const TWords<T>& Words, T& Out, const char* Help)
+{
+	const auto Take = [&Out, Words, Option = std::string(Name)](const std::string& Text)
+	{
+		std::string Known;
+		for (const auto& [Word, Value] : Words)
+		{
+			if (CLI::detail::to_lower(Text) == Word)
+				return Out = Value, void();
+			Known += (Known.empty() ? "" : ", ") + Word;
+		}
+		throw CLI::ValidationError(Option, "'" + Text + "' is none of: " + Known);
+	};
+	return App.add_option_function<std::string>(Name, Take, Help);
 }
 
 CLI::Option* AddCap(CLI::App& App, const char* Name, TOptional<int32>& Out, const char* Help)
@@ -109,10 +141,8 @@ void AddCall(CLI::App& Program, FCallArguments& Out)
 
 void AddColor(CLI::App& Command, EColor& Out)
 {
-	const std::map<std::string, EColor> Words = {{"auto", EColor::Auto}, {"always", EColor::Always}, {"never", EColor::Never}};
-	Command.add_option("--color", Out, "Colour the output: auto, always, never")
-		->transform(CLI::CheckedTransformer(Words, CLI::ignore_case).description(""))
-		->type_name("WHEN");
+	const TWords<EColor> Words = {{"auto", EColor::Auto}, {"always", EColor::Always}, {"never", EColor::Never}};
+	AddChoice(Command, "--color", Words, Out, "Colour the output: auto, always, never [auto]")->type_name("WHEN");
 }
 
 void AddSearch(CLI::App& Program, FSearchArguments& Out)
@@ -130,6 +160,46 @@ void AddSearch(CLI::App& Program, FSearchArguments& Out)
 	AddCap(*Command, "--max-total-hits", Out.MaxTotalHits, "Hits per family, and assets in all [200]");
 	AddCap(*Command, "--max-per-type", Out.MaxHitsPerAssetType, "Assets per asset type [25]");
 	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddGraphFormat(CLI::App& Command, FGraphArguments& Out)
+{
+	const TWords<EGraphFormat> Words = {{"tree", EGraphFormat::Tree}, {"json", EGraphFormat::Json}, {"dot", EGraphFormat::Dot},
+		{"mermaid", EGraphFormat::Mermaid}, {"html", EGraphFormat::Html}};
+	CLI::Option* Format =
+		AddChoice(Command, "--format", Words, Out.Format, "tree, json (the tool's payload), dot, mermaid, html [tree]");
+	Format->type_name("FORMAT");
+	const auto UseJson = [&Out] { Out.Format = EGraphFormat::Json; };
+	Command.add_flag_callback("--json", UseJson, "Same as --format json")->excludes(Format);
+	AddText(Command, "-o,--output", Out.OutputFile, "Write to this file instead of standard output")->type_name("FILE");
+}
+
+void AddGraph(CLI::App& Program, FGraphArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "graph", "Show what an asset depends on and what refers to it, or draw it", GraphExamples);
+	AddText(*Command, "ASSET", Out.Asset, "The asset, such as /Game/UI/W_MainMenu")->required();
+	const TWords<FString> Relations = {{"dependencies", "Dependencies"}, {"referencers", "Referencers"}, {"both", "Both"}};
+	AddChoice(*Command, "-r,--relation", Relations, Out.Relation, "dependencies, referencers, both [dependencies]")
+		->type_name("WHICH");
+	Command->add_option("-d,--depth", Out.Depth, "Levels, 1 or 2")
+		->check(CLI::Range(1, 2))
+		->type_name("N")
+		->capture_default_str();
+	const auto AddLimit = [Command](const char* Name, int32& Limit, const char* Help)
+	{
+		Command->add_option(Name, Limit, Help)
+			->check(CLI::Range(1, INT32_MAX).description(""))
+			->type_name("N")
+			->capture_default_str();
+	};
+	AddLimit("--max-nodes", Out.MaxNodes, "Relations shown for a direction");
+	AddLimit("--max-fanout", Out.MaxFanout, "Do not walk through packages with more neighbours");
+	Command->add_flag("-a,--all-kinds", Out.bAllKinds, "Also materials, meshes, textures and other kinds that tell little");
+	AddGraphFormat(*Command, Out);
 	AddColor(*Command, Out.Color);
 	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
@@ -253,6 +323,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 {
 	FCallArguments Call;
 	FSearchArguments Search;
+	FGraphArguments Graph;
 	FInfoArguments Info;
 	FCheckArguments Check;
 	FMcpArguments Mcp;
@@ -262,6 +333,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	Program.set_version_flag("--version", OrivaneVersion);
 	Program.require_subcommand(1);
 	AddSearch(Program, Search);
+	AddGraph(Program, Graph);
 	AddCall(Program, Call);
 	AddMcp(Program, Mcp);
 	AddInfo(Program, Info);
@@ -288,6 +360,8 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 		return Call;
 	if (Program.got_subcommand("search"))
 		return Search;
+	if (Program.got_subcommand("graph"))
+		return Graph;
 	if (Program.got_subcommand("info"))
 		return Info;
 	if (Program.got_subcommand("check"))

@@ -31,6 +31,30 @@ struct FSearchArguments
 	double TimeLimitSeconds = 30;
 };
 
+enum class EGraphFormat : uint8
+{
+	Tree,
+	Json,
+	Dot,
+	Mermaid,
+	Html,
+};
+
+struct FGraphArguments
+{
+	FProjectOptions Project;
+	FString Asset;
+	FString Relation = "Dependencies";
+	int32 Depth = 1;
+	int32 MaxNodes = 150;
+	int32 MaxFanout = 50;
+	bool bAllKinds = false;
+	EGraphFormat Format = EGraphFormat::Tree;
+	FString OutputFile; // "": standard output
+	EColor Color = EColor::Auto;
+	double TimeLimitSeconds = 30;
+};
+
 struct FInfoArguments
 {
 	FProjectOptions Project;
@@ -53,7 +77,7 @@ struct FMcpArguments
 	int64 MaxAnswerBytes = 2 * 1024 * 1024;
 };
 
-using FCommand = std::variant<FCallArguments, FSearchArguments, FInfoArguments, FCheckArguments, FMcpArguments>;
+using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FInfoArguments, FCheckArguments, FMcpArguments>;
 
 /**
  * Parses the program's arguments. Empty where there is nothing to run: OutExitCode is then the program's, and help or an error

@@ -5,6 +5,7 @@
 // One function a command; each returns the program's exit code.
 int RunCall(const FCallArguments& Arguments);
 int RunSearch(const FSearchArguments& Arguments);
+int RunGraph(const FGraphArguments& Arguments);
 int RunInfo(const FInfoArguments& Arguments);
 int RunCheck(const FCheckArguments& Arguments);
 int RunMcp(const FMcpArguments& Arguments);

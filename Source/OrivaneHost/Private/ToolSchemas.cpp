@@ -60,6 +60,54 @@ constexpr const char* AssetSearchOutput = R"({
 "required": ["messages"]
 })";
 
+constexpr const char* AssetGraphInput = R"({
+"type": "object",
+"properties": {
+	"asset_path": {"type": "string", "description": "Asset to start from, such as /Game/UI/W_Menu; \"asset\" in what asset_search answers."},
+	"relation": {"type": "string", "enum": ["Dependencies", "Referencers", "Both"], "default": "Dependencies", "description": "What it depends on, what refers to it, or both."},
+	"depth": {"type": "integer", "minimum": 1, "maximum": 2, "default": 1, "description": "Levels to walk."},
+	"max_nodes": {"type": "integer", "default": 150, "description": "Relations reported for a direction, at least 1."},
+	"max_fanout_per_node": {"type": "integer", "default": 50, "description": "Assets with more neighbours are listed, not walked through."},
+	"high_signal_only": {"type": "boolean", "default": true, "description": "Leave out materials, particle systems, meshes, textures and the like."}
+},
+"required": ["asset_path"]
+})";
+
+constexpr const char* AssetGraphOutput = R"({
+"type": "object",
+"properties": {
+	"messages": {"type": "array", "description": "What the tool reports in words, in order.", "items": {"type": "object",
+		"properties": {
+			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Weight of the message."},
+			"text": {"type": "string", "description": "The message."}},
+		"required": ["type", "text"]}},
+	"content": {"type": "object", "description": "relations and summary; for both directions a pair for each instead.",
+		"properties": {
+			"root": {"type": "string", "description": "Long package name of the start; empty where the path names no package."},
+			"direction": {"type": "string", "description": "The relation that was walked."},
+			"truncated": {"type": "boolean", "description": "More relations qualify; raise max_nodes."},
+			"relations": {"type": "array", "description": "Newest first; a leaf has no relations of its own.", "items": {"type": "object",
+				"properties": {
+					"path": {"type": "string", "description": "Long package name."},
+					"kind": {"type": "string", "description": "Asset type."},
+					"type": {"type": "string", "enum": ["Runtime", "Editor"], "description": "Editor: not needed by the running game."},
+					"relations": {"type": "array", "description": "Found from this one.", "items": {"type": "object"}}},
+				"required": ["path", "kind", "type"]}},
+			"summary": {"type": "object", "description": "Counts over all levels.",
+				"properties": {
+					"total": {"type": "integer", "description": "Relations."},
+					"by_kind": {"type": "object", "description": "Relations of each kind.", "additionalProperties": {"type": "integer"}},
+					"by_type": {"type": "object", "description": "Relations of each type.", "additionalProperties": {"type": "integer"}}},
+				"required": ["total", "by_kind", "by_type"]},
+			"dependencies": {"type": "array", "description": "As relations.", "items": {"type": "object"}},
+			"dependencies_summary": {"type": "object", "description": "As summary."},
+			"referencers": {"type": "array", "description": "As relations.", "items": {"type": "object"}},
+			"referencers_summary": {"type": "object", "description": "As summary."}},
+		"required": ["root", "direction", "truncated"]}
+},
+"required": ["messages"]
+})";
+
 TSharedPtr<FJsonObject> GetMember(const TSharedPtr<FJsonObject>& Object, const char* Key)
 {
 	TSharedPtr<FJsonObject> Member;
@@ -88,6 +136,10 @@ const TArray<FToolSchema>& GetToolSchemas()
 			.Title = "Search assets by name or value",
 			.Input = MakeAssetSearchInput(),
 			.Output = ParseSchema(AssetSearchOutput)},
+		{.Name = "explore_asset_graph",
+			.Title = "Explore what assets depend on and refer to",
+			.Input = ParseSchema(AssetGraphInput),
+			.Output = ParseSchema(AssetGraphOutput)},
 	};
 	return Schemas;
 }

@@ -1,0 +1,129 @@
+#include "Commands.h"
+#include "Core/File.h"
+#include "Graph/GraphPicture.h"
+#include "Graph/GraphTree.h"
+#include "HeadlessEngine.h"
+#include "OrivaneHost/Program.h"
+#include "Quellar/AssetPathUtils.h"
+#include "Quellar/AssetRegistryUtils.h"
+#include "Quellar/AssetSearchService.h"
+#include "ToolCaller.h"
+
+namespace
+{
+using namespace ToolOutput;
+
+constexpr int32 MaxSuggestions = 5;
+
+FString MakeToolArguments(const FGraphArguments& Arguments)
+{
+	FJsonObject Args;
+	Args.SetStringField("asset_path", Arguments.Asset);
+	Args.SetStringField("relation", Arguments.Relation);
+	Args.SetNumberField("depth", Arguments.Depth);
+	Args.SetNumberField("max_nodes", Arguments.MaxNodes);
+	Args.SetNumberField("max_fanout_per_node", Arguments.MaxFanout);
+	Args.SetBoolField("high_signal_only", !Arguments.bAllKinds);
+	return Json::Write(Args);
+}
+
+/** The answer does not tell what the root is. */
+FString GetRootKind(const FJsonObject& Content)
+{
+	FAssetData Asset;
+	return AssetPathUtils::GetRepresentativeAsset(GetText(Content, "root"), Asset)
+		? AssetTypeFromClassName(Asset.AssetClassPath.AssetName)
+		: FString();
+}
+
+/** "hero", "Hero.vasset" and "/Game/Old/Hero.Hero" all name assets called Hero. */
+FString GetAssetName(const FString& Path)
+{
+	const FStringView FileName = FPaths::GetCleanFilename(Path);
+	return FString(FileName.substr(0, FileName.find('.')));
+}
+
+/** Packages of the assets that have the name of the one that was asked for. */
+void PrintSuggestions(const FString& AskedFor)
+{
+	const FName Name = GetAssetName(AskedFor);
+	TArray<FString> Packages;
+	OrivaneAssetRegistryUtils::GetAssetRegistry()->EnumerateAssets({},
+		[&](const FAssetData& Asset)
+		{
+			if (Asset.AssetName == Name)
+				Packages.Add(Asset.PackageName.ToString());
+			return Packages.Num() < MaxSuggestions;
+		});
+	for (const FString& Package : Packages)
+		Terminal::PrintError(FString("  did you mean ") + Terminal::Sanitize(Package) + "?\n");
+	if (Packages.IsEmpty())
+		Terminal::PrintError("  an asset is named by its package, such as /Game/UI/W_Menu; find it with: orivane search NAME\n");
+}
+
+FString Render(const FJsonObject& Content, const FGraphArguments& Arguments)
+{
+	const FString RootKind = GetRootKind(Content);
+	switch (Arguments.Format)
+	{
+		case EGraphFormat::Json:
+			return Json::Write(Content) + "\n";
+		case EGraphFormat::Dot:
+			return GraphDrawing::WriteDot(MakeGraphPicture(Content, RootKind));
+		case EGraphFormat::Mermaid:
+			return GraphDrawing::WriteMermaid(MakeGraphPicture(Content, RootKind));
+		case EGraphFormat::Html:
+			return GraphDrawing::WriteHtml(MakeGraphPicture(Content, RootKind));
+		case EGraphFormat::Tree:
+			break;
+	}
+	const bool bColor = Terminal::UsesColor(Arguments.Color) && Arguments.OutputFile.IsEmpty();
+	return RenderGraphTree(Content, RootKind, Arguments.MaxNodes, FPainter(bColor));
+}
+
+/** False after saying why. */
+bool Write(const FString& Text, const FGraphArguments& Arguments)
+{
+	if (Arguments.OutputFile.IsEmpty())
+		return Terminal::Print(Text);
+	if (FFileHelper::SaveStringToFile(Text, FPaths::ConvertRelativePathToFull(Arguments.OutputFile)))
+		return true;
+	Terminal::PrintError(FString("orivane graph: cannot write ") + Terminal::Sanitize(Arguments.OutputFile) + "\n");
+	return false;
+}
+
+int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Arguments)
+{
+	const TSharedPtr<FJsonObject> Content = GetContent(Result);
+	if (!Content || Arguments.Format != EGraphFormat::Tree) // the tree tells itself when it is cut
+		PrintProblems("graph", Result);
+	if (!Content)
+	{
+		PrintSuggestions(Arguments.Asset);
+		return EExitCode::NotFound;
+	}
+	if (GetText(*Content, "root").IsEmpty())
+	{
+		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(Arguments.Asset) + "' is no package\n");
+		return EExitCode::NotFound;
+	}
+	if (!Write(Render(*Content, Arguments), Arguments))
+		return EExitCode::WrongUse;
+	const bool bFound = !GetArray(*Content, "relations").IsEmpty() || !GetArray(*Content, "dependencies").IsEmpty() ||
+		!GetArray(*Content, "referencers").IsEmpty();
+	return bFound ? EExitCode::Found : EExitCode::NotFound;
+}
+}
+
+int RunGraph(const FGraphArguments& Arguments)
+{
+	const FHeadlessEngine Engine;
+	FDiagnosticSink Diagnostics;
+	int ExitCode = EExitCode::Found;
+	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
+		return ExitCode;
+	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(Arguments.TimeLimitSeconds * 1000));
+	const bool bAnswered = CallToolAndWait("explore_asset_graph", MakeToolArguments(Arguments), TimeLimit,
+		[&](const Orivane::FToolResult& Result) { ExitCode = PrintResult(Result, Arguments); });
+	return bAnswered ? ExitCode : EExitCode::Interrupted;
+}

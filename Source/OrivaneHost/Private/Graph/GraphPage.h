@@ -1,0 +1,9 @@
+#pragma once
+
+#include "Core/String.h"
+
+/** Where the page's data go, a JSON object. */
+inline constexpr FStringView GraphPagePlaceholder = "GRAPH_DATA";
+
+/** Text of GraphPage.html. */
+FStringView GetGraphPage();

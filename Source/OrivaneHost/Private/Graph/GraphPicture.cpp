@@ -1,0 +1,71 @@
+#include "Graph/GraphPicture.h"
+
+#include "ToolOutput.h"
+
+#include <cstdlib>
+
+namespace
+{
+enum class EStep : int32
+{
+	ToDependency = 1,
+	ToReferencer = -1,
+};
+
+class FPictureBuilder
+{
+public:
+	FPictureBuilder(FGraphPicture& InPicture) : Picture(InPicture) {}
+
+	int32 AddNode(const FString& Path, const FString& Kind, int32 Level)
+	{
+		if (const int32* Known = NodeByPath.Find(Path))
+		{
+			FGraphPicture::FNode& Node = Picture.Nodes[*Known];
+			if (std::abs(Level) < std::abs(Node.Level))
+				Node.Level = Level;
+			return *Known;
+		}
+		NodeByPath.Add(Path, Picture.Nodes.Num());
+		return Picture.Nodes.Add({Path, Kind, Level});
+	}
+
+	void AddRelations(int32 Parent, int32 ParentLevel, const FJsonArray& Relations, EStep Step)
+	{
+		for (const FJsonValue& Element : Relations)
+		{
+			const FJsonObject& Relation = *Element.AsObject();
+			const int32 Level = ParentLevel + static_cast<int32>(Step);
+			const int32 Node = AddNode(ToolOutput::GetText(Relation, "path"), ToolOutput::GetText(Relation, "kind"), Level);
+			AddLink(Step == EStep::ToDependency ? Parent : Node, Step == EStep::ToDependency ? Node : Parent,
+				ToolOutput::GetText(Relation, "type") == "Runtime");
+			AddRelations(Node, Level, ToolOutput::GetArray(Relation, "relations"), Step);
+		}
+	}
+
+private:
+	void AddLink(int32 From, int32 To, bool bRuntime)
+	{
+		if (KnownLinks.Add(int64{From} << 32 | To))
+			Picture.Links.Add({From, To, bRuntime});
+	}
+
+	FGraphPicture& Picture;
+	TMap<FString, int32> NodeByPath;
+	TSet<int64> KnownLinks; // a link found from both of its ends is the registry's one link
+};
+}
+
+FGraphPicture MakeGraphPicture(const FJsonObject& Content, const FString& RootKind)
+{
+	FGraphPicture Picture;
+	FPictureBuilder Builder(Picture);
+	const int32 Root = Builder.AddNode(ToolOutput::GetText(Content, "root"), RootKind, 0);
+	const bool bReferencers = ToolOutput::GetText(Content, "direction") == "Referencers";
+	Builder.AddRelations(
+		Root, 0, ToolOutput::GetArray(Content, "relations"), bReferencers ? EStep::ToReferencer : EStep::ToDependency);
+	Builder.AddRelations(Root, 0, ToolOutput::GetArray(Content, "dependencies"), EStep::ToDependency);
+	Builder.AddRelations(Root, 0, ToolOutput::GetArray(Content, "referencers"), EStep::ToReferencer);
+	Content.TryGetBoolField("truncated", Picture.bTruncated);
+	return Picture;
+}

@@ -65,6 +65,23 @@ expect "a file that cannot be written" 2 'cannot write' "$orivane" graph $hub -o
 expect "the graph tool" 0 '"text":"Explored asset graph for .* \(direction: Dependencies, depth: 1, relations: [0-9]+\)"' \
 	"$orivane" call explore_asset_graph "{\"asset_path\":\"$hub\"}" -p "$project"
 
+expect "paths by directory" 0 '^  BT_Guard\.BT_Guard' "$orivane" paths BT_ -p "$project"
+expect "paths as a list" 0 '^/Game/AI/BT_Guard\.BT_Guard' "$orivane" paths bt_guard --exact --view files -p "$project"
+expect "paths of a class" 1 '0 match' "$orivane" paths BT_ --class Texture -p "$project"
+expect "paths over a cap" 0 'not all of them shown; narrow' "$orivane" paths /Game --max-files 1 -p "$project"
+expect "paths as JSON" 0 '^\{"summary":\{"total_hits":[0-9]+,' "$orivane" paths BT_ --json -p "$project"
+expect "paths without a term" 1 "Missing required field 'term'" "$orivane" paths '' -p "$project"
+expect "the host's own tool" 0 '"data":\{"asset_path_search":' "$orivane" call asset_path_search '{"term":"BT_"}' -p "$project"
+
+expect "a console command writes its file" 0 'Saved/Quellar/datatable_search\.json' "$orivane" console -c 'Orivane.DataTableSearch term=Health' -p "$project"
+grep -q '"asset_path": "/Game/Data/Tables/DT_Enemies.DT_Enemies"' "$project/Saved/Quellar/datatable_search.json" ||
+	{ echo "FAILED: the file of a console command"; failures=$((failures + 1)); }
+expect "a console command that finds nothing" 1 '0 asset' "$orivane" console -c 'Orivane.EnumSearch term=NoSuchWord' -p "$project"
+expect "several console commands, one of them unknown" 2 "no command 'Orivane.TextSerch', did you mean 'Orivane.TextSearch'" \
+	"$orivane" console -c 'help' -c 'Orivane.TextSerch term=x' -p "$project"
+printf '# a script\norivane.textsearch term="Health"\nexit\nnonsense\n' | "$orivane" console -p "$project" 2>&1 | grep -q 'text_search\.json' ||
+	{ echo "FAILED: a piped console script"; failures=$((failures + 1)); }
+
 expect "no such folder" 3 'there is no folder' "$orivane" info --project "$scratch/nowhere"
 expect "a folder without a descriptor" 3 'no \*\.uproject' "$orivane" info --project "$scratch/empty"
 expect "two descriptors" 3 'more than one' "$orivane" info --project "$scratch/two"

@@ -2,6 +2,7 @@
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "PathSearchTool.h"
 #include "ToolCaller.h"
 
 #include <iostream>
@@ -46,6 +47,7 @@ int RunCall(const FCallArguments& Arguments)
 	}
 
 	const FHeadlessEngine Engine;
+	RegisterPathSearchTool();
 	FDiagnosticSink Diagnostics;
 	int ExitCode = EExitCode::Found;
 	if (!IsRegistered(Arguments.Tool))

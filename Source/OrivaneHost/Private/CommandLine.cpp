@@ -1,11 +1,11 @@
 #include "CommandLine.h"
 
+#include "NearestWord.h"
 #include "OrivaneHost/Program.h"
 #include "Version.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <numeric>
 #include <string>
 #include <vector>
 
@@ -13,13 +13,14 @@ namespace
 {
 constexpr const char* Description =
 	"Answers questions about a game project: which assets and text files contain a name or value, what an asset depends on and\n"
-	"what refers to it.\n"
+	"what refers to it, which asset paths match a name.\n"
 	"Serves AI agents over the Model Context Protocol, and people and scripts at a shell.";
 
 constexpr const char* ProgramExamples = R"(Examples:
   orivane search Health --project Samples/Lantern
   orivane search Damage --family DataTable --json
   orivane graph /Game/UI/W_MainMenu --relation both
+  orivane paths MainMenu
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
   orivane mcp --project MyGame
@@ -42,6 +43,19 @@ Examples:
   orivane graph /Game/Maps/L_Village --format dot | dot -Tsvg -o graph.svg
 
 Runtime links are needed by the game, Editor links by the editor alone. Siblings come out newest first.)";
+
+constexpr const char* PathsExamples = R"(Examples:
+  orivane paths Menu
+  orivane paths /Game/UI --class WidgetBlueprint
+  orivane paths BT_Guard --exact --view files
+  orivane paths _ --max-files 1000000 --json | jq -r '.summary.total_hits')";
+
+constexpr const char* ConsoleExamples =
+	R"(Without -c and with a terminal it asks for commands; "help" lists them. Without a terminal it reads them from standard input, one a line.
+Examples:
+  orivane console
+  orivane console -c "Orivane.DataTableSearch term=Health"
+  echo 'Orivane.AssetSearch term="two words" families=Text,DataTable' | orivane console)";
 
 constexpr const char* CallExamples = R"(Examples:
   orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'
@@ -205,6 +219,36 @@ void AddGraph(CLI::App& Program, FGraphArguments& Out)
 	AddProjectOptions(*Command, Out.Project);
 }
 
+void AddPaths(CLI::App& Program, FPathsArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "paths", "Find assets by a part of their path or name", PathsExamples);
+	AddText(*Command, "TERM", Out.Term, "Text to look for in object paths such as /Game/UI/W_Menu.W_Menu")->required();
+	Command->add_flag("-x,--exact", Out.bExact, "The whole object path or asset name equals the term");
+	Command->add_flag("-s,--case-sensitive", Out.bCaseSensitive, "Upper and lower case differ");
+	const TWords<FString> Views = {{"directories", "directories"}, {"files", "files"}, {"both", "both"}};
+	AddChoice(*Command, "-v,--view", Views, Out.View, "directories, files (one object path a line), both [directories]")
+		->type_name("WHICH");
+	AddText(*Command, "--path", Out.PathContains, "Only assets whose folder contains this")->type_name("TEXT");
+	AddTexts(*Command, "-c,--class", Out.Classes, "Only assets whose class or asset type contains this (may be repeated)")
+		->type_name("NAME");
+	AddCap(*Command, "--max-files", Out.MaxFiles, "Object paths listed [200]");
+	AddCap(*Command, "--max-directories", Out.MaxDirectories, "Directories listed [50]");
+	AddCap(*Command, "--max-per-directory", Out.MaxFilesPerDirectory, "Assets listed in a directory [10]");
+	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddConsole(CLI::App& Program, FConsoleArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "console", "Run Orivane.* console commands, by hand or from a script", ConsoleExamples);
+	AddTexts(*Command, "-c,--command", Out.Lines, "Run this line and exit (may be repeated)")->type_name("LINE")->delimiter('\0');
+	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Wait this long for a search, then go on");
+	AddProjectOptions(*Command, Out.Project);
+}
+
 void AddInfo(CLI::App& Program, FInfoArguments& Out)
 {
 	CLI::App* Command = AddCommand(
@@ -233,42 +277,9 @@ void AddMcp(CLI::App& Program, FMcpArguments& Out)
 		->check(CLI::Range(int64{16 * 1024}, int64{8 * 1024 * 1024}))
 		->type_name("BYTES")
 		->capture_default_str();
+	Command->add_flag_callback(
+		"--without-path-search", [&Out] { Out.bPathSearch = false; }, "Do not offer the tool asset_path_search");
 	AddProjectOptions(*Command, Out.Project);
-}
-
-/** Number of edits that turn one word into the other. */
-std::size_t GetEditDistance(const std::string& A, const std::string& B)
-{
-	std::vector<std::size_t> Row(B.size() + 1);
-	std::iota(Row.begin(), Row.end(), std::size_t{0});
-	for (std::size_t I = 1; I <= A.size(); ++I)
-	{
-		std::size_t Diagonal = std::exchange(Row[0], I);
-		for (std::size_t J = 1; J <= B.size(); ++J)
-		{
-			const std::size_t Replaced = Diagonal + (A[I - 1] == B[J - 1] ? 0 : 1);
-			Diagonal = Row[J];
-			Row[J] = std::min({Row[J] + 1, Row[J - 1] + 1, Replaced});
-		}
-	}
-	return Row[B.size()];
-}
-
-/** The word nearest to a mistyped one, or "" when none is near. */
-std::string FindNearest(const std::string& Word, const std::vector<std::string>& Known)
-{
-	std::string Nearest;
-	std::size_t Smallest = std::max<std::size_t>(2, Word.size() / 3) + 1;
-	for (const std::string& Candidate : Known)
-	{
-		const std::size_t Distance = GetEditDistance(Word, Candidate);
-		if (Distance < Smallest)
-		{
-			Smallest = Distance;
-			Nearest = Candidate;
-		}
-	}
-	return Nearest;
 }
 
 std::vector<std::string> GetOptionWords(const CLI::App& App)
@@ -311,7 +322,7 @@ FString DescribeError(const CLI::App& Program, const CLI::ParseError& Error, con
 
 	const bool bOption = Unknown.starts_with("-");
 	const std::string Nearest =
-		FindNearest(Unknown, bOption || !bWithoutCommand ? GetOptionWords(App) : GetCommandWords(Program));
+		FindNearestWord(Unknown, bOption || !bWithoutCommand ? GetOptionWords(App) : GetCommandWords(Program));
 	FString Text = Prefix + (bOption ? "unknown option '" : bWithoutCommand ? "unknown command '" : "unexpected word '");
 	Text += Terminal::Sanitize(FString::FromExternal(Unknown)) + "'";
 	Text += Nearest.empty() ? FString() : FString(", did you mean '") + Nearest + "'?";
@@ -324,6 +335,8 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	FCallArguments Call;
 	FSearchArguments Search;
 	FGraphArguments Graph;
+	FPathsArguments Paths;
+	FConsoleArguments Console;
 	FInfoArguments Info;
 	FCheckArguments Check;
 	FMcpArguments Mcp;
@@ -334,7 +347,9 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	Program.require_subcommand(1);
 	AddSearch(Program, Search);
 	AddGraph(Program, Graph);
+	AddPaths(Program, Paths);
 	AddCall(Program, Call);
+	AddConsole(Program, Console);
 	AddMcp(Program, Mcp);
 	AddInfo(Program, Info);
 	AddCheck(Program, Check);
@@ -362,6 +377,10 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 		return Search;
 	if (Program.got_subcommand("graph"))
 		return Graph;
+	if (Program.got_subcommand("paths"))
+		return Paths;
+	if (Program.got_subcommand("console"))
+		return Console;
 	if (Program.got_subcommand("info"))
 		return Info;
 	if (Program.got_subcommand("check"))

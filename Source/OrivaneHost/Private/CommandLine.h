@@ -55,6 +55,30 @@ struct FGraphArguments
 	double TimeLimitSeconds = 30;
 };
 
+struct FPathsArguments
+{
+	FProjectOptions Project;
+	FString Term;
+	bool bExact = false;
+	bool bCaseSensitive = false;
+	FString View = "directories"; // "files", "both"
+	FString PathContains;
+	TArray<FString> Classes;
+	TOptional<int32> MaxFiles;
+	TOptional<int32> MaxDirectories;
+	TOptional<int32> MaxFilesPerDirectory;
+	bool bJson = false;
+	EColor Color = EColor::Auto;
+	double TimeLimitSeconds = 30;
+};
+
+struct FConsoleArguments
+{
+	FProjectOptions Project;
+	TArray<FString> Lines; // to run instead of asking for some
+	double TimeLimitSeconds = 30;
+};
+
 struct FInfoArguments
 {
 	FProjectOptions Project;
@@ -75,9 +99,11 @@ struct FMcpArguments
 	double TimeLimitSeconds = 30;
 	double DeadlineSeconds = 50;
 	int64 MaxAnswerBytes = 2 * 1024 * 1024;
+	bool bPathSearch = true;
 };
 
-using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FInfoArguments, FCheckArguments, FMcpArguments>;
+using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FPathsArguments, FConsoleArguments,
+	FInfoArguments, FCheckArguments, FMcpArguments>;
 
 /**
  * Parses the program's arguments. Empty where there is nothing to run: OutExitCode is then the program's, and help or an error

@@ -13,6 +13,8 @@ struct FRunCommand
 	int operator()(const FCallArguments& Arguments) const { return RunCall(Arguments); }
 	int operator()(const FSearchArguments& Arguments) const { return RunSearch(Arguments); }
 	int operator()(const FGraphArguments& Arguments) const { return RunGraph(Arguments); }
+	int operator()(const FPathsArguments& Arguments) const { return RunPaths(Arguments); }
+	int operator()(const FConsoleArguments& Arguments) const { return RunConsole(Arguments); }
 	int operator()(const FInfoArguments& Arguments) const { return RunInfo(Arguments); }
 	int operator()(const FCheckArguments& Arguments) const { return RunCheck(Arguments); }
 	int operator()(const FMcpArguments& Arguments) const { return RunMcp(Arguments); }

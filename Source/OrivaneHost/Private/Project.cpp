@@ -7,9 +7,9 @@
 #include "CoreObject/PackageName.h"
 #include "CoreObject/ScriptModule.h"
 #include "ProjectFiles.h"
+#include "UserFolders.h"
 
 #include <chrono>
-#include <cstdlib>
 
 namespace
 {
@@ -28,14 +28,8 @@ FOpenProject& GetOpenProject()
 /** Where caches of projects go whose own folder cannot be written: a folder of the user's, one below it for each project. */
 FString GetUserCacheFolder(const FString& ProjectFolder)
 {
-	const char* CacheHome = std::getenv("XDG_CACHE_HOME");
-	const char* Home = std::getenv("HOME");
-	FString Base;
-	if (CacheHome && *CacheHome == '/')
-		Base = CacheHome;
-	else if (Home && *Home == '/')
-		Base = FString(Home) + "/.cache";
-	else
+	const FString Base = GetUserFolder("XDG_CACHE_HOME", ".cache");
+	if (Base.IsEmpty())
 		return {};
 	return Base + FString::Printf("/orivane/%016llx/", static_cast<unsigned long long>(Unicode::HashFolded(ProjectFolder)));
 }

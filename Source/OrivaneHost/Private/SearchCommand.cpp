@@ -11,21 +11,6 @@ namespace
 {
 using namespace ToolOutput;
 
-void SetStrings(FJsonObject& Args, const char* Key, const TArray<FString>& Texts)
-{
-	FJsonArray Array;
-	for (const FString& Text : Texts)
-		Array.Add(Text);
-	if (!Texts.IsEmpty())
-		Args.SetArrayField(Key, std::move(Array));
-}
-
-void SetNumber(FJsonObject& Args, const char* Key, TOptional<int32> Number)
-{
-	if (Number)
-		Args.SetNumberField(Key, *Number);
-}
-
 FString MakeToolArguments(const FSearchArguments& Arguments)
 {
 	FJsonObject Args;

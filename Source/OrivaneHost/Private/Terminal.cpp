@@ -46,6 +46,11 @@ void WatchSignals()
 }
 }
 
+bool Terminal::IsStdinTerminal()
+{
+	return isatty(STDIN_FILENO) != 0;
+}
+
 bool Terminal::IsStdoutTerminal()
 {
 	return isatty(STDOUT_FILENO) != 0;

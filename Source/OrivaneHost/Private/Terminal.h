@@ -15,6 +15,7 @@ enum class EColor : uint8
 /** What is written where: data to standard output, words about the work to standard error. */
 namespace Terminal
 {
+bool IsStdinTerminal();
 bool IsStdoutTerminal();
 bool IsStderrTerminal();
 bool UsesColor(EColor Color);

@@ -4,6 +4,21 @@
 
 #include <algorithm>
 
+void ToolOutput::SetStrings(FJsonObject& Args, const char* Key, const TArray<FString>& Texts)
+{
+	FJsonArray Array;
+	for (const FString& Text : Texts)
+		Array.Add(Text);
+	if (!Texts.IsEmpty())
+		Args.SetArrayField(Key, std::move(Array));
+}
+
+void ToolOutput::SetNumber(FJsonObject& Args, const char* Key, TOptional<int32> Number)
+{
+	if (Number)
+		Args.SetNumberField(Key, *Number);
+}
+
 FString ToolOutput::GetText(const FJsonObject& Object, const char* Key)
 {
 	FString Text;
@@ -18,9 +33,9 @@ const FJsonArray& ToolOutput::GetArray(const FJsonObject& Object, const char* Ke
 	return Object.TryGetArrayField(Key, Array) ? *Array : None;
 }
 
-TSharedPtr<FJsonObject> ToolOutput::GetContent(const Orivane::FToolResult& Result)
+TSharedPtr<FJsonObject> ToolOutput::GetContent(const Orivane::FToolResult& Result, const char* Key)
 {
-	const Orivane::FToolResult::FPayload* Payload = Result.GetData().Find("content");
+	const Orivane::FToolResult::FPayload* Payload = Result.GetData().Find(Key);
 	return Payload ? MakePayloadJson(*Payload).AsObject() : nullptr;
 }
 

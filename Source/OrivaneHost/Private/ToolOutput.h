@@ -20,15 +20,18 @@ private:
 	bool bColor;
 };
 
-/** What the commands that print a tool's answer share. */
+/** What the commands that call a tool and print its answer share. */
 namespace ToolOutput
 {
+/** Sets an argument of the tool, unless nothing was given for it. */
+void SetStrings(FJsonObject& Args, const char* Key, const TArray<FString>& Texts);
+void SetNumber(FJsonObject& Args, const char* Key, TOptional<int32> Number);
 /** A field's text fit for a terminal; "" when there is none. */
 FString GetText(const FJsonObject& Object, const char* Key);
 /** A field's elements; none when there is no such array. */
 const FJsonArray& GetArray(const FJsonObject& Object, const char* Key);
-/** The payload "content"; null when the tool gave none. */
-TSharedPtr<FJsonObject> GetContent(const Orivane::FToolResult& Result);
+/** The payload of that key; null when the tool gave none. */
+TSharedPtr<FJsonObject> GetContent(const Orivane::FToolResult& Result, const char* Key = "content");
 /** Text with blanks behind it, up to a number of code points. */
 FString Pad(const FString& Text, int32 Width);
 /** Errors and warnings on standard error, a line each behind "orivane COMMAND: ". */

@@ -108,6 +108,51 @@ constexpr const char* AssetGraphOutput = R"({
 "required": ["messages"]
 })";
 
+constexpr const char* PathSearchInput = R"({
+"type": "object",
+"properties": {
+	"term": {"type": "string", "minLength": 1, "description": "Text to look for in object paths (/Game/UI/W_Menu.W_Menu)."},
+	"mode": {"type": "string", "enum": ["contains", "exact"], "default": "contains", "description": "exact: equals the whole object path or asset name."},
+	"case_sensitive": {"type": "boolean", "default": false, "description": "Whether upper and lower case differ."},
+	"detail_mode": {"type": "string", "enum": ["directories", "files", "both"], "default": "directories", "description": "Hits by folder, as one list, or both."},
+	"path_contains": {"type": "string", "default": "", "description": "Only assets whose folder contains this."},
+	"class_filters": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Only assets whose class path or asset type contains one of these."},
+	"max_file_results": {"type": "integer", "default": 200, "description": "Paths in the list."},
+	"max_directory_buckets": {"type": "integer", "default": 50, "description": "Folders."},
+	"max_files_per_directory": {"type": "integer", "default": 10, "description": "Paths in a folder."}
+},
+"required": ["term"]
+})";
+
+constexpr const char* PathSearchOutput = R"({
+"type": "object",
+"properties": {
+	"messages": {"type": "array", "description": "What the tool reports in words, in order.", "items": {"type": "object",
+		"properties": {
+			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Weight of the message."},
+			"text": {"type": "string", "description": "The message."}},
+		"required": ["type", "text"]}},
+	"asset_path_search": {"type": "object", "description": "What was found.",
+		"properties": {
+			"summary": {"type": "object", "description": "total_hits counts all; truncated: some are not listed.",
+				"properties": {
+					"total_hits": {"type": "integer", "description": "Matching assets."},
+					"total_directories": {"type": "integer", "description": "Folders listed."},
+					"truncated": {"type": "boolean", "description": "A cap was hit."},
+					"detail_mode": {"type": "string", "description": "The view."}},
+				"required": ["total_hits", "total_directories", "truncated", "detail_mode"]},
+			"directories": {"type": "array", "description": "Ascending.", "items": {"type": "object",
+				"properties": {
+					"path": {"type": "string", "description": "Folder."},
+					"count": {"type": "integer", "description": "Files listed."},
+					"files": {"type": "array", "description": "Object paths below the folder.", "items": {"type": "string"}}},
+				"required": ["path", "count", "files"]}},
+			"files": {"type": "array", "description": "Object paths, ascending.", "items": {"type": "string"}}},
+		"required": ["summary"]}
+},
+"required": ["messages"]
+})";
+
 TSharedPtr<FJsonObject> GetMember(const TSharedPtr<FJsonObject>& Object, const char* Key)
 {
 	TSharedPtr<FJsonObject> Member;
@@ -140,6 +185,10 @@ const TArray<FToolSchema>& GetToolSchemas()
 			.Title = "Explore what assets depend on and refer to",
 			.Input = ParseSchema(AssetGraphInput),
 			.Output = ParseSchema(AssetGraphOutput)},
+		{.Name = "asset_path_search",
+			.Title = "Find assets by path",
+			.Input = ParseSchema(PathSearchInput),
+			.Output = ParseSchema(PathSearchOutput)},
 	};
 	return Schemas;
 }

@@ -3,7 +3,6 @@
 #include "Quellar/AssetSearchService.h"
 
 #include <algorithm>
-#include <unordered_map>
 #include <vector>
 
 namespace
@@ -60,12 +59,8 @@ public:
 		Result.Files.Reserve(std::min(MaxFiles, Paths.NumAssets()));
 	}
 
-	void Add(int32 Asset)
-	{
-		++Result.TotalHits;
-		AddToFiles(Asset);
-		AddToDirectory(Asset);
-	}
+	/** Hits that lie in one folder. */
+	void Add(FAssetPathView::FRange Hits);
 	void Finish();
 
 private:
@@ -75,12 +70,13 @@ private:
 		TArray<FString> Files;
 	};
 
-	void AddToFiles(int32 Asset);
-	void AddToDirectory(int32 Asset);
-	FDirectory* FindDirectory(int32 Folder);
+	int32 FindDirectory(int32 Folder);
 	int32 FindOrAddDirectory(const FString& Path);
+	/** Appends as many as there is room for below the cap and returns their number. */
+	int32 AppendPaths(FAssetPathView::FRange Hits, int32 Cap, TArray<FString>& Out) const;
 	void Record(const char* Reason);
-	FString GetObjectPath(int32 Asset) const;
+
+	static constexpr int32 Unknown = -2; // of a folder's directory; INDEX_NONE: it was refused
 
 	const FAssetPathView& Paths;
 	FAssetPathSearchResult& Result;
@@ -88,42 +84,9 @@ private:
 	const int32 MaxDirectories;
 	const int32 MaxPerDirectory;
 	TArray<FDirectory> Directories;
-	TMap<FString, int32> DirectoryByPath;				// two spellings of a folder share one
-	std::unordered_map<int32, int32> DirectoryOfFolder; // INDEX_NONE: refused
-	int32 LastFolder = INDEX_NONE;						// neighbouring hits mostly lie in one folder
-	int32 LastDirectory = INDEX_NONE;
+	TMap<FString, int32> DirectoryByPath; // two spellings of a folder share one
+	std::vector<int32> DirectoryOfFolder; // from the first refusal on, when many folders may follow
 };
-
-FString FHitCollector::GetObjectPath(int32 Asset) const
-{
-	FString Path;
-	Paths.AppendObjectPath(Asset, Path);
-	return Path;
-}
-
-void FHitCollector::Record(const char* Reason)
-{
-	Result.bTruncated = true;
-	if (!Result.TruncationReasons.Contains(Reason))
-		Result.TruncationReasons.Add(Reason);
-}
-
-void FHitCollector::AddToFiles(int32 Asset)
-{
-	if (Result.Files.Num() < MaxFiles)
-		Result.Files.Add(GetObjectPath(Asset));
-	else
-		Record("max_file_results");
-}
-
-void FHitCollector::AddToDirectory(int32 Asset)
-{
-	FDirectory* const Directory = FindDirectory(Paths.GetFolder(Asset));
-	if (Directory && Directory->Files.Num() < MaxPerDirectory)
-		return Directory->Files.Add(GetObjectPath(Asset)), void();
-	Result.bDirectoriesTruncated = true;
-	Record(Directory ? "files_per_dir_cap" : "dir_bucket_cap");
-}
 
 int32 FHitCollector::FindOrAddDirectory(const FString& Path)
 {
@@ -134,18 +97,56 @@ int32 FHitCollector::FindOrAddDirectory(const FString& Path)
 	return DirectoryByPath.Add(Path, Directories.Add({Path, {}}));
 }
 
-/** Null when there is no room for another directory. */
-FHitCollector::FDirectory* FHitCollector::FindDirectory(int32 Folder)
+/** INDEX_NONE when there is no room for another directory. */
+int32 FHitCollector::FindDirectory(int32 Folder)
 {
-	if (Folder != LastFolder)
+	const auto Place = static_cast<std::size_t>(Folder);
+	if (!DirectoryOfFolder.empty() && DirectoryOfFolder[Place] != Unknown)
+		return DirectoryOfFolder[Place];
+	const int32 Directory = FindOrAddDirectory(Paths.GetFolderPath(Folder));
+	if (Directory == INDEX_NONE && DirectoryOfFolder.empty())
+		DirectoryOfFolder.resize(static_cast<std::size_t>(Paths.NumFolders()), Unknown);
+	if (!DirectoryOfFolder.empty())
+		DirectoryOfFolder[Place] = Directory;
+	return Directory;
+}
+
+int32 FHitCollector::AppendPaths(FAssetPathView::FRange Hits, int32 Cap, TArray<FString>& Out) const
+{
+	const int32 NumAppended = std::min(Hits.Num(), Cap - Out.Num());
+	for (int32 Asset = Hits.Begin; Asset < Hits.Begin + NumAppended; ++Asset)
 	{
-		LastFolder = Folder;
-		const auto [Known, bNew] = DirectoryOfFolder.try_emplace(Folder, INDEX_NONE);
-		if (bNew)
-			Known->second = FindOrAddDirectory(Paths.GetFolderPath(Folder));
-		LastDirectory = Known->second;
+		FString Path;
+		Paths.AppendObjectPath(Asset, Path);
+		Out.Add(std::move(Path));
 	}
-	return LastDirectory == INDEX_NONE ? nullptr : &Directories[LastDirectory];
+	return NumAppended;
+}
+
+void FHitCollector::Record(const char* Reason)
+{
+	Result.bTruncated = true;
+	if (Result.TruncationReasons.Num() < 3 && !Result.TruncationReasons.Contains(Reason))
+		Result.TruncationReasons.Add(Reason);
+}
+
+void FHitCollector::Add(FAssetPathView::FRange Hits)
+{
+	Result.TotalHits += Hits.Num();
+	const int32 NumFiles = AppendPaths(Hits, MaxFiles, Result.Files);
+	const int32 Directory = FindDirectory(Paths.GetFolder(Hits.Begin));
+	const int32 NumInDirectory = Directory == INDEX_NONE ? 0 : AppendPaths(Hits, MaxPerDirectory, Directories[Directory].Files);
+
+	// Hit for hit the list comes before the directory, so its cap is met first where both refuse the same one.
+	if (NumFiles < Hits.Num() && NumFiles <= NumInDirectory)
+		Record("max_file_results");
+	if (NumInDirectory < Hits.Num())
+	{
+		Result.bDirectoriesTruncated = true;
+		Record(Directory == INDEX_NONE ? "dir_bucket_cap" : "files_per_dir_cap");
+	}
+	if (NumFiles < Hits.Num())
+		Record("max_file_results");
 }
 
 void FHitCollector::Finish()
@@ -176,15 +177,26 @@ void UAssetSearchService::AssetPathSearch(const FAssetPathSearchParams& Params, 
 	TAnswers IsOfClass(ClassFilters.IsEmpty() ? 0 : Paths.NumClasses(),
 		[&](int32 Class) { return PassesClassFilters(Paths.GetClassPath(Class), ClassFilters); });
 	FHitCollector Hits(Params, Paths, Result);
+	const auto AddFolder = [&](FAssetPathView::FRange Range)
+	{
+		if (!Params.PathContains.IsEmpty() && !IsInFolder(Paths.GetFolder(Range.Begin)))
+			return;
+		if (ClassFilters.IsEmpty())
+			return Hits.Add(Range);
+		for (int32 Asset = Range.Begin; Asset < Range.End; ++Asset)
+		{
+			if (IsOfClass(Paths.GetClass(Asset)))
+				Hits.Add({Asset, Asset + 1});
+		}
+	};
 	Paths.Find({.Text = Params.Term, .bExact = Params.MatchMode == 1, .Case = Case},
 		[&](FAssetPathView::FRange Range)
 		{
-			for (int32 Asset = Range.Begin; Asset < Range.End; ++Asset)
+			while (Range.Begin < Range.End)
 			{
-				const bool bPasses = (Params.PathContains.IsEmpty() || IsInFolder(Paths.GetFolder(Asset))) &&
-					(ClassFilters.IsEmpty() || IsOfClass(Paths.GetClass(Asset)));
-				if (bPasses)
-					Hits.Add(Asset);
+				const int32 End = Paths.FindEndOfFolder(Range);
+				AddFolder({Range.Begin, End});
+				Range.Begin = End;
 			}
 		});
 	Hits.Finish();

@@ -2,7 +2,7 @@
 
 #include "Console/ExploreAssetGraphCommand.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
-#include "ToolEntry.h"
+#include "Quellar/ToolEntry.h"
 
 void FQuellarModule::StartupModule()
 {

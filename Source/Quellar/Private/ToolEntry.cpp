@@ -1,4 +1,4 @@
-#include "ToolEntry.h"
+#include "Quellar/ToolEntry.h"
 
 #include "Quellar/AssetGraphOperation.h"
 #include "Quellar/AssetSearchOperation.h"

@@ -3,6 +3,8 @@
 #include "PathSearch.h"
 #include "RegistrySnapshot.h"
 
+#include <algorithm>
+
 namespace
 {
 uint32 ToRow(int32 Index)
@@ -50,6 +52,17 @@ int32 FAssetPathView::GetFolder(int32 Asset) const
 FStringView FAssetPathView::GetFolderPath(int32 Folder) const
 {
 	return Snapshot->Image->GetTables().GetText(EZone::Folders, ToRow(Folder));
+}
+
+int32 FAssetPathView::FindEndOfFolder(FRange Assets) const
+{
+	const FRegistryTables& Tables = Snapshot->Image->GetTables();
+	const uint32 End = Tables.AssetPackages[ToRow(Assets.End - 1)];
+	uint32 Package = Tables.AssetPackages[ToRow(Assets.Begin)];
+	const uint32 Folder = Tables.PackageFolders[Package];
+	while (Package <= End && Tables.PackageFolders[Package] == Folder)
+		++Package;
+	return std::min(Assets.End, ToIndex(Tables.FirstAssets[Package]));
 }
 
 int32 FAssetPathView::NumClasses() const

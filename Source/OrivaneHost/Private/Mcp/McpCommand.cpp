@@ -7,6 +7,7 @@
 #include "Mcp/McpStdio.h"
 #include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "PathSearchTool.h"
 
 #include <atomic>
 #include <csignal>
@@ -122,6 +123,8 @@ int RunMcp(const FMcpArguments& Arguments)
 	FMcpStdio Stdio(STDIN_FILENO, Output);
 	const FSignalRoute Signals(Stdio);
 	const FHeadlessEngine Engine;
+	if (Arguments.bPathSearch)
+		RegisterPathSearchTool();
 	const auto Host =
 		MakeShared<FMcpProjectHost>(FOrivaneToolkitModule::GetToolExecutor(), ToMilliseconds(Arguments.TimeLimitSeconds));
 	const auto Server = MakeShared<FMcpServer>(Host,

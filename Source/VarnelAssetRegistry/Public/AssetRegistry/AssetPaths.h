@@ -45,6 +45,8 @@ public:
 	int32 NumFolders() const;
 	int32 GetFolder(int32 Asset) const;
 	FStringView GetFolderPath(int32 Folder) const;
+	/** Behind the assets at the start of a range, which is not empty, that lie in the folder of its first one. */
+	int32 FindEndOfFolder(FRange Assets) const;
 
 	int32 NumClasses() const;
 	int32 GetClass(int32 Asset) const;

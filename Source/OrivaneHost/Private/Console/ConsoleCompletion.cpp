@@ -1,0 +1,113 @@
+#include "Console/ConsoleCompletion.h"
+
+#include "Core/Console.h"
+#include "Quellar/AssetRegistryUtils.h"
+#include "Quellar/AssetSearchService.h"
+#include "Quellar/ConsoleSearch.h"
+
+#include <algorithm>
+
+namespace
+{
+/** Those that begin with what was typed, whatever the case, each once. */
+void AddMatching(const TArray<FString>& Words, FStringView Typed, const char* Behind, TArray<FString>& Out)
+{
+	for (const FString& Word : Words)
+	{
+		if (Word.StartsWith(Typed) && !Out.Contains(Word + Behind))
+			Out.Add(Word + Behind);
+	}
+}
+
+TArray<FString> GetCommandNames()
+{
+	TArray<FString> Names;
+	for (const auto& Command : IConsoleManager::Get().GetConsoleCommands())
+		Names.Add(Command->Name);
+	return Names;
+}
+
+TArray<FString> GetCommandWords(const FString& Command)
+{
+	if (Command == "Orivane.ExploreAssetGraph")
+		return {"asset=", "relation=", "depth=", "max_nodes=", "max_fanout="};
+	return FConsoleSearches::GetWords(Command);
+}
+
+/** The next step below each folder that begins with what was typed: "/Game/U" gives "/Game/UI/". */
+void AddFolders(FStringView Typed, TArray<FString>& Out)
+{
+	const FAssetPathView Paths = OrivaneAssetRegistryUtils::GetAssetRegistry()->GetAssetPaths();
+	for (int32 Folder = 0; Folder < Paths.NumFolders(); ++Folder)
+	{
+		const FString Path = FString(Paths.GetFolderPath(Folder)) + "/";
+		if (!Path.StartsWith(Typed) || Path.View().size() <= Typed.size())
+			continue;
+		const std::size_t Slash = Path.View().find('/', std::max<std::size_t>(Typed.size(), 1));
+		if (FString Step(Path.View().substr(0, Slash + 1)); Out.IsEmpty() || Out.Last() != Step)
+			Out.Add(std::move(Step));
+	}
+}
+
+void AddPackages(FStringView Typed, TArray<FString>& Out)
+{
+	const std::size_t Slash = Typed.rfind('/');
+	if (Slash == FStringView::npos || Slash == 0)
+		return;
+	FARFilter Filter;
+	Filter.PackagePaths = {FName(Typed.substr(0, Slash))};
+	TArray<FString> Packages;
+	OrivaneAssetRegistryUtils::GetAssetRegistry()->EnumerateAssets(Filter,
+		[&](const FAssetData& Asset)
+		{
+			if (FString Package = Asset.PackageName.ToString(); Packages.IsEmpty() || Packages.Last() != Package)
+				Packages.Add(std::move(Package));
+			return true;
+		});
+	AddMatching(Packages, Typed, " ", Out);
+}
+
+/** Values of one word; where a word takes a list, of its last element. */
+FLineCompletion CompleteValue(const FString& Word, std::size_t Equals, int32 WordStart)
+{
+	const FString Key(Word.View().substr(0, Equals + 1));
+	FStringView Typed = Word.View().substr(Equals + 1);
+	const bool bList = Key == "families=";
+	if (const std::size_t Comma = Typed.rfind(','); bList && Comma != FStringView::npos)
+		Typed.remove_prefix(Comma + 1);
+	if (Typed.starts_with('"'))
+		Typed.remove_prefix(1);
+	FLineCompletion Completion{.Start = WordStart + Word.NumBytes() - static_cast<int32>(Typed.size()), .Candidates = {}};
+	if (bList)
+		AddMatching(UAssetSearchService::GetFamilyNames(), Typed, "", Completion.Candidates);
+	else if (Key == "relation=")
+		AddMatching({"Dependencies", "Referencers", "Both"}, Typed, " ", Completion.Candidates);
+	else if (Key == "exact=")
+		AddMatching({"true", "false"}, Typed, " ", Completion.Candidates);
+	else if (Key == "path=" || Key == "asset=")
+		AddFolders(Typed, Completion.Candidates);
+	if (Key == "asset=")
+		AddPackages(Typed, Completion.Candidates);
+	return Completion;
+}
+}
+
+FLineCompletion CompleteConsoleLine(const FString& Line, const TArray<FString>& OwnWords)
+{
+	const std::size_t Blank = Line.View().find_last_of(" \t");
+	const std::size_t Start = Blank == FStringView::npos ? 0 : Blank + 1;
+	const FString Word(Line.View().substr(Start));
+	const TArray<FString> Before = IConsoleManager::SplitWords(Line.View().substr(0, Start));
+	FLineCompletion Completion{.Start = static_cast<int32>(Start), .Candidates = {}};
+	if (Before.IsEmpty())
+		AddMatching(OwnWords, Word, " ", Completion.Candidates);
+	if (Before.IsEmpty() || Before[0] == "help")
+	{
+		AddMatching(GetCommandNames(), Word, " ", Completion.Candidates);
+		return Completion;
+	}
+	if (const std::size_t Equals = Word.View().find('='); Equals != FStringView::npos)
+		return CompleteValue(Word, Equals, static_cast<int32>(Start));
+	AddMatching(GetCommandWords(Before[0]), Word, "", Completion.Candidates);
+	return Completion;
+}

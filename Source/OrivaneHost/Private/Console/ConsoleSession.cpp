@@ -1,0 +1,177 @@
+#include "Console/ConsoleSession.h"
+
+#include "Core/Console.h"
+#include "Core/File.h"
+#include "Core/Tasks.h"
+#include "NearestWord.h"
+#include "OrivaneHost/Program.h"
+#include "Terminal.h"
+#include "ToolOutput.h"
+
+#include <algorithm>
+
+namespace
+{
+constexpr int32 MaxListed = 10; // assets named on the screen; the file holds all
+
+FString DescribeCounts(const TMap<FString, int32>& Counts)
+{
+	FString Text;
+	for (const auto& [Name, Number] : Counts)
+		Text += FString(Text.IsEmpty() ? "" : ", ") + Terminal::Sanitize(Name) + " " + FString::FromInt(Number);
+	return Text;
+}
+
+FString MakeRelativeToProject(const FString& File)
+{
+	const FString& Folder = FPaths::ProjectDir();
+	return File.StartsWith(Folder, ESearchCase::CaseSensitive) ? File.Mid(Folder.Len()) : File;
+}
+
+/** "3 asset(s), 5 hit(s): RowCount 2, ColumnName 3", then the first assets. */
+FString Summarize(const FAssetSearchResult& Found)
+{
+	TMap<FString, int32> Kinds;
+	int32 NumHits = 0;
+	for (const FAssetResult& Asset : Found.Results)
+	{
+		for (const FAssetHit& Hit : Asset.Hits)
+			++Kinds.FindOrAdd(Hit.Kind);
+		NumHits += Asset.Hits.Num();
+	}
+	FString Text = FString::Printf("%d asset(s), %d hit(s)", Found.Results.Num(), NumHits);
+	Text += FString(Kinds.IsEmpty() ? "" : ": ") + DescribeCounts(Kinds) +
+		(Found.bTruncated ? " (more were left out; raise max=)\n" : "\n");
+	for (int32 Index = 0; Index < std::min(Found.Results.Num(), MaxListed); ++Index)
+	{
+		const FAssetResult& Asset = Found.Results[Index];
+		Text += FString("  ") + Terminal::Sanitize(Asset.AssetPath) + "  " + Terminal::Sanitize(Asset.AssetClass) +
+			FString::Printf("  %d hit(s)\n", Asset.Hits.Num());
+	}
+	if (Found.Results.Num() > MaxListed)
+		Text += FString::Printf("  and %d more in the file\n", Found.Results.Num() - MaxListed);
+	return Text;
+}
+
+bool HasTerm(const TArray<FString>& Words)
+{
+	return Words.ContainsByPredicate(
+		[](const FString& Word) { return Word.StartsWith("term=") && !Word.Mid(5).TrimQuotes().IsEmpty(); });
+}
+}
+
+// Words that need the host come here: a row each, and its function.
+const FConsoleSession::FOwnWord FConsoleSession::OwnWords[] = {
+	{"help", "List the commands, or describe one: help Orivane.AssetSearch", &FConsoleSession::RunHelp},
+	{"exit", "Leave the console (also Ctrl-D)", &FConsoleSession::RunExit},
+};
+
+FConsoleSession::FConsoleSession(std::chrono::milliseconds InTimeLimit) : TimeLimit(InTimeLimit)
+{
+	FConsoleSearches::SetOnFinished([this](const FConsoleSearches::FReport& Report) { OnSearchFinished(Report); });
+}
+
+FConsoleSession::~FConsoleSession()
+{
+	FConsoleSearches::SetOnFinished({});
+}
+
+TArray<FString> FConsoleSession::GetOwnWords()
+{
+	TArray<FString> Names;
+	for (const FOwnWord& Word : OwnWords)
+		Names.Add(Word.Name);
+	return Names;
+}
+
+int FConsoleSession::Run(const FString& Line)
+{
+	TArray<FString> Words = IConsoleManager::SplitWords(Line);
+	if (Words.IsEmpty() || Words[0].View().starts_with('#'))
+		return EExitCode::Found;
+	for (const FOwnWord& Own : OwnWords)
+	{
+		if (Words[0] != Own.Name)
+			continue;
+		Words.RemoveAt(0);
+		return (this->*Own.Run)(Words);
+	}
+	return RunCommand(Line, Words);
+}
+
+int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Words)
+{
+	const int32 NumBefore = FConsoleSearches::NumStarted();
+	const auto Start = std::chrono::steady_clock::now();
+	if (!IConsoleManager::Get().ProcessUserConsoleInput(Line))
+	{
+		std::vector<std::string> Known;
+		for (const auto& Command : IConsoleManager::Get().GetConsoleCommands())
+			Known.push_back(Command->Name.ToStdString());
+		const std::string Nearest = FindNearestWord(Words[0].ToStdString(), Known);
+		Terminal::PrintError(FString("there is no command '") + Terminal::Sanitize(Words[0]) + "'" +
+			(Nearest.empty() ? FString() : FString(", did you mean '") + Nearest + "'?") + "; see: help\n");
+		return EExitCode::WrongUse;
+	}
+	if (FConsoleSearches::NumStarted() > NumBefore)
+		return WaitForSearch(FConsoleSearches::NumStarted(), Words);
+	const std::chrono::duration<double, std::milli> Elapsed = std::chrono::steady_clock::now() - Start;
+	Terminal::Print(FString::Printf("done (%.1f ms)\n", Elapsed.count()));
+	return EExitCode::Found;
+}
+
+int FConsoleSession::WaitForSearch(int32 Number, const TArray<FString>& Words)
+{
+	if (FGameThread::Get().RunUntil([&] { return LastFinished == Number; }, TimeLimit, Interrupt::GetToken()))
+		return LastExitCode;
+	if (Interrupt::IsRequested())
+		return EExitCode::Interrupted;
+	const double Seconds = std::chrono::duration<double>(TimeLimit).count();
+	FString Text =
+		FString("the search did not complete within ") + FString::SanitizeFloat(Seconds, 0) + " s; nothing was written";
+	Text += HasTerm(Words) ? "; allow more time with --time-limit"
+						   : "; a search of Blueprints never ends with an empty term: give term=, or families= without Blueprint";
+	Terminal::PrintError(Text + "\n");
+	return EExitCode::NotFound;
+}
+
+void FConsoleSession::OnSearchFinished(const FConsoleSearches::FReport& Report)
+{
+	LastFinished = Report.Number;
+	LastExitCode = Report.Found.Results.IsEmpty() ? EExitCode::NotFound : EExitCode::Found;
+	const FString File = Terminal::Sanitize(MakeRelativeToProject(Report.File));
+	if (!Report.bWritten)
+	{
+		LastExitCode = EExitCode::WrongUse;
+		Terminal::PrintError(FString("cannot write ") + File + "\n");
+	}
+	Terminal::Print((Report.bWritten ? File + "\n" : FString()) + Summarize(Report.Found));
+}
+
+int FConsoleSession::RunHelp(const TArray<FString>& Args)
+{
+	if (!Args.IsEmpty())
+	{
+		const auto Command = IConsoleManager::Get().FindConsoleCommand(Args[0]);
+		if (!Command)
+		{
+			Terminal::PrintError(FString("there is no command '") + Terminal::Sanitize(Args[0]) + "'; see: help\n");
+			return EExitCode::WrongUse;
+		}
+		Terminal::Print(Command->Name + "\n  " + Command->Help + "\n");
+		return EExitCode::Found;
+	}
+	FString Text;
+	for (const auto& Command : IConsoleManager::Get().GetConsoleCommands())
+		Text += ToolOutput::Pad(Command->Name, 28) + Command->Help + "\n";
+	for (const FOwnWord& Word : OwnWords)
+		Text += ToolOutput::Pad(Word.Name, 28) + Word.Help + "\n";
+	Terminal::Print(Text);
+	return EExitCode::Found;
+}
+
+int FConsoleSession::RunExit(const TArray<FString>&)
+{
+	bOver = true;
+	return EExitCode::Found;
+}

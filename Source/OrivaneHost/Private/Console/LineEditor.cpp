@@ -1,0 +1,148 @@
+#include "Console/LineEditor.h"
+
+#include "Core/Unicode.h"
+#include "Terminal.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <histedit.h>
+#include <langinfo.h>
+
+namespace
+{
+constexpr int MaxHistory = 1000;
+constexpr int32 MaxListed = 60; // candidates shown when several fit
+
+char* GetPrompt(EditLine*)
+{
+	static char Prompt[] = "orivane> ";
+	return Prompt;
+}
+
+/** The editor counts characters by the locale; names in projects are UTF-8. */
+void UseUtf8()
+{
+	if (FStringView(nl_langinfo(CODESET)) != "UTF-8")
+		std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+/** What all candidates begin with, in the spelling of the first. */
+FStringView GetCommonStart(const TArray<FString>& Candidates)
+{
+	FStringView Common = Candidates[0];
+	for (const FString& Candidate : Candidates)
+	{
+		while (!Candidate.StartsWith(Common))
+		{
+			do
+				Common.remove_suffix(1);
+			while (!Unicode::IsValidUtf8(Common));
+		}
+	}
+	return Common;
+}
+
+void ListCandidates(const TArray<FString>& Candidates)
+{
+	FString Text = "\n";
+	for (int32 Index = 0; Index < std::min(Candidates.Num(), MaxListed); ++Index)
+		Text += FString("  ") + Terminal::Sanitize(Candidates[Index]) + "\n";
+	if (Candidates.Num() > MaxListed)
+		Text += FString::Printf("  and %d more\n", Candidates.Num() - MaxListed);
+	Terminal::Print(Text);
+}
+}
+
+struct FLineEditor::FState
+{
+	static unsigned char Complete(EditLine* Editor, int);
+	static unsigned char Drop(EditLine* Editor, int);
+
+	FString HistoryFile;
+	FCompleter Completer;
+	EditLine* Editor = nullptr;
+	History* Lines = nullptr;
+	HistEvent Event = {};
+};
+
+unsigned char FLineEditor::FState::Complete(EditLine* Editor, int)
+{
+	FState* This = nullptr;
+	el_get(Editor, EL_CLIENTDATA, &This);
+	const LineInfo* const Info = el_line(Editor);
+	const FString Line = FString::FromExternal(FStringView(Info->buffer, static_cast<std::size_t>(Info->cursor - Info->buffer)));
+	const FLineCompletion Completion = This->Completer(Line);
+	if (Completion.Candidates.IsEmpty())
+		return CC_REFRESH_BEEP;
+	const FStringView Typed = Line.View().substr(static_cast<std::size_t>(Completion.Start));
+	const FString Common = GetCommonStart(Completion.Candidates);
+	if (Completion.Candidates.Num() > 1 && Common.View().size() <= Typed.size())
+	{
+		ListCandidates(Completion.Candidates);
+		return CC_REDISPLAY;
+	}
+	el_deletestr(Editor, Unicode::CountCodePoints(Typed));
+	el_insertstr(Editor, *Common);
+	return CC_REFRESH;
+}
+
+unsigned char FLineEditor::FState::Drop(EditLine* Editor, int)
+{
+	const LineInfo* const Info = el_line(Editor);
+	el_cursor(
+		Editor, Unicode::CountCodePoints(FStringView(Info->cursor, static_cast<std::size_t>(Info->lastchar - Info->cursor))));
+	el_deletestr(
+		Editor, Unicode::CountCodePoints(FStringView(Info->buffer, static_cast<std::size_t>(Info->lastchar - Info->buffer))));
+	el_insertstr(Editor, "\n");
+	Terminal::Print("^C\n");
+	return CC_NEWLINE;
+}
+
+FLineEditor::FLineEditor(FString InHistoryFile, FCompleter InCompleter) : State(MakeUnique<FState>())
+{
+	UseUtf8();
+	State->HistoryFile = std::move(InHistoryFile);
+	State->Completer = std::move(InCompleter);
+	State->Editor = el_init("orivane", stdin, stdout, stderr);
+	State->Lines = history_init();
+	history(State->Lines, &State->Event, H_SETSIZE, MaxHistory);
+	history(State->Lines, &State->Event, H_SETUNIQUE, 1);
+	if (!State->HistoryFile.IsEmpty())
+		history(State->Lines, &State->Event, H_LOAD, *State->HistoryFile);
+	el_set(State->Editor, EL_CLIENTDATA, State.get());
+	el_set(State->Editor, EL_PROMPT, GetPrompt);
+	el_set(State->Editor, EL_EDITOR, "emacs");
+	el_set(State->Editor, EL_HIST, history, State->Lines);
+	el_set(State->Editor, EL_ADDFN, "complete", "Complete the word", FState::Complete);
+	el_set(State->Editor, EL_ADDFN, "drop", "Drop the line", FState::Drop);
+	el_set(State->Editor, EL_BIND, "^I", "complete", nullptr);
+	el_set(State->Editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
+	el_set(State->Editor, EL_SETTY, "-d", "-isig", nullptr); // Ctrl-C drops the line while one is edited
+	el_set(State->Editor, EL_BIND, "^C", "drop", nullptr);
+	el_source(State->Editor, nullptr); // the user's own key bindings
+}
+
+FLineEditor::~FLineEditor()
+{
+	el_end(State->Editor);
+	history_end(State->Lines);
+}
+
+bool FLineEditor::ReadLine(FString& OutLine)
+{
+	int NumBytes = 0;
+	const char* const Bytes = el_gets(State->Editor, &NumBytes);
+	if (!Bytes || NumBytes <= 0)
+	{
+		Terminal::Print("\n");
+		return false;
+	}
+	OutLine = FString::FromExternal(FStringView(Bytes, static_cast<std::size_t>(NumBytes))).TrimStartAndEnd();
+	if (OutLine.IsEmpty())
+		return true;
+	history(State->Lines, &State->Event, H_ENTER, *OutLine);
+	if (!State->HistoryFile.IsEmpty()) // at once: a console may end in any way
+		history(State->Lines, &State->Event, H_SAVE, *State->HistoryFile);
+	return true;
+}

@@ -1,0 +1,32 @@
+#include "PathSearchTool.h"
+
+#include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "Quellar/AssetPathSearchOperation.h"
+#include "Quellar/ToolEntry.h"
+
+namespace
+{
+class FPathSearchTool final : public FToolEntry
+{
+public:
+	FPathSearchTool()
+		: FToolEntry("Find assets by a part of their path or name, grouped by folder, with exact counts. Nothing is loaded. Use "
+					 "for: finding where an asset lies, listing the assets of a folder or of a class.",
+			  R"({"operation_type": "search","data_type": "asset"})")
+	{
+	}
+
+protected:
+	void RunOperation(
+		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete) override
+	{
+		FAssetPathSearchOperation::Execute(Args, Result);
+		OnComplete.ExecuteIfBound(Result);
+	}
+};
+}
+
+void RegisterPathSearchTool()
+{
+	FOrivaneToolkitModule::GetToolExecutor()->RegisterTool("asset_path_search", MakeShared<FPathSearchTool>());
+}

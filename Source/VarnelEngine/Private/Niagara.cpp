@@ -1,6 +1,7 @@
 #include "Engine/Niagara.h"
 
 #include "CoreObject/NativeClass.h"
+#include "CoreObject/PropertyReader.h"
 
 UClass* UNiagaraRendererProperties::StaticClass()
 {
@@ -43,4 +44,15 @@ UClass* UNiagaraSystem::StaticClass()
 									 .Member("UserParameters", &UNiagaraSystem::UserParameters)
 									 .Build();
 	return Class;
+}
+
+void UNiagaraSystem::PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader)
+{
+	if (!Reader.HasListener())
+		return;
+	TSet<FName> Names;
+	for (const FJsonRef Parameter : Json.Find("UserParameters"))
+		if (const FJsonRef Name = Parameter.Find("Name"); Name.IsString() && !Names.Add(FName(Name.Text())))
+			Reader.Report(Name, EDiagnosticSeverity::Warning, "repeated-parameter",
+				FString("the system has a user parameter '") + Name.Text() + "' already");
 }

@@ -24,6 +24,13 @@ void ReportCycle(const FString& Start, const TMap<FString, FString>& ParentOf, F
 	ReportAt(Start, Diagnostics, EDiagnosticSeverity::Error, "parent-cycle",
 		"parents of a material instance lead back to it: " + Line + " -> " + Start);
 }
+
+void ReportLongLine(const FString& Instance, FDiagnosticSink& Diagnostics)
+{
+	ReportAt(Instance, Diagnostics, EDiagnosticSeverity::Warning, "long-parents",
+		FString::Printf("a material instance has more than %d parents above it; parameters of those beyond are not seen",
+			UMaterialInterface::MaxParents));
+}
 }
 
 void FParentCheck::Add(const UPackage& Package)
@@ -37,29 +44,23 @@ void FParentCheck::Add(const UPackage& Package)
 
 void FParentCheck::Report(FDiagnosticSink& Diagnostics) const
 {
-	constexpr int32 MaxParents = UMaterialInterface::MaxParents;
-	TMap<FString, int32> NumParents; // of those that are settled; a cycle counts as none
+	TMap<FString, int32> NumParents; // of objects that are settled; in a cycle, none
 	for (const auto& [First, FirstParent] : ParentOf)
 	{
-		TSet<FString> Met;
-		TArray<const FString*> Line;
+		TSet<FString> Line;
 		const FString* Next = &First;
-		for (; Next && !NumParents.Contains(*Next) && Met.Add(*Next); Next = ParentOf.Find(*Next))
-			Line.Add(Next);
-		const bool bCycle = Next && Met.Contains(*Next);
+		while (Next && !NumParents.Contains(*Next) && Line.Add(*Next))
+			Next = ParentOf.Find(*Next);
+		const int32* Above = Next ? NumParents.Find(*Next) : nullptr;
+		const bool bCycle = Next && !Above;
 		if (bCycle)
 			ReportCycle(*Next, ParentOf, Diagnostics);
-		const int32* Above = Next ? NumParents.Find(*Next) : nullptr;
-		int32 Count = Above ? *Above + 1 : 1;
-		for (; !Line.IsEmpty(); ++Count)
+		int32 Count = (Above ? *Above : -1) + Line.Num();
+		for (const FString& Object : Line)
 		{
-			const FString& Instance = *Line.Pop();
-			NumParents.Add(Instance, bCycle ? 0 : Count);
-			if (!bCycle && Count == MaxParents + 1)
-				ReportAt(Instance, Diagnostics, EDiagnosticSeverity::Warning, "long-parents",
-					FString::Printf(
-						"a material instance has more than %d parents above it; parameters of those beyond are not seen",
-						MaxParents));
+			NumParents.Add(Object, bCycle ? 0 : Count);
+			if (!bCycle && Count-- == UMaterialInterface::MaxParents + 1)
+				ReportLongLine(Object, Diagnostics);
 		}
 	}
 }

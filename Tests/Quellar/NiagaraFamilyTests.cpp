@@ -125,7 +125,8 @@ TEST(NiagaraFamily, SurvivesWhatIsFaulty)
 		.Handle("Wrong", R"("NS_Odd")")
 		.EffectType("NS_Odd:Nothing")
 		.UserParameter("User.A", "/Script/Test.Gone")
-		.UserParameter("User.A");
+		.UserParameter("User.A")
+		.UserParameter("User.B", "/Game/NS_Mesh.NS_Mesh");
 	Project.Asset(
 		"/Game/NS_Mesh", "/Script/Engine.NiagaraSystem", R"({"path": "NS_Mesh", "class": "/Script/Engine.StaticMesh"})");
 	Project.Open();
@@ -133,9 +134,9 @@ TEST(NiagaraFamily, SurvivesWhatIsFaulty)
 	Load("/Game/NS_Odd");
 	Load("/Game/NS_Mesh");
 	EXPECT_EQ(Render(Project.Search("NiagaraSystem", "")),
-		"NS_Odd: EffectType Nothing @Niagara; EmitterName Away @Niagara/Emitter; EmitterName Gone @Niagara/Emitter; EmitterName "
+		"NS_Odd: EmitterName Away @Niagara/Emitter; EmitterName Gone @Niagara/Emitter; EmitterName "
 		"Wrong @Niagara/Emitter; UserParamName User.A @Niagara/UserParameters x2; UserParamType Invalid @Niagara/UserParameters "
-		"x2");
+		"x3; UserParamName User.B @Niagara/UserParameters");
 	Load("/Game/NS_Heavy");
 	EXPECT_EQ(Render(Project.Search("NiagaraSystem", "R999")),
 		"NS_Heavy: RendererName R999 @Niagara/Renderer x100 | NS_Odd: RendererName R999 @Niagara/Renderer")

@@ -39,8 +39,9 @@ struct FNiagaraUserParameter
 	static UScriptStruct* StaticStruct();
 
 	FName GetName() const { return Name; }
-	/** Name of the class or structure that the type refers to, None for plain numbers and the like. Loads nothing. */
-	FName GetTypeName() const { return Type.GetFName(); }
+	/** Name of the class or structure that the type refers to, None for plain numbers and the like. Loads nothing: what is not in
+	 * memory is taken at its word. */
+	FName GetTypeName() const;
 
 	FName Name;
 	TObjectPtr<UStruct> Type;
@@ -54,8 +55,8 @@ public:
 
 	/** Null where the system has none. */
 	UObject* GetEffectType() const { return EffectType; }
-	/** Its name, None where the system has none. Loads nothing. */
-	FName GetEffectTypeName() const { return EffectType.GetFName(); }
+	/** Its name, None where the system has none. Loads nothing: what is not in memory is taken at its word. */
+	FName GetEffectTypeName() const;
 	const TArray<FNiagaraEmitterHandle>& GetEmitterHandles() const { return EmitterHandles; }
 	const TArray<FNiagaraUserParameter>& GetUserParameters() const { return UserParameters; }
 

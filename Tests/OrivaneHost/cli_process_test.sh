@@ -72,6 +72,17 @@ expect "info counts" 0 'packages' "$orivane" info --project "$project"
 expect "info as JSON" 0 '^\{"name":"Lantern"' "$orivane" info --json --project "$project"
 expect "the sample is clean" 0 '0 error' "$orivane" check --project "$project"
 
+expect "material names, read from the registry" 0 '^  AssetName +MI_Brick +Material$' "$orivane" search MI_Brick -f Material -p "$project"
+expect "a class that is not known leaves no blanks" 0 '^/Game/Materials/MI_Brick$' "$orivane" search MI_Brick -f Material -p "$project"
+sed -i 's/SearchMode=0/SearchMode=1/' "$project/Config/DefaultGame.ini"
+expect "material parameters, loaded" 0 'ScalarParameter +Wetness' "$orivane" search Wetness -f Material -p "$project"
+expect "systems that nobody loaded" 1 '0 asset' "$orivane" search Sparks -f NiagaraSystem -p "$project"
+expect "systems in memory" 0 'EmitterName +Sparks' "$orivane" search Sparks -f NiagaraSystem -p "$project" --preload /Game/FX
+expect "every command brings packages into memory" 0 '"preloaded":6' "$orivane" info --json -p "$project" --preload /Game/FX
+expect "a path that is not there" 2 "preload: the project has no package or folder '/Game/Fx/NS_X'" \
+	"$orivane" call asset_search '{"term":"x"}' -p "$project" --preload /Game/Fx/NS_X
+expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game
+
 mkdir -p "$project/Content/Broken"
 printf '{"varnel_package": 1, "assets": [' >"$project/Content/Broken/Cut.vasset"
 printf '{"varnel_package": 2, "assets": []}' >"$project/Content/Broken/Version.vasset"

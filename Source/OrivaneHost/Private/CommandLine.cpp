@@ -32,6 +32,7 @@ constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
   orivane search "float" --family DataTable
   orivane search Lantern --exact --case-sensitive --path /Game/Data
+  orivane search Sparks --family NiagaraSystem --preload /Game/FX
   orivane search Stamina --json | jq '.assets[].asset')";
 
 constexpr const char* GraphExamples = R"(ASSET is a long package name, an object path, or the file of a package.
@@ -111,6 +112,10 @@ CLI::Option* AddSeconds(CLI::App& App, const char* Name, double& Out, const char
 void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 {
 	AddText(App, "-p,--project", Out.Path, "Project folder, or its *.uproject")->type_name("DIR");
+	AddTexts(App, "--preload", Out.Preload,
+		"Keep in memory from the start: a package, an object's package, or a folder such as /Game/FX with all below it (may be "
+		"repeated). Particle systems are read in depth only there")
+		->type_name("PATH");
 	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
 	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
 		->check(CLI::Range(0, 1024))

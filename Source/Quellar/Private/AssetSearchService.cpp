@@ -1,6 +1,8 @@
 #include "Quellar/AssetSearchService.h"
 
 #include "Families/DataTableFamily.h"
+#include "Families/MaterialFamily.h"
+#include "Families/NiagaraFamily.h"
 #include "Families/TextFamily.h"
 #include "Quellar/AssetRegistryUtils.h"
 
@@ -21,6 +23,8 @@ struct FFamily
 constexpr FFamily Families[] = {
 	{"Text", SearchTextFiles},
 	{"DataTable", SearchDataTables},
+	{"NiagaraSystem", SearchNiagaraSystems},
+	{"Material", SearchMaterials},
 };
 
 struct FFamilySearchTask

@@ -113,8 +113,7 @@ void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 {
 	AddText(App, "-p,--project", Out.Path, "Project folder, or its *.uproject")->type_name("DIR");
 	AddTexts(App, "--preload", Out.Preload,
-		"Keep in memory from the start: a package, an object's package, or a folder such as /Game/FX with all below it (may be "
-		"repeated). Particle systems are read in depth only there")
+		"Bring into memory first: a package, an object's package, or all below a folder (/Game/FX)")
 		->type_name("PATH");
 	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
 	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")

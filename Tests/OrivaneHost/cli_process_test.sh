@@ -77,6 +77,8 @@ expect "a console command writes its file" 0 'Saved/Quellar/datatable_search\.js
 grep -q '"asset_path": "/Game/Data/Tables/DT_Enemies.DT_Enemies"' "$project/Saved/Quellar/datatable_search.json" ||
 	{ echo "FAILED: the file of a console command"; failures=$((failures + 1)); }
 expect "a console command that finds nothing" 1 '0 asset' "$orivane" console -c 'Orivane.EnumSearch term=NoSuchWord' -p "$project"
+expect "a console loads packages" 0 '1 package\(s\) in memory' "$orivane" console -c 'load /Game/AI/BT_Guard' -p "$project"
+expect "a console unloads packages" 0 'package\(s\) removed' "$orivane" console -c 'load /Game/AI' -c 'unload /Game/AI' -p "$project"
 expect "several console commands, one of them unknown" 2 "no command 'Orivane.TextSerch', did you mean 'Orivane.TextSearch'" \
 	"$orivane" console -c 'help' -c 'Orivane.TextSerch term=x' -p "$project"
 printf '# a script\norivane.textsearch term="Health"\nexit\nnonsense\n' | "$orivane" console -p "$project" 2>&1 | grep -q 'text_search\.json' ||
@@ -88,6 +90,17 @@ expect "two descriptors" 3 'more than one' "$orivane" info --project "$scratch/t
 expect "info counts" 0 'packages' "$orivane" info --project "$project"
 expect "info as JSON" 0 '^\{"name":"Lantern"' "$orivane" info --json --project "$project"
 expect "the sample is clean" 0 '0 error' "$orivane" check --project "$project"
+
+expect "material names, read from the registry" 0 '^  AssetName +MI_Brick +Material$' "$orivane" search MI_Brick -f Material -p "$project"
+expect "a class that is not known leaves no blanks" 0 '^/Game/Materials/MI_Brick$' "$orivane" search MI_Brick -f Material -p "$project"
+sed -i 's/SearchMode=0/SearchMode=1/' "$project/Config/DefaultGame.ini"
+expect "material parameters, loaded" 0 'ScalarParameter +Wetness' "$orivane" search Wetness -f Material -p "$project"
+expect "systems that nobody loaded" 1 '0 asset' "$orivane" search Sparks -f NiagaraSystem -p "$project"
+expect "systems in memory" 0 'EmitterName +Sparks' "$orivane" search Sparks -f NiagaraSystem -p "$project" --preload /Game/FX
+expect "every command brings packages into memory" 0 '"preloaded":6' "$orivane" info --json -p "$project" --preload /Game/FX
+expect "a path that is not there" 2 "preload: the project has no package or folder '/Game/Fx/NS_X'" \
+	"$orivane" call asset_search '{"term":"x"}' -p "$project" --preload /Game/Fx/NS_X
+expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game
 
 mkdir -p "$project/Content/Broken"
 printf '{"varnel_package": 1, "assets": [' >"$project/Content/Broken/Cut.vasset"

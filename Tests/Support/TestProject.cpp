@@ -47,6 +47,30 @@ FTestTable& FTestProject::Table(const std::string& Package, const std::string& R
 	return Tables.emplace_back(Package, RowStruct);
 }
 
+FTestMaterial& FTestProject::Material(const std::string& Package, const std::string& Class)
+{
+	bOpen = false;
+	return Materials.emplace_back(Package, Class);
+}
+
+FTestMaterial& FTestProject::MaterialInstance(const std::string& Package, const std::string& ParentPackage)
+{
+	return Material(Package, "/Script/Engine.MaterialInstanceConstant").Parent(ParentPackage);
+}
+
+FTestNiagaraSystem& FTestProject::NiagaraSystem(const std::string& Package)
+{
+	bOpen = false;
+	return NiagaraSystems.emplace_back(Package);
+}
+
+FTestProject& FTestProject::Asset(const std::string& Package, const std::string& Class, const std::string& Objects)
+{
+	return File(GetPackageFile(Package),
+		R"({"varnel_package": 1, "assets": [{"name": ")" + GetShortName(Package) + R"(", "class": ")" + Class +
+			R"("}], "dependencies": [], "blueprint_index": [], "objects": [)" + Objects + "]}");
+}
+
 FTestProject& FTestProject::File(const std::string& Path, const std::string& Bytes)
 {
 	bOpen = false;
@@ -128,6 +152,10 @@ void FTestProject::Open()
 {
 	for (const FTestTable& Table : Tables)
 		WriteTable(Table);
+	for (const FTestMaterial& Described : Materials)
+		Asset(Described.GetPackage(), Described.GetClass(), Described.GetObjects());
+	for (const FTestNiagaraSystem& Described : NiagaraSystems)
+		Asset(Described.GetPackage(), Described.GetClass(), Described.GetObjects());
 	WriteScriptModule();
 	Folder.Write("Config/DefaultGame.ini", "[/Script/Quellar.QuellarSettings]\n" + SettingsLines);
 

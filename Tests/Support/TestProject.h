@@ -3,6 +3,7 @@
 #include "HeadlessEngine.h"
 #include "Quellar/AssetSearchService.h"
 #include "Support/ScratchFolder.h"
+#include "Support/TestEffects.h"
 
 #include <deque>
 #include <string>
@@ -53,6 +54,11 @@ public:
 	~FTestProject();
 
 	FTestTable& Table(const std::string& Package, const std::string& RowStruct = "");
+	FTestMaterial& Material(const std::string& Package, const std::string& Class = "/Script/Engine.Material");
+	FTestMaterial& MaterialInstance(const std::string& Package, const std::string& ParentPackage);
+	FTestNiagaraSystem& NiagaraSystem(const std::string& Package);
+	/** A package of one asset with the given elements of the list "objects". */
+	FTestProject& Asset(const std::string& Package, const std::string& Class, const std::string& Objects);
 	/** A file of the project, relative to its folder. */
 	FTestProject& File(const std::string& Path, const std::string& Bytes);
 	/** Lines of Config/DefaultGame.ini below [/Script/Quellar.QuellarSettings]. */
@@ -77,6 +83,8 @@ private:
 	FScratchFolder Folder;
 	FHeadlessEngine Engine;
 	std::deque<FTestTable> Tables;
+	std::deque<FTestMaterial> Materials;
+	std::deque<FTestNiagaraSystem> NiagaraSystems;
 	std::string SettingsLines;
 	bool bOpen = false;
 };

@@ -33,6 +33,7 @@ constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
   orivane search "float" --family DataTable
   orivane search Lantern --exact --case-sensitive --path /Game/Data
+  orivane search Sparks --family NiagaraSystem --preload /Game/FX
   orivane search Stamina --json | jq '.assets[].asset')";
 
 constexpr const char* GraphExamples = R"(ASSET is a long package name, an object path, or the file of a package.
@@ -125,6 +126,9 @@ CLI::Option* AddSeconds(CLI::App& App, const char* Name, double& Out, const char
 void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 {
 	AddText(App, "-p,--project", Out.Path, "Project folder, or its *.uproject")->type_name("DIR");
+	AddTexts(App, "--preload", Out.Preload,
+		"Bring into memory first: a package, an object's package, or all below a folder (/Game/FX)")
+		->type_name("PATH");
 	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
 	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
 		->check(CLI::Range(0, 1024))

@@ -4,6 +4,7 @@
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneSettings.h"
+#include "PackageMemory.h"
 #include "Quellar/QuellarSettings.h"
 
 #include <sys/resource.h>
@@ -66,6 +67,7 @@ TSharedPtr<FJsonObject> MakeCountsJson()
 	Counts->SetNumberField("packages", Registry.NumPackages());
 	Counts->SetNumberField("assets", Registry.NumAssets());
 	Counts->SetNumberField("dependencies", Registry.NumDependencies());
+	Counts->SetNumberField("preloaded", PackageMemory::Num());
 	auto Families = MakeShared<FJsonObject>();
 	for (const FFamilyClasses& Family : GetFamilyClasses())
 		Families->SetNumberField(Family.Family, CountAssets(Family.Classes));

@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "Core/Log.h"
+#include "PackageMemory.h"
 #include "Progress.h"
 
 #include <clocale>
@@ -42,17 +43,23 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 	WithProgress.Progress = &Progress;
 	WithProgress.Stop = Interrupt::GetToken();
 	FString Error;
-	bool bOpened = false;
+	PackageMemory::FLoaded Preloaded;
+	bool bPreloaded = false;
 	{
 		const FProgressLine Line(Progress);
-		bOpened = FProject::Open(WithProgress, Diagnostics, Error);
+		if (FProject::Open(WithProgress, Diagnostics, Error))
+			bPreloaded = PreloadPackages(WithProgress, Preloaded, Error);
 	}
-	if (!bOpened)
+	if (!bPreloaded)
 	{
-		Terminal::PrintError(FString("orivane: cannot open the project: ") + Terminal::Sanitize(Error) + "\n");
-		OutExitCode = EExitCode::NoProject;
+		const char* What = FProject::IsOpen() ? "orivane: --preload: " : "orivane: cannot open the project: ";
+		Terminal::PrintError(FString(What) + Terminal::Sanitize(Error) + "\n");
+		OutExitCode = FProject::IsOpen() ? EExitCode::WrongUse : EExitCode::NoProject;
 		return false;
 	}
+	if (Preloaded.NumFailed > 0)
+		Terminal::PrintError(FString::Printf("orivane: --preload: %d of %d package(s) cannot be loaded; see: orivane check\n",
+			Preloaded.NumFailed, Preloaded.NumPackages));
 	if (bMentionFaults && Diagnostics.NumErrors() > 0)
 		Terminal::PrintError(
 			FString::Printf("orivane: %d fault(s) in project files, what they concern is left out; see: orivane check\n",

@@ -6,6 +6,7 @@
 #include "CoreObject/Loader.h"
 #include "CoreObject/PackageName.h"
 #include "CoreObject/ScriptModule.h"
+#include "PackageMemory.h"
 #include "ProjectFiles.h"
 #include "UserFolders.h"
 
@@ -77,6 +78,12 @@ FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FStri
 	return Scan;
 }
 
+FString MakeShort(const FString& File)
+{
+	const FString& ProjectDir = FPaths::ProjectDir();
+	return File.StartsWith(ProjectDir, ESearchCase::CaseSensitive) ? File.Mid(ProjectDir.Len()) : File;
+}
+
 /** The loader's way to a package's file: the registry knows the spelling on disk. */
 TOptional<FPackageFile> LocatePackage(FName PackageName)
 {
@@ -87,10 +94,8 @@ TOptional<FPackageFile> LocatePackage(FName PackageName)
 		if (!File.StartsWith(Mount.Folder, ESearchCase::CaseSensitive))
 			continue;
 		const FString Relative = File.Mid(Mount.Folder.Len());
-		const FString& ProjectDir = FPaths::ProjectDir();
-		const bool bInProject = File.StartsWith(ProjectDir, ESearchCase::CaseSensitive);
 		return FPackageFile{
-			.FileName = bInProject ? File.Mid(ProjectDir.Len()) : File,
+			.FileName = MakeShort(File),
 			.Source = Source,
 			.Read = [Folder = Mount.Folder, Relative](std::string& Buffer, uint64 MaxBytes, std::size_t)
 			{ return FProjectFolder(Folder).Read(Relative, Buffer, MaxBytes); },
@@ -117,8 +122,30 @@ const FProjectSummary& FProject::GetSummary()
 	return GetOpenProject().Summary;
 }
 
+TArray<FName> FProject::ListPackages(const FARFilter& Filter)
+{
+	TArray<FName> Packages;
+	GetRegistry().EnumerateAssets(
+		Filter,
+		[&](const FAssetData& Asset)
+		{
+			if (Packages.IsEmpty() || !(Packages.Last() == Asset.PackageName))
+				Packages.Add(Asset.PackageName);
+			return true;
+		},
+		false);
+	return Packages;
+}
+
+FString FProject::GetPackageFileName(FName PackageName)
+{
+	const IPackageSource* Source = nullptr;
+	return MakeShort(GetRegistry().GetPackageFileName(PackageName, Source));
+}
+
 void FProject::Close()
 {
+	PackageMemory::Forget();
 	UnloadAllLoadedPackages();
 	SetPackageLocator(nullptr);
 	FRegistryScanReport Report;

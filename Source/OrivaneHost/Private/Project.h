@@ -16,7 +16,8 @@ struct FProjectOptions
 	FString Path;		   // project folder or its *.uproject; empty: look from the current folder upward
 	FString EngineContent; // folder mounted as /Engine; empty: none
 	ERegistryCache Cache = ERegistryCache::Use;
-	int32 NumThreads = 0; // 0: all processors
+	int32 NumThreads = 0;	 // 0: all processors
+	TArray<FString> Preload; // paths for PackageMemory::Load, see PreloadPackages
 	FScanProgress* Progress = nullptr;
 	std::stop_token Stop;
 };
@@ -58,4 +59,8 @@ public:
 	static const FProjectSummary& GetSummary();
 	/** Lives as long as the program; empty while no project is open. */
 	static FAssetRegistry& GetRegistry();
+	/** Packages with an asset that passes the filter, registry-filtered ones included, in registry order. */
+	static TArray<FName> ListPackages(const FARFilter& Filter = {});
+	/** The file of a package, relative to the project where it lies there, as in diagnostics; "" when there is none. */
+	static FString GetPackageFileName(FName PackageName);
 };

@@ -1,6 +1,7 @@
 #include "ProjectCheck.h"
 
 #include "CoreObject/Loader.h"
+#include "ParentCheck.h"
 #include "Project.h"
 
 #include <algorithm>
@@ -11,21 +12,6 @@ namespace
 /** Packages loaded before all are unloaded again: few enough for memory, enough that neighbours which share structures load them
  * once. */
 constexpr int32 PackagesPerRound = 512;
-
-TArray<FName> ListPackages()
-{
-	TArray<FName> Packages;
-	FProject::GetRegistry().EnumerateAssets(
-		{},
-		[&](const FAssetData& Asset)
-		{
-			if (Packages.IsEmpty() || !(Packages.Last() == Asset.PackageName))
-				Packages.Add(Asset.PackageName);
-			return true;
-		},
-		false);
-	return Packages;
-}
 
 /** Keeps memory bounded while packages are loaded one after another. */
 class FRounds
@@ -119,15 +105,16 @@ private:
 	std::vector<FForeignReference> Unsettled;
 };
 
-void LoadEveryPackage(const std::stop_token& Stop)
+void LoadEveryPackage(FParentCheck& Parents, const std::stop_token& Stop)
 {
 	FRounds Rounds;
-	for (const FName Package : ListPackages())
+	for (const FName Name : FProject::ListPackages())
 	{
 		if (Stop.stop_requested())
 			return;
 		Rounds.BeginPackage();
-		LoadPackage(Package);
+		if (const UPackage* Package = LoadPackage(Name))
+			Parents.Add(*Package);
 	}
 }
 }
@@ -137,8 +124,10 @@ void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop)
 	FReferenceCheck References(Diagnostics);
 	SetLoadDiagnostics(&Diagnostics);
 	SetReferenceListener([&References](const FForeignReference& Reference) { References.Add(Reference); });
-	LoadEveryPackage(Stop);
+	FParentCheck Parents;
+	LoadEveryPackage(Parents, Stop);
 	SetReferenceListener(nullptr);
 	SetLoadDiagnostics(nullptr);
 	References.Settle(Stop);
+	Parents.Report(Diagnostics);
 }

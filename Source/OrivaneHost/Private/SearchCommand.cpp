@@ -52,7 +52,8 @@ public:
 	void PrintAsset(const FJsonObject& Asset)
 	{
 		const FJsonArray& Hits = GetArray(Asset, "hits");
-		Out += Paint.Bold(GetText(Asset, "asset")) + "  " + Paint.Dim(GetText(Asset, "class")) + "\n";
+		const FString Class = GetText(Asset, "class"); // none for materials that were not loaded
+		Out += Paint.Bold(GetText(Asset, "asset")) + (Class.IsEmpty() ? FString() : "  " + Paint.Dim(Class)) + "\n";
 		int32 KindWidth = 0;
 		int32 NameWidth = 0;
 		for (const FJsonValue& Hit : Hits)

@@ -19,7 +19,7 @@ constexpr const char* AssetSearchInput = R"({
 	"term": {"type": "string", "description": "Text to look for in names and values. Required; an empty text matches everything."},
 	"mode": {"type": "string", "enum": ["contains", "exact"], "default": "contains", "description": "contains: the term occurs in the text; exact: the whole text equals the term."},
 	"case_sensitive": {"type": "boolean", "default": false, "description": "Whether upper and lower case differ."},
-	"include_asset_families": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Families of assets to search; empty: all."},
+	"include_asset_families": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Families of assets to search; empty: all. Material and NiagaraSystem match asset names only, unless the project's settings have them read in depth."},
 	"include_kinds": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Kinds of hits to ask for; only the widget kinds of Blueprints are selected by it."},
 	"path_contains": {"type": "string", "default": "", "description": "Only assets whose folder (for text files: whose path) contains this text, such as /Game/UI."},
 	"include_text_extensions": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Read for compatibility; the project settings' TextSearchExtensions decide which text files are searched."},

@@ -2,6 +2,8 @@
 
 #include "AssetTypeGroup.h"
 #include "Families/DataTableFamily.h"
+#include "Families/MaterialFamily.h"
+#include "Families/NiagaraFamily.h"
 #include "Families/TextFamily.h"
 #include "Quellar/AssetRegistryUtils.h"
 
@@ -22,6 +24,8 @@ struct FFamily
 constexpr FFamily Families[] = {
 	{"Text", SearchTextFiles},
 	{"DataTable", SearchDataTables},
+	{"NiagaraSystem", SearchNiagaraSystems},
+	{"Material", SearchMaterials},
 };
 
 struct FFamilySearchTask

@@ -1,7 +1,5 @@
 #include "ResolveAssetObject.h"
 
-#include "CoreObject/Loader.h"
-
 namespace
 {
 UObject* FindInPackage(const FAssetData& Asset, UPackage* Package)

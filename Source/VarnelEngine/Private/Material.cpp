@@ -3,13 +3,13 @@
 #include "CoreObject/NativeClass.h"
 #include "CoreObject/PropertyReader.h"
 
-#include <unordered_set>
+#include <algorithm>
 #include <vector>
 
 namespace
 {
 template <class T>
-using TParameters = TArray<TMaterialParameter<T>>;
+using TParameterList = TMaterialParameters<T> UMaterialInterface::*;
 
 constexpr FStringView NameKey = "Name";
 constexpr FStringView ValueKey = "Value";
@@ -18,69 +18,75 @@ constexpr FStringView ValueKey = "Value";
 std::vector<const UMaterialInterface*> LineOf(const UMaterialInterface& Material)
 {
 	std::vector<const UMaterialInterface*> Line;
-	std::unordered_set<const UMaterialInterface*> Seen;
-	for (const UMaterialInterface* Next = &Material; Next && Seen.insert(Next).second; Next = Next->GetParentMaterial())
+	const auto IsNew = [&Line](const UMaterialInterface* Next)
+	{ return std::find(Line.begin(), Line.end(), Next) == Line.end(); };
+	for (const UMaterialInterface* Next = &Material; Next && Line.size() <= UMaterialInterface::MaxParents && IsNew(Next);
+		 Next = Next->GetParentMaterial())
 		Line.push_back(Next);
 	return Line;
 }
 
 template <class T>
-void ListParameters(
-	const UMaterialInterface& Material, TParameters<T> UMaterialInterface::*List, TArray<FMaterialParameterInfo>& Out)
+void ListParameters(const UMaterialInterface& Material, TParameterList<T> List, TArray<FMaterialParameterInfo>& Out)
 {
 	const std::vector<const UMaterialInterface*> Line = LineOf(Material);
 	TSet<FName> Listed;
 	for (auto Stating = Line.rbegin(); Stating != Line.rend(); ++Stating)
-		for (const TMaterialParameter<T>& Parameter : (*Stating)->*List)
-			if (Listed.Add(Parameter.Name))
-				Out.Add({Parameter.Name});
+		for (const auto& [Name, Value] : (*Stating)->*List)
+			if (Listed.Add(Name))
+				Out.Add({Name});
 }
 
+/** Going round a cycle of parents finds nothing new, so the limit alone ends it. */
 template <class T>
-TOptional<T> FindValue(const UMaterialInterface& Material, TParameters<T> UMaterialInterface::*List, FName Name)
+TOptional<T> FindValue(const UMaterialInterface& Material, TParameterList<T> List, FName Name)
 {
-	for (const UMaterialInterface* const Stating : LineOf(Material))
-		if (const auto* const Found =
-				(Stating->*List).FindByPredicate([Name](const auto& Parameter) { return Parameter.Name == Name; }))
-			return Found->Value;
+	const UMaterialInterface* Next = &Material;
+	for (int32 NumParents = 0; Next && NumParents <= UMaterialInterface::MaxParents; ++NumParents)
+	{
+		if (const TOptional<T>* const Found = (Next->*List).Find(Name))
+			return *Found;
+		Next = Next->GetParentMaterial();
+	}
 	return {};
 }
 
-/** One element of a list of parameters; false where it names none. */
+/** One element of a list of parameters; nothing is added where it names none, or one that is there. */
 template <class T>
-bool ReadParameter(const FJsonRef& Json, FPropertyReader& Reader, const FProperty& ValueProperty, TMaterialParameter<T>& Out)
+void ReadParameter(const FJsonRef& Json, FPropertyReader& Reader, const FProperty& ValueProperty, TMaterialParameters<T>& Out)
 {
 	static const FNameProperty NameProperty{FName(NameKey)};
 	for (const FJsonRef Member : Json)
 		if (Member.Key() != NameKey && Member.Key() != ValueKey)
 			Reader.ReportUnknownMember(Member);
-	const FJsonRef Name = Json.Find(NameKey);
-	if (!Name)
-		Reader.Report(Json, EDiagnosticSeverity::Error, "property-type", "the parameter has no 'Name'");
-	if (!Name || !NameProperty.ReadValue(&Out.Name, Name, Reader))
-		return false;
+	const FJsonRef NameJson = Json.Find(NameKey);
+	if (!NameJson)
+		return Reader.Report(Json, EDiagnosticSeverity::Error, "property-type", "the parameter has no 'Name'");
+	FName Name;
+	if (!NameProperty.ReadValue(&Name, NameJson, Reader))
+		return;
+	if (Out.Contains(Name))
+		return Reader.Report(NameJson, EDiagnosticSeverity::Warning, "repeated-parameter",
+			"the list has a parameter '" + Name.ToString() + "' already; the first one counts");
 	const FJsonRef ValueJson = Json.Find(ValueKey);
 	T Value{};
-	if (ValueJson && !ValueJson.IsNull() && ValueProperty.ReadValue(&Value, ValueJson, Reader))
-		Out.Value = Value;
-	return true;
+	const bool bHasValue = ValueJson && !ValueJson.IsNull() && ValueProperty.ReadValue(&Value, ValueJson, Reader);
+	Out.Add(Name, bHasValue ? TOptional<T>(Value) : TOptional<T>());
 }
 
 template <class T>
-void ReadParameters(const FJsonRef& Json, FPropertyReader& Reader, const FProperty& ValueProperty, TParameters<T>& Out)
+void ReadParameters(const FJsonRef& Json, FPropertyReader& Reader, const FProperty& ValueProperty, TMaterialParameters<T>& Out)
 {
 	if (!Json.IsArray())
 		return Reader.Report(
 			Json, EDiagnosticSeverity::Error, "property-type", "parameters are an array of objects with 'Name' and 'Value'");
-	Out.Reserve(Json.Num());
 	for (const FJsonRef Element : Json)
 	{
-		TMaterialParameter<T> Parameter;
-		if (!Element.IsObject())
+		if (Element.IsObject())
+			ReadParameter(Element, Reader, ValueProperty, Out);
+		else
 			Reader.Report(
 				Element, EDiagnosticSeverity::Error, "property-type", "a parameter is an object with 'Name' and 'Value'");
-		else if (ReadParameter(Element, Reader, ValueProperty, Parameter))
-			Out.Add(std::move(Parameter));
 	}
 }
 }

@@ -1,6 +1,20 @@
 #include "Engine/Niagara.h"
 
 #include "CoreObject/NativeClass.h"
+#include "CoreObject/PropertyReader.h"
+
+namespace
+{
+/** None where nothing is referred to, or what is in memory shows that there is no such object. */
+template <class T>
+FName GetNameWithoutLoading(const TObjectPtr<T>& Reference)
+{
+	if (const T* const Object = Reference.GetIfLoaded())
+		return Object->GetFName();
+	const UPackage* const Package = FindPackage(Reference.GetPath().Asset.PackageName);
+	return Package && Package->IsFullyLoaded() ? FName() : Reference.GetFName();
+}
+}
 
 UClass* UNiagaraRendererProperties::StaticClass()
 {
@@ -35,6 +49,11 @@ UScriptStruct* FNiagaraUserParameter::StaticStruct()
 	return Struct;
 }
 
+FName FNiagaraUserParameter::GetTypeName() const
+{
+	return GetNameWithoutLoading(Type);
+}
+
 UClass* UNiagaraSystem::StaticClass()
 {
 	static UClass* const Class = TClassBuilder<UNiagaraSystem>("/Script/Engine.NiagaraSystem", UObject::StaticClass())
@@ -43,4 +62,20 @@ UClass* UNiagaraSystem::StaticClass()
 									 .Member("UserParameters", &UNiagaraSystem::UserParameters)
 									 .Build();
 	return Class;
+}
+
+FName UNiagaraSystem::GetEffectTypeName() const
+{
+	return GetNameWithoutLoading(EffectType);
+}
+
+void UNiagaraSystem::PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader)
+{
+	if (!Reader.HasListener())
+		return;
+	TSet<FName> Names;
+	for (const FJsonRef Parameter : Json.Find("UserParameters"))
+		if (const FJsonRef Name = Parameter.Find("Name"); Name.IsString() && !Names.Add(FName(Name.Text())))
+			Reader.Report(Name, EDiagnosticSeverity::Warning, "repeated-parameter",
+				FString("the system has a user parameter '") + Name.Text() + "' already");
 }

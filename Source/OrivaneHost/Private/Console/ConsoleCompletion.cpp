@@ -106,6 +106,12 @@ FLineCompletion CompleteConsoleLine(const FString& Line, const TArray<FString>& 
 		AddMatching(GetCommandNames(), Word, " ", Completion.Candidates);
 		return Completion;
 	}
+	if (Before[0] == "load" || Before[0] == "unload")
+	{
+		AddFolders(Word, Completion.Candidates);
+		AddPackages(Word, Completion.Candidates);
+		return Completion;
+	}
 	if (const std::size_t Equals = Word.View().find('='); Equals != FStringView::npos)
 		return CompleteValue(Word, Equals, static_cast<int32>(Start));
 	AddMatching(GetCommandWords(Before[0]), Word, "", Completion.Candidates);

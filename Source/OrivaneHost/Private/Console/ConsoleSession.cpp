@@ -5,6 +5,7 @@
 #include "Core/Tasks.h"
 #include "NearestWord.h"
 #include "OrivaneHost/Program.h"
+#include "PackageMemory.h"
 #include "Terminal.h"
 #include "ToolOutput.h"
 
@@ -53,6 +54,12 @@ FString Summarize(const FAssetSearchResult& Found)
 	return Text;
 }
 
+int Fail(const FString& Error)
+{
+	Terminal::PrintError(Terminal::Sanitize(Error) + "\n");
+	return EExitCode::WrongUse;
+}
+
 bool HasTerm(const TArray<FString>& Words)
 {
 	return Words.ContainsByPredicate(
@@ -60,9 +67,11 @@ bool HasTerm(const TArray<FString>& Words)
 }
 }
 
-// Words that need the host come here: a row each, and its function.
 const FConsoleSession::FOwnWord FConsoleSession::OwnWords[] = {
 	{"help", "List the commands, or describe one: help Orivane.AssetSearch", &FConsoleSession::RunHelp},
+	{"load", "Keep packages in memory: load /Game/FX, or one package (particle systems are searched there)",
+		&FConsoleSession::RunLoad},
+	{"unload", "Remove packages from memory: unload /Game/FX", &FConsoleSession::RunUnload},
 	{"exit", "Leave the console (also Ctrl-D)", &FConsoleSession::RunExit},
 };
 
@@ -109,9 +118,8 @@ int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Word
 		for (const auto& Command : IConsoleManager::Get().GetConsoleCommands())
 			Known.push_back(Command->Name.ToStdString());
 		const std::string Nearest = FindNearestWord(Words[0].ToStdString(), Known);
-		Terminal::PrintError(FString("there is no command '") + Terminal::Sanitize(Words[0]) + "'" +
-			(Nearest.empty() ? FString() : FString(", did you mean '") + Nearest + "'?") + "; see: help\n");
-		return EExitCode::WrongUse;
+		return Fail(FString("there is no command '") + Words[0] + "'" +
+			(Nearest.empty() ? FString() : FString(", did you mean '") + Nearest + "'?") + "; see: help");
 	}
 	if (FConsoleSearches::NumStarted() > NumBefore)
 		return WaitForSearch(FConsoleSearches::NumStarted(), Words);
@@ -154,10 +162,7 @@ int FConsoleSession::RunHelp(const TArray<FString>& Args)
 	{
 		const auto Command = IConsoleManager::Get().FindConsoleCommand(Args[0]);
 		if (!Command)
-		{
-			Terminal::PrintError(FString("there is no command '") + Terminal::Sanitize(Args[0]) + "'; see: help\n");
-			return EExitCode::WrongUse;
-		}
+			return Fail(FString("there is no command '") + Args[0] + "'; see: help");
 		Terminal::Print(Command->Name + "\n  " + Command->Help + "\n");
 		return EExitCode::Found;
 	}
@@ -167,6 +172,28 @@ int FConsoleSession::RunHelp(const TArray<FString>& Args)
 	for (const FOwnWord& Word : OwnWords)
 		Text += ToolOutput::Pad(Word.Name, 28) + Word.Help + "\n";
 	Terminal::Print(Text);
+	return EExitCode::Found;
+}
+
+int FConsoleSession::RunLoad(const TArray<FString>& Args)
+{
+	PackageMemory::FLoaded Loaded;
+	FString Error = "name a package or a folder, such as /Game/FX";
+	if (Args.IsEmpty() || !PackageMemory::Load(Args[0], Loaded, Error, nullptr, Interrupt::GetToken()))
+		return Fail(Error);
+	Terminal::Print(FString::Printf("%d package(s) in memory", Loaded.NumPackages - Loaded.NumFailed));
+	Terminal::Print(
+		Loaded.NumFailed > 0 ? FString::Printf(", %d could not be loaded; see: orivane check\n", Loaded.NumFailed) : "\n");
+	return EExitCode::Found;
+}
+
+int FConsoleSession::RunUnload(const TArray<FString>& Args)
+{
+	int32 NumUnloaded = 0;
+	FString Error = "name a package or a folder, such as /Game/FX";
+	if (Args.IsEmpty() || !PackageMemory::Unload(Args[0], NumUnloaded, Error))
+		return Fail(Error);
+	Terminal::Print(FString::Printf("%d package(s) removed from memory\n", NumUnloaded));
 	return EExitCode::Found;
 }
 

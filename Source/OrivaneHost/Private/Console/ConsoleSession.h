@@ -24,7 +24,7 @@ public:
 	int Run(const FString& Line);
 	/** The user has asked to leave. */
 	bool IsOver() const { return bOver; }
-	/** The console's own words: "help", "exit". */
+	/** The console's own words, such as "help". */
 	static TArray<FString> GetOwnWords();
 
 private:
@@ -38,6 +38,8 @@ private:
 
 	int RunHelp(const TArray<FString>& Args);
 	int RunExit(const TArray<FString>& Args);
+	int RunLoad(const TArray<FString>& Args);
+	int RunUnload(const TArray<FString>& Args);
 	int RunCommand(const FString& Line, const TArray<FString>& Words);
 	int WaitForSearch(int32 Number, const TArray<FString>& Words);
 	void OnSearchFinished(const FConsoleSearches::FReport& Report);

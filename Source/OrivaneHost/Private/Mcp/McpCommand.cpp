@@ -7,6 +7,7 @@
 #include "Mcp/McpStdio.h"
 #include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "PackageMemory.h"
 #include "PathSearchTool.h"
 
 #include <atomic>
@@ -99,8 +100,10 @@ void OpenProject(const FProjectOptions& Options, std::stop_token Stop, FMcpProje
 	WithProgress.Stop = Stop;
 	FDiagnosticSink Diagnostics;
 	FString Error;
-	if (!FProject::Open(WithProgress, Diagnostics, Error))
+	PackageMemory::FLoaded Preloaded;
+	if (!FProject::Open(WithProgress, Diagnostics, Error) || !PreloadPackages(WithProgress, Preloaded, Error))
 	{
+		Error = (FProject::IsOpen() ? FString("--preload: ") : FString()) + Error;
 		if (Stop.stop_requested()) // nobody is there any more
 			return;
 		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Error);
@@ -110,6 +113,10 @@ void OpenProject(const FProjectOptions& Options, std::stop_token Stop, FMcpProje
 		Log::Write(LogMcp, ELogVerbosity::Warning,
 			FString::FromInt(Diagnostics.NumErrors()) +
 				" fault(s) in project files, what they concern is left out; see: orivane check");
+	if (Preloaded.NumFailed > 0)
+		Log::Write(LogMcp, ELogVerbosity::Warning,
+			FString::Printf("--preload: %d of %d package(s) cannot be loaded; see: orivane check", Preloaded.NumFailed,
+				Preloaded.NumPackages));
 	Host.OnProjectOpened();
 }
 }

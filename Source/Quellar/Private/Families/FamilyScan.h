@@ -49,30 +49,52 @@ bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params);
 bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params);
 
 /**
- * Visits every asset of TAsset's class and its subclasses in registry order and lets ReadAsset(const TAsset&, FHitSink&) report
- * on each. Assets that are excluded, outside the path filter, not loadable or of another class are skipped in silence. Loads
- * packages that are not in memory. Game thread only. Executes OnDone once, before it returns.
+ * Visits every asset of the classes and of those derived from them, in registry order, until the hit cap is reached, and lets
+ * ReadAsset(const FAssetData&, FAssetResult&, FHitSink&) report on each and say its class text. Assets that are excluded or
+ * outside the path filter are skipped in silence, those without a hit are left out. Loads nothing itself. Game thread only.
+ * Executes OnDone once, before it returns.
+ */
+template <class TReadAsset>
+void ScanAssets(const TArray<UClass*>& Classes, const FAssetSearchParams& Params, const FOnAssetSearchComplete& OnDone,
+	TReadAsset&& ReadAsset)
+{
+	FAssetSearchResult Found;
+	int32 TotalHits = 0;
+	for (const FAssetData& Asset : OrivaneAssetRegistryUtils::FindAssetsByClasses(Classes, false))
+	{
+		if (!IsInScope(Asset, Params))
+			continue;
+		FAssetResult Result;
+		FHitSink Hits(Result, Params, TotalHits);
+		ReadAsset(Asset, Result, Hits);
+		if (Hits.HasHits())
+		{
+			Result.AssetPath = Asset.GetSoftObjectPath().ToString();
+			Found.Results.Add(std::move(Result));
+		}
+		if (Hits.IsFull())
+			break;
+	}
+	OnDone.ExecuteIfBound(Found);
+}
+
+/**
+ * ScanAssets for families that read each asset's object: ReadAsset(const TAsset&, FHitSink&) reports on it. Loads packages that
+ * are not in memory; assets that cannot be loaded or are of another class are skipped in silence.
  */
 template <class TAsset, class TReadAsset>
 void ScanFamily(
 	const FFamilyTraits& Traits, const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone, TReadAsset&& ReadAsset)
 {
-	FAssetSearchResult Found;
-	int32 TotalHits = 0;
-	for (const FAssetData& Asset : OrivaneAssetRegistryUtils::FindAssetsByClass(TAsset::StaticClass(), false))
-	{
-		const TAsset* Object = IsInScope(Asset, Params) ? Cast<TAsset>(ResolveAssetObject(Asset, ELoad::IfMissing)) : nullptr;
-		if (!Object)
-			continue;
-		FAssetResult Result{.AssetPath = Asset.GetSoftObjectPath().ToString(), .AssetClass = Traits.ClassText};
-		FHitSink Hits(Result, Params, TotalHits);
-		ReadAsset(*Object, Hits);
-		if (!Hits.HasHits())
-			Hits.Add("AssetName", Object->GetName(), Traits.NameContainer);
-		if (Hits.HasHits())
-			Found.Results.Add(std::move(Result));
-		if (Hits.IsFull())
-			break;
-	}
-	OnDone.ExecuteIfBound(Found);
+	ScanAssets({TAsset::StaticClass()}, Params, OnDone,
+		[&](const FAssetData& Asset, FAssetResult& Result, FHitSink& Hits)
+		{
+			const TAsset* Object = Cast<TAsset>(ResolveAssetObject(Asset, ELoad::IfMissing));
+			if (!Object)
+				return;
+			Result.AssetClass = Traits.ClassText;
+			ReadAsset(*Object, Hits);
+			if (!Hits.HasHits())
+				Hits.Add("AssetName", Object->GetName(), Traits.NameContainer);
+		});
 }

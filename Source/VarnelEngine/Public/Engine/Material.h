@@ -18,23 +18,22 @@ struct FMaterialParameterInfo
 	FName Name;
 };
 
-/** A parameter as one material states it. No value: the parameter exists and cannot be read, also where a parent has a value for
- * it. */
+/** Parameters as one material states them, in file order; a name that is repeated keeps its first value. No value: the parameter
+ * exists and cannot be read, also where a parent has a value for it. */
 template <class T>
-struct TMaterialParameter
-{
-	FName Name;
-	TOptional<T> Value;
-};
+using TMaterialParameters = TMap<FName, TOptional<T>>;
 
 /**
  * What a surface can be drawn with: a material, or an instance that overrides parameters of a parent. Questions about parameters
- * load the parents that they meet; parents that form a cycle are visited once. Game thread.
+ * load the parents that they meet, MaxParents of them at most; parents that form a cycle are visited once. Game thread.
  */
 class UMaterialInterface : public UObject
 {
 public:
 	static UClass* StaticClass();
+
+	/** Of a chain of instances; projects use a few. What lies beyond is not looked at. */
+	static constexpr int32 MaxParents = 64;
 
 	/** The material that this one overrides, or null. */
 	virtual const UMaterialInterface* GetParentMaterial() const { return nullptr; }
@@ -51,9 +50,9 @@ public:
 	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
 
 private:
-	TArray<TMaterialParameter<float>> ScalarParameters;
-	TArray<TMaterialParameter<FLinearColor>> VectorParameters;
-	TArray<TMaterialParameter<FObjectPtr>> TextureParameters;
+	TMaterialParameters<float> ScalarParameters;
+	TMaterialParameters<FLinearColor> VectorParameters;
+	TMaterialParameters<FObjectPtr> TextureParameters;
 };
 
 class UMaterial : public UMaterialInterface

@@ -26,8 +26,8 @@ struct FNiagaraEmitterHandle
 	static UScriptStruct* StaticStruct();
 
 	FName GetName() const { return Name; }
-	/** Null where the handle has no emitter data. */
-	UNiagaraEmitter* GetEmitterData() const { return Emitter; }
+	/** Null where the handle has no emitter data, and while that lies in a package that is not in memory: loads nothing. */
+	UNiagaraEmitter* GetEmitterData() const { return Emitter.GetIfLoaded(); }
 
 	FName Name;
 	TObjectPtr<UNiagaraEmitter> Emitter;
@@ -39,14 +39,15 @@ struct FNiagaraUserParameter
 	static UScriptStruct* StaticStruct();
 
 	FName GetName() const { return Name; }
-	/** Name of the class or structure that the type refers to, None for plain numbers and the like. Loads nothing. */
-	FName GetTypeName() const { return Type.GetFName(); }
+	/** Name of the class or structure that the type refers to, None for plain numbers and the like. Loads nothing: what is not in
+	 * memory is taken at its word. */
+	FName GetTypeName() const;
 
 	FName Name;
 	TObjectPtr<UStruct> Type;
 };
 
-/** Particle effect. */
+/** Particle effect. A user parameter that is repeated is listed each time, and a warning. */
 class UNiagaraSystem : public UObject
 {
 public:
@@ -54,8 +55,12 @@ public:
 
 	/** Null where the system has none. */
 	UObject* GetEffectType() const { return EffectType; }
+	/** Its name, None where the system has none. Loads nothing: what is not in memory is taken at its word. */
+	FName GetEffectTypeName() const;
 	const TArray<FNiagaraEmitterHandle>& GetEmitterHandles() const { return EmitterHandles; }
 	const TArray<FNiagaraUserParameter>& GetUserParameters() const { return UserParameters; }
+
+	void PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader) override;
 
 	TObjectPtr<UObject> EffectType;
 	TArray<FNiagaraEmitterHandle> EmitterHandles;

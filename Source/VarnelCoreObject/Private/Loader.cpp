@@ -1,5 +1,7 @@
 #include "CoreObject/Loader.h"
 
+#include "LoadedPackages.h"
+
 #include <vector>
 
 namespace
@@ -12,6 +14,7 @@ struct FRunningLoad
 {
 	FName PackageName;
 	FString FileName;
+	std::vector<FName> References; // packages that it refers to, so far
 };
 
 class FLoader
@@ -23,11 +26,15 @@ public:
 	UPackage* Load(FName PackageName);
 	UObject* FindOrLoad(const FSoftObjectPath& Path);
 	void UnloadAll();
+	void NoteReference(FName PackageName);
+	/** While no package is being loaded. */
+	int32 Evict();
+	FLoadedPackages& GetLoaded() { return Loaded; }
 
 private:
 	UPackage* LoadFromFile(FName PackageName);
 	bool ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes);
-	bool ReadPackage(const FPackageFile& File, UPackage& Package);
+	bool ReadPackage(const FPackageFile& File, UPackage& Package, std::size_t& OutNumBytes);
 	bool IsRunning(FName PackageName) const;
 	void Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text);
 	FString WhereNeeded(FName PackageName) const;
@@ -35,7 +42,7 @@ private:
 	FPackageLocator Locator;
 	FDiagnosticSink* Diagnostics = nullptr;
 	std::vector<FRunningLoad> Running; // outermost first
-	TSet<FName> Loaded;				   // from files
+	FLoadedPackages Loaded;
 	TSet<FName> Failed;
 };
 
@@ -53,6 +60,7 @@ void FLoader::SetLocator(FPackageLocator InLocator)
 
 UPackage* FLoader::Load(FName PackageName)
 {
+	NoteReference(PackageName); // whoever loads it while being read needs it
 	UPackage* const InMemory = FindPackage(PackageName);
 	if (InMemory && (InMemory->IsFullyLoaded() || IsRunning(PackageName)))
 		return InMemory;
@@ -82,8 +90,10 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 		return Package;
 	}
 	Package = FindPackage(File->PackageName.IsNone() ? PackageName : File->PackageName, true);
-	Running.push_back({PackageName, File->FileName});
-	const bool bRead = ReadPackage(*File, *Package);
+	Running.push_back({PackageName, File->FileName, {}});
+	std::size_t NumBytes = 0;
+	const bool bRead = ReadPackage(*File, *Package, NumBytes);
+	std::vector<FName> References = std::move(Running.back().References);
 	Running.pop_back();
 	if (!bRead)
 	{
@@ -92,15 +102,18 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 		return nullptr;
 	}
 	Package->MarkAsFullyLoaded();
-	Loaded.Add(PackageName);
+	Loaded.Add(*Package, NumBytes, std::move(References));
 	return Package;
 }
 
-bool FLoader::ReadPackage(const FPackageFile& File, UPackage& Package)
+bool FLoader::ReadPackage(const FPackageFile& File, UPackage& Package, std::size_t& OutNumBytes)
 {
 	const TUniquePtr<IPackageReader> Reader = File.Source->MakeReader();
 	std::string Bytes;
-	return ReadFile(File, Reader->GetPadding(), Bytes) && Reader->ReadBody(Bytes, File.FileName, Package, Diagnostics);
+	if (!ReadFile(File, Reader->GetPadding(), Bytes))
+		return false;
+	OutNumBytes = Bytes.size();
+	return Reader->ReadBody(Bytes, File.FileName, Package, Diagnostics);
 }
 
 bool FLoader::ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes)
@@ -144,15 +157,24 @@ UObject* FLoader::FindOrLoad(const FSoftObjectPath& Path)
 void FLoader::UnloadAll()
 {
 	checkf(Running.empty(), "packages are unloaded while one of them is being loaded");
-	TArray<UObject*> Packages;
-	for (const FName Name : Loaded)
-	{
-		if (UPackage* const Package = FindPackage(Name))
-			Packages.Add(Package);
-	}
-	Loaded.Empty();
 	Failed.Empty();
-	DestroyObjects(Packages);
+	Loaded.UnloadAll();
+}
+
+int32 FLoader::Evict()
+{
+	checkf(Running.empty(), "packages are unloaded while one of them is being loaded");
+	return Loaded.Evict();
+}
+
+void FLoader::NoteReference(FName PackageName)
+{
+	if (Running.empty())
+		return;
+	FRunningLoad& Load = Running.back();
+	const bool bIsNew = Load.References.empty() || !(Load.References.back() == PackageName);
+	if (bIsNew && !(Load.PackageName == PackageName))
+		Load.References.push_back(PackageName);
 }
 
 bool FLoader::IsRunning(FName PackageName) const
@@ -209,4 +231,34 @@ UObject* StaticLoadObject(UClass* Class, UObject* Outer, FStringView ObjectPath,
 void UnloadAllLoadedPackages()
 {
 	FLoader::Get().UnloadAll();
+}
+
+void SetObjectMemoryLimit(int64 MaxBytes)
+{
+	FLoader::Get().GetLoaded().SetMaxBytes(MaxBytes);
+}
+
+int64 GetObjectMemory()
+{
+	return FLoader::Get().GetLoaded().GetNumBytes();
+}
+
+int32 EvictLoadedPackages()
+{
+	return FLoader::Get().Evict();
+}
+
+void PinPackage(FName PackageName)
+{
+	FLoader::Get().GetLoaded().Pin(PackageName);
+}
+
+void UnpinPackage(FName PackageName)
+{
+	FLoader::Get().GetLoaded().Unpin(PackageName);
+}
+
+void NoteReferenceToPackage(FName PackageName)
+{
+	FLoader::Get().NoteReference(PackageName);
 }

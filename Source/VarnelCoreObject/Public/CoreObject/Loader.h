@@ -62,5 +62,23 @@ T* LoadObject(FStringView ObjectPath)
 {
 	return static_cast<T*>(StaticLoadObject(T::StaticClass(), nullptr, ObjectPath));
 }
-/** Unloads every package that was loaded from a file and forgets failed loads. Not while a package is being loaded. */
+/** Unloads every package that was loaded from a file and forgets failed loads. Not while a package is being loaded. Pins stay. */
 void UnloadAllLoadedPackages();
+
+/**
+ * Loaded packages stay in memory for whoever asks next. The limit, in bytes, is for EvictLoadedPackages alone: while a search
+ * runs nothing is unloaded, whatever it loads. 0, as in the beginning: no limit.
+ */
+void SetObjectMemoryLimit(int64 MaxBytes);
+/** What loaded packages take, in bytes; an estimate from their files and their objects. */
+int64 GetObjectMemory();
+/**
+ * Called between calls, when nobody holds a pointer to a loaded object. While loaded packages take more than the limit, unloads
+ * those whose last look-up was longest ago, but none that is pinned and none that a package which stays has a hard reference or
+ * owes a class or a type to. Returns how many. Game thread, not while a package is being loaded.
+ */
+int32 EvictLoadedPackages();
+/** EvictLoadedPackages leaves the package, and what it refers to, where it is, from now on or from when it is loaded; pinning
+ * loads nothing. Game thread. */
+void PinPackage(FName PackageName);
+void UnpinPackage(FName PackageName);

@@ -8,6 +8,9 @@ class FJsonRef;
 class UClass;
 class UPackage;
 
+/** The package of that name in memory, created empty if bCreate; null otherwise. */
+UPackage* FindPackage(FName PackageName, bool bCreate = false);
+
 /**
  * Base of everything that lives in a package. Objects are created by NewObject and owned by their package; native constructors
  * set native defaults, properties that script and Blueprint classes add lie behind the native part of the same allocation. Game
@@ -74,8 +77,12 @@ public:
 	void MarkAsFullyLoaded() { bFullyLoaded = true; }
 	/** The object at a path inside the package ("Asset", "Asset:Sub.Deeper"; case is ignored), or null. */
 	UObject* FindInside(FStringView Path) const;
+	/** Rises from look-up to look-up, over all packages: the higher, the later the package was last asked for by name. */
+	uint64 GetLastUse() const { return LastUse; }
 
 private:
+	friend UPackage* FindPackage(FName PackageName, bool bCreate);
+	uint64 LastUse = 0;
 	bool bFullyLoaded = false;
 };
 
@@ -96,8 +103,6 @@ const T* Cast(const UObject* Object)
  * come from FindPackage), and when the name is None or taken inside Outer. Game thread.
  */
 UObject* NewObject(UClass* Class, UObject* Outer, FName Name);
-/** The package of that name in memory, created empty if bCreate; null otherwise. */
-UPackage* FindPackage(FName PackageName, bool bCreate = false);
 /** An object directly inside Outer by name, of Class or derived from it (null: any); null when there is none. With Outer null: a
  * package. */
 UObject* StaticFindObjectFast(UClass* Class, UObject* Outer, FName Name);

@@ -119,15 +119,39 @@ private:
 	std::vector<FForeignReference> Unsettled;
 };
 
-void LoadEveryPackage(const std::stop_token& Stop)
+/** Path of a package's file as diagnostics give it. */
+FString GetFileName(FName PackageName)
 {
+	const IPackageSource* Source = nullptr;
+	const FString File = FProject::GetRegistry().GetPackageFileName(PackageName, Source);
+	const FString& Folder = FProject::GetSummary().Folder;
+	return File.StartsWith(Folder, ESearchCase::CaseSensitive) ? File.Mid(Folder.Len()) : File;
+}
+
+void CheckObjects(const UPackage& Package, FDiagnosticSink& Diagnostics)
+{
+	const auto Report = [&](EDiagnosticSeverity Severity, const char* Rule, FString Text) {
+		Diagnostics.Add({GetFileName(Package.GetFName()), 0, 0, Severity, std::move(Text), Rule});
+	};
+	TArray<UObject*> Objects;
+	GetObjectsWithOuter(&Package, Objects, true);
+	for (const UObject* Object : Objects)
+		Object->CheckData(Report);
+}
+
+void LoadEveryPackage(FDiagnosticSink& Diagnostics, const std::stop_token& Stop)
+{
+	const TArray<FName> Packages = ListPackages();
+	const FPackagePrefetch Prefetch(
+		[&Packages, Place = 0]() mutable { return Place < Packages.Num() ? Packages[Place++] : FName(); });
 	FRounds Rounds;
-	for (const FName Package : ListPackages())
+	for (const FName Name : Packages)
 	{
 		if (Stop.stop_requested())
 			return;
 		Rounds.BeginPackage();
-		LoadPackage(Package);
+		if (const UPackage* const Package = LoadPackage(Name))
+			CheckObjects(*Package, Diagnostics);
 	}
 }
 }
@@ -137,7 +161,7 @@ void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop)
 	FReferenceCheck References(Diagnostics);
 	SetLoadDiagnostics(&Diagnostics);
 	SetReferenceListener([&References](const FForeignReference& Reference) { References.Add(Reference); });
-	LoadEveryPackage(Stop);
+	LoadEveryPackage(Diagnostics, Stop);
 	SetReferenceListener(nullptr);
 	SetLoadDiagnostics(nullptr);
 	References.Settle(Stop);

@@ -1,6 +1,7 @@
 #include "CoreObject/Loader.h"
 
 #include "LoadedPackages.h"
+#include "ParseAhead.h"
 
 #include <vector>
 
@@ -30,11 +31,13 @@ public:
 	/** While no package is being loaded. */
 	int32 Evict();
 	FLoadedPackages& GetLoaded() { return Loaded; }
+	TUniquePtr<FParseAhead> MakeAhead(std::function<FName()> Next);
+	/** Gives what was in use before. */
+	FParseAhead* UseAhead(FParseAhead* InAhead) { return std::exchange(Ahead, InAhead); }
 
 private:
 	UPackage* LoadFromFile(FName PackageName);
-	bool ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes);
-	bool ReadPackage(const FPackageFile& File, UPackage& Package, std::size_t& OutNumBytes);
+	TUniquePtr<FPackageText> GetParsed(FName PackageName);
 	bool IsRunning(FName PackageName) const;
 	void Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text);
 	FString WhereNeeded(FName PackageName) const;
@@ -43,6 +46,7 @@ private:
 	FDiagnosticSink* Diagnostics = nullptr;
 	std::vector<FRunningLoad> Running; // outermost first
 	FLoadedPackages Loaded;
+	FParseAhead* Ahead = nullptr;
 	TSet<FName> Failed;
 };
 
@@ -79,65 +83,71 @@ UPackage* FLoader::Load(FName PackageName)
 /** The package as it is in memory where it has no file. */
 UPackage* FLoader::LoadFromFile(FName PackageName)
 {
-	const TOptional<FPackageFile> File = Locator ? Locator(PackageName) : TOptional<FPackageFile>();
-	UPackage* Package = FindPackage(PackageName);
-	if (!File)
+	TUniquePtr<FPackageText> Text = GetParsed(PackageName);
+	if (!Text)
 	{
 		Failed.Add(PackageName);
-		if (!Package)
+		UPackage* const InMemory = FindPackage(PackageName);
+		if (!InMemory)
 			Report(EDiagnosticSeverity::Warning, WhereNeeded(PackageName), "no-such-package",
 				"there is no package " + PackageName.ToString());
-		return Package;
+		return InMemory;
 	}
-	Package = FindPackage(File->PackageName.IsNone() ? PackageName : File->PackageName, true);
-	Running.push_back({PackageName, File->FileName, {}});
-	std::size_t NumBytes = 0;
-	const bool bRead = ReadPackage(*File, *Package, NumBytes);
+	const FPackageFile& File = Text->GetFile();
+	UPackage* const Package = FindPackage(File.PackageName.IsNone() ? PackageName : File.PackageName, true);
+	Running.push_back({PackageName, File.FileName, {}});
+	const bool bRead = Text->BuildObjects(*Package, Diagnostics);
 	std::vector<FName> References = std::move(Running.back().References);
 	Running.pop_back();
-	if (!bRead)
+	if (bRead)
+	{
+		Package->MarkAsFullyLoaded();
+		Loaded.Add(*Package, Text->NumBytes(), std::move(References));
+	}
+	else
 	{
 		Failed.Add(PackageName);
 		UnloadPackage(Package);
+	}
+	if (Ahead)
+		Ahead->Recycle(std::move(Text));
+	return bRead ? Package : nullptr;
+}
+
+/** The package's file, parsed; null when it has none. */
+TUniquePtr<FPackageText> FLoader::GetParsed(FName PackageName)
+{
+	if (TUniquePtr<FPackageText> Text = Ahead ? Ahead->Take(PackageName) : nullptr)
+		return Text;
+	TOptional<FPackageFile> File = Locator ? Locator(PackageName) : TOptional<FPackageFile>();
+	if (!File)
 		return nullptr;
-	}
-	Package->MarkAsFullyLoaded();
-	Loaded.Add(*Package, NumBytes, std::move(References));
-	return Package;
+	auto Text = MakeUnique<FPackageText>(std::move(*File));
+	Text->Parse();
+	return Text;
 }
 
-bool FLoader::ReadPackage(const FPackageFile& File, UPackage& Package, std::size_t& OutNumBytes)
+TUniquePtr<FParseAhead> FLoader::MakeAhead(std::function<FName()> Next)
 {
-	const TUniquePtr<IPackageReader> Reader = File.Source->MakeReader();
-	std::string Bytes;
-	if (!ReadFile(File, Reader->GetPadding(), Bytes))
-		return false;
-	OutNumBytes = Bytes.size();
-	return Reader->ReadBody(Bytes, File.FileName, Package, Diagnostics);
-}
-
-bool FLoader::ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes)
-{
-	const uint64 MaxBytes = File.Source->GetMaxFileBytes();
-	const auto Fail = [this, &File](const char* Rule, const FString& Text)
+	const auto IsSettled = [this](FName Name)
 	{
-		Report(EDiagnosticSeverity::Error, File.FileName, Rule, Text);
-		return false;
+		const UPackage* const Package = FindPackage(Name);
+		return (Package && Package->IsFullyLoaded()) || Failed.Contains(Name);
 	};
-	switch (File.Read(Bytes, MaxBytes, Padding))
+	const auto NextFile = [this, IsSettled, Next = std::move(Next)]
 	{
-		case EFileRead::Ok:
-			return true;
-		case EFileRead::Missing:
-			return Fail("missing-file", "the file is gone, so its package cannot be loaded");
-		case EFileRead::Unreadable:
-			return Fail("unreadable-file", "the file cannot be read, so its package cannot be loaded");
-		case EFileRead::TooLarge:
-			return Fail("too-large",
-				FString::Printf(
-					"the file is larger than %d MiB, so its package is not loaded", static_cast<int>(MaxBytes >> 20)));
-	}
-	return false;
+		TOptional<FPackageFile> File;
+		FName Name;
+		while (!File && !(Name = Next()).IsNone())
+		{
+			if (!IsSettled(Name) && Locator)
+				File = Locator(Name);
+		}
+		if (File && File->PackageName.IsNone())
+			File->PackageName = Name;
+		return File;
+	};
+	return MakeUnique<FParseAhead>(NextFile, IsSettled);
 }
 
 UObject* FLoader::FindOrLoad(const FSoftObjectPath& Path)
@@ -231,6 +241,17 @@ UObject* StaticLoadObject(UClass* Class, UObject* Outer, FStringView ObjectPath,
 void UnloadAllLoadedPackages()
 {
 	FLoader::Get().UnloadAll();
+}
+
+FPackagePrefetch::FPackagePrefetch(std::function<FName()> Next)
+	: Ahead(FLoader::Get().MakeAhead(std::move(Next)))
+	, Outer(FLoader::Get().UseAhead(Ahead.get()))
+{
+}
+
+FPackagePrefetch::~FPackagePrefetch()
+{
+	FLoader::Get().UseAhead(Outer);
 }
 
 void SetObjectMemoryLimit(int64 MaxBytes)

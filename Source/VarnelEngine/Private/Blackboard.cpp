@@ -2,6 +2,11 @@
 
 #include "CoreObject/NativeClass.h"
 
+namespace
+{
+constexpr int32 MaxParents = 64;
+}
+
 UClass* UBlackboardKeyType::StaticClass()
 {
 	static UClass* const Class =
@@ -26,4 +31,17 @@ UClass* UBlackboardData::StaticClass()
 									 .Member("Keys", &UBlackboardData::Keys)
 									 .Build();
 	return Class;
+}
+
+void UBlackboardData::CheckData(const FDataFaultReport& Report) const
+{
+	const UBlackboardData* Ancestor = Parent;
+	for (int32 NumParents = 1; Ancestor && Ancestor != this && NumParents <= MaxParents; ++NumParents)
+		Ancestor = Ancestor->Parent;
+	if (Ancestor == this)
+		Report(EDiagnosticSeverity::Error, "parent-cycle", "blackboard " + GetPathName() + " is among its own parents");
+	else if (Ancestor)
+		Report(EDiagnosticSeverity::Warning, "many-parents",
+			"blackboard " + GetPathName() + " has more than " + FString::FromInt(MaxParents) +
+				" parents, or some of them form a cycle");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CoreObject/Loader.h"
 #include "Quellar/AssetRegistryUtils.h"
 #include "Quellar/AssetSearchService.h"
 #include "ResolveAssetObject.h"
@@ -47,6 +48,9 @@ private:
 bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params);
 /** The entry is complete, not excluded, and its folder passes the search's path filter. */
 bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params);
+/** Lets the packages of the assets in scope be parsed ahead of a scan that visits them in this order. Both outlive the prefetch.
+ */
+FPackagePrefetch PrefetchInScope(const TArray<FAssetData>& Assets, const FAssetSearchParams& Params);
 
 /**
  * Visits every asset of TAsset's class and its subclasses in registry order and lets ReadAsset(const TAsset&, FHitSink&) report
@@ -59,7 +63,9 @@ void ScanFamily(
 {
 	FAssetSearchResult Found;
 	int32 TotalHits = 0;
-	for (const FAssetData& Asset : OrivaneAssetRegistryUtils::FindAssetsByClass(TAsset::StaticClass(), false))
+	const TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClass(TAsset::StaticClass(), false);
+	const FPackagePrefetch Prefetch = PrefetchInScope(Assets, Params);
+	for (const FAssetData& Asset : Assets)
 	{
 		const TAsset* Object = IsInScope(Asset, Params) ? Cast<TAsset>(ResolveAssetObject(Asset, ELoad::IfMissing)) : nullptr;
 		if (!Object)

@@ -1,12 +1,18 @@
 #pragma once
 
 #include "Core/Containers.h"
+#include "Core/Diagnostics.h"
 #include "Core/Name.h"
+
+#include <functional>
 
 class FPropertyReader;
 class FJsonRef;
 class UClass;
 class UPackage;
+
+/** Takes a fault of an object's data; Text is a sentence without full stop. */
+using FDataFaultReport = std::function<void(EDiagnosticSeverity Severity, const char* Rule, FString Text)>;
 
 /** The package of that name in memory, created empty if bCreate; null otherwise. */
 UPackage* FindPackage(FName PackageName, bool bCreate = false);
@@ -51,6 +57,9 @@ public:
 	virtual void PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader);
 	/** Called once all objects of the package have been read. */
 	virtual void PostLoad() {}
+	/** Tells what is wrong with the object's data as a whole, which no single value shows. For a check of the project: may load
+	 * other packages. */
+	virtual void CheckData(const FDataFaultReport&) const {}
 
 protected:
 	UObject() = default;

@@ -16,7 +16,8 @@ struct FProjectOptions
 	FString Path;		   // project folder or its *.uproject; empty: look from the current folder upward
 	FString EngineContent; // folder mounted as /Engine; empty: none
 	ERegistryCache Cache = ERegistryCache::Use;
-	int32 NumThreads = 0; // 0: all processors
+	int32 NumThreads = 0;	// 0: all processors
+	int64 ObjectMemory = 0; // bytes that loaded objects may take between calls; 0: a quarter of the machine's memory
 	FScanProgress* Progress = nullptr;
 	std::stop_token Stop;
 };

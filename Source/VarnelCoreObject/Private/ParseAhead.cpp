@@ -7,7 +7,8 @@
 
 namespace
 {
-constexpr std::size_t MaxSlots = 64;
+constexpr std::size_t MaxSlots = 128;
+constexpr std::size_t MinSlots = MaxSlots / 2;	  // fewer are filled up; threads then find many at once and seldom sleep
 constexpr std::size_t MaxReadyBytes = 64 << 20;	  // of files that are parsed and wait; beyond it threads pause
 constexpr std::size_t MaxSpareCapacity = 1 << 20; // larger buffers are not kept for reuse
 constexpr int32 MaxThreads = 15;
@@ -36,7 +37,7 @@ TUniquePtr<FPackageText> FParseAhead::Take(FName PackageName)
 		if (const FSlotPtr Other = FindWork()) // rather than stand by
 			Work(Guard, *Other);
 		else
-			Changed.wait(Guard, [&Slot] { return Slot->State == EState::Ready; });
+			SlotReady.wait(Guard, [&Slot] { return Slot->State == EState::Ready; });
 	}
 	Drop(*Slot);
 	return std::move(Slot->Text);
@@ -51,43 +52,51 @@ void FParseAhead::Recycle(TUniquePtr<FPackageText> Text)
 /** Makes room for packages to come, finds their files, and lets the threads know. */
 void FParseAhead::Fill()
 {
-	std::size_t NumInWindow = 0;
-	{
-		const std::lock_guard Guard(Lock);
-		while (!Window.empty() && IsSettled(Window.front()->PackageName))
-		{
-			Drop(*Window.front());
-			Window.pop_front();
-		}
-		NumInWindow = Window.size();
-	}
+	const std::size_t NumInWindow = DropSettled();
+	if (bAtEnd || NumInWindow > MinSlots)
+		return;
 	std::vector<FSlotPtr> Added;
-	while (!bAtEnd && NumInWindow + Added.size() < MaxSlots)
+	while (NumInWindow + Added.size() < MaxSlots)
 	{
 		TOptional<FPackageFile> File = NextFile();
 		bAtEnd = !File;
 		if (!File)
 			break;
-		const auto Slot = std::make_shared<FSlot>();
-		Slot->PackageName = File->PackageName;
-		if (Spare.empty())
-			Slot->Text = MakeUnique<FPackageText>(std::move(*File));
-		else
-		{
-			Slot->Text = std::move(Spare.back());
-			Spare.pop_back();
-			Slot->Text->SetFile(std::move(*File));
-		}
-		Added.push_back(Slot);
+		Added.push_back(MakeSlot(std::move(*File)));
 	}
-	if (Added.empty())
-		return;
 	{
 		const std::lock_guard Guard(Lock);
 		Window.insert(Window.end(), Added.begin(), Added.end());
 	}
 	StartThreads();
-	Changed.notify_all();
+	WorkAdded.notify_all();
+}
+
+/** Returns how many are left. */
+std::size_t FParseAhead::DropSettled()
+{
+	const std::lock_guard Guard(Lock);
+	while (!Window.empty() && IsSettled(Window.front()->PackageName))
+	{
+		Drop(*Window.front());
+		Window.pop_front();
+	}
+	return Window.size();
+}
+
+FParseAhead::FSlotPtr FParseAhead::MakeSlot(FPackageFile File)
+{
+	const auto Slot = std::make_shared<FSlot>();
+	Slot->PackageName = File.PackageName;
+	if (Spare.empty())
+	{
+		Slot->Text = MakeUnique<FPackageText>(std::move(File));
+		return Slot;
+	}
+	Slot->Text = std::move(Spare.back());
+	Spare.pop_back();
+	Slot->Text->SetFile(std::move(File));
+	return Slot;
 }
 
 void FParseAhead::StartThreads()
@@ -112,7 +121,7 @@ void FParseAhead::RunWorker(std::stop_token Stop)
 		if (const FSlotPtr Slot = FindWork())
 			Work(Guard, *Slot);
 		else
-			Changed.wait(Guard, Stop, [this] { return FindWork() != nullptr; });
+			WorkAdded.wait(Guard, Stop, [this] { return FindWork() != nullptr; });
 	}
 }
 
@@ -136,13 +145,15 @@ void FParseAhead::Work(std::unique_lock<std::mutex>& Guard, FSlot& Slot)
 		return;
 	Slot.State = EState::Ready;
 	NumReadyBytes += Slot.Text->NumBytes();
-	Changed.notify_all();
+	SlotReady.notify_one();
 }
 
 void FParseAhead::Drop(FSlot& Slot)
 {
+	const bool bHadRoom = NumReadyBytes < MaxReadyBytes;
 	if (Slot.State == EState::Ready)
 		NumReadyBytes -= Slot.Text->NumBytes();
 	Slot.State = EState::Dropped;
-	Changed.notify_all();
+	if (!bHadRoom && NumReadyBytes < MaxReadyBytes)
+		WorkAdded.notify_all();
 }

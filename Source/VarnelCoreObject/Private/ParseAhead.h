@@ -48,6 +48,8 @@ private:
 	using FSlotPtr = std::shared_ptr<FSlot>; // a thread may work on a slot that is in the window no more
 
 	void Fill();
+	std::size_t DropSettled();
+	FSlotPtr MakeSlot(FPackageFile File);
 	void StartThreads();
 	void RunWorker(std::stop_token Stop);
 	/** A waiting slot, as long as what is ready leaves room; null otherwise. */
@@ -59,9 +61,10 @@ private:
 	const FIsSettled IsSettled;
 	bool bAtEnd = false;
 	std::vector<TUniquePtr<FPackageText>> Spare;
-	std::mutex Lock; // guards what follows, down to the threads
-	std::condition_variable_any Changed;
-	std::deque<FSlotPtr> Window; // in the order in which they will be asked for
+	std::mutex Lock;					   // guards what follows, down to the threads
+	std::condition_variable_any WorkAdded; // for the threads
+	std::condition_variable SlotReady;	   // for the game thread
+	std::deque<FSlotPtr> Window;		   // in the order in which they will be asked for
 	std::size_t NumReadyBytes = 0;
 	std::vector<std::jthread> Threads; // last: they stop before the rest goes
 };

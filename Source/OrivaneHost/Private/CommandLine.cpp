@@ -29,6 +29,7 @@ Exit codes: 0 found or clean; 1 nothing found, problems found, or the tool repor
 constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
   orivane search "float" --family DataTable
+  orivane search TargetActor --family BehaviorTree,Blackboard
   orivane search Lantern --exact --case-sensitive --path /Game/Data
   orivane search Stamina --json | jq '.assets[].asset')";
 

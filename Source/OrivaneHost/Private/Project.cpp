@@ -11,6 +11,7 @@
 #include "UserFolders.h"
 
 #include <chrono>
+#include <unistd.h>
 
 namespace
 {
@@ -33,6 +34,11 @@ FString GetUserCacheFolder(const FString& ProjectFolder)
 	if (Base.IsEmpty())
 		return {};
 	return Base + FString::Printf("/orivane/%016llx/", static_cast<unsigned long long>(Unicode::HashFolded(ProjectFolder)));
+}
+
+int64 GetDefaultObjectMemory()
+{
+	return static_cast<int64>(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGESIZE) / 4;
 }
 
 void MountRoots(const FProjectSummary& Summary, const FString& EngineContent)
@@ -181,6 +187,7 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 		return false;
 	}
 	SetPackageLocator(LocatePackage);
+	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	GetOpenProject() = {.bOpen = true, .Summary = std::move(Summary)};
 	return true;

@@ -1,5 +1,6 @@
 #include "Quellar/AssetSearchService.h"
 
+#include "Families/BlueprintFamily.h"
 #include "Families/DataTableFamily.h"
 #include "Families/TextFamily.h"
 #include "Quellar/AssetRegistryUtils.h"
@@ -19,6 +20,7 @@ struct FFamily
 
 // Searched in this order; with a per-type cap, who comes first gets in.
 constexpr FFamily Families[] = {
+	{"Blueprint", SearchBlueprints},
 	{"Text", SearchTextFiles},
 	{"DataTable", SearchDataTables},
 };

@@ -1,6 +1,7 @@
 #include "Quellar/QuellarModule.h"
 
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "Quellar/BlueprintFindUtils.h"
 #include "ToolEntry.h"
 
 void FQuellarModule::StartupModule()
@@ -14,6 +15,7 @@ void FQuellarModule::StartupModule()
 
 void FQuellarModule::ShutdownModule()
 {
+	FBlueprintFindUtils::Get().Abandon();
 	const TSharedPtr<Orivane::IToolExecutor> Executor = FOrivaneToolkitModule::GetToolExecutor();
 	if (!Executor)
 		return;

@@ -62,6 +62,8 @@ void FStreamSearch::FindResults()
 		Results.Add(MakeShared<FImaginaryFiBData>(Index, Matches->Blueprints[Blueprint],
 			Entries.subspan(First, Matches->FirstEntries[Blueprint + 1] - First), Matches));
 	}
+	if (Progress->bStop)
+		Results.Empty();
 }
 
 void FStreamSearch::GetFilteredItems(TArray<TSharedPtr<FFindInBlueprintsResult>>& OutItems) const

@@ -11,7 +11,8 @@ namespace
 constexpr FStreamSearchOptions QueryOptions = {.QueryFilter = 10, .MinimumVersion = 3};
 constexpr const char* WidgetTreeContainer = "WidgetTree";
 
-/** Folders of generated assets. The third spelling is intended. */
+/** Folders of generated assets, as they stand inside a package path. That ends without a slash: what lies in folders below these
+ * is left out, what lies directly in one is not. Both this and the third spelling are intended. */
 constexpr const char* GeneratedFolders[] = {"/intermediate/", "/deriveddatacache/", "/developered/", "/__trash__/"};
 
 const TSet<FString>& GetWidgetKinds()

@@ -34,18 +34,19 @@ constexpr const char* RareWord = "Zyxomma"; // in five entries of the whole proj
 class FRandom
 {
 public:
-	explicit FRandom(uint64 Seed) : State(Seed * 0x9E3779B97F4A7C15ull + 1) {}
-	uint64 Next()
-	{
-		State += 0x9E3779B97F4A7C15ull;
-		uint64 Mixed = (State ^ State >> 30) * 0xBF58476D1CE4E5B9ull;
-		Mixed = (Mixed ^ Mixed >> 27) * 0x94D049BB133111EBull;
-		return Mixed ^ Mixed >> 31;
-	}
+	explicit FRandom(uint64 Seed) : State(Mix(Seed)) {}
+	uint64 Next() { return Mix(State += 0x9E3779B97F4A7C15ull); }
 	uint64 Below(uint64 Limit) { return Next() % Limit; }
 	double Unit() { return static_cast<double>(Next() >> 11) * 0x1.0p-53; }
 
 private:
+	static uint64 Mix(uint64 Number)
+	{
+		Number = (Number ^ Number >> 30) * 0xBF58476D1CE4E5B9ull;
+		Number = (Number ^ Number >> 27) * 0x94D049BB133111EBull;
+		return Number ^ Number >> 31;
+	}
+
 	uint64 State;
 };
 
@@ -188,22 +189,15 @@ uint64 WriteEntries(const FBlueprintIndexView& Index, const std::filesystem::pat
 
 void TimeTerm(const FString& Term, int32 NumRuns)
 {
-	std::size_t NumUses = 0;
-	const std::string Lookup = Repeat(NumRuns,
-		[&]
-		{
-			const FBlueprintIndexView Index = FFindInBlueprintSearchManager::Get().GetIndex();
-			NumUses = 0;
-			for (const uint32 Text : Index.FindTexts(Term))
-				NumUses += Index.GetUses(Text).size();
-		});
 	int64 NumMatches = 0;
 	int32 NumBlueprints = 0;
-	const std::string Search = Repeat(NumRuns,
+	std::vector<double> SearchTimes;
+	const std::string Whole = Repeat(NumRuns,
 		[&]
 		{
 			FStreamSearch Stream(Term, {});
 			Stream.EnsureCompletion();
+			SearchTimes.push_back(1000 * Stream.GetSearchSeconds());
 			TArray<TSharedPtr<FImaginaryFiBData>> Results;
 			Stream.GetFilteredImaginaryResults(Results);
 			NumBlueprints = Results.Num();
@@ -211,8 +205,8 @@ void TimeTerm(const FString& Term, int32 NumRuns)
 			for (const auto& Result : Results)
 				NumMatches += Result->NumMatches();
 		});
-	std::printf("{\"term\":\"%s\",\"matches\":%lld,\"uses\":%zu,\"blueprints\":%d,\"lookup\":%s,\"search\":%s}\n", *Term,
-		static_cast<long long>(NumMatches), NumUses, NumBlueprints, Lookup.c_str(), Search.c_str());
+	std::printf("{\"term\":\"%s\",\"matches\":%lld,\"blueprints\":%d,\"search\":%s,\"whole\":%s}\n", *Term,
+		static_cast<long long>(NumMatches), NumBlueprints, Describe(SearchTimes).c_str(), Whole.c_str());
 	std::fflush(stdout);
 }
 }

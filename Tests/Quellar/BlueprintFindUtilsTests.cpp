@@ -71,8 +71,8 @@ TEST(BlueprintFindUtils, AnswersOnceOnTheGameThread)
 	EXPECT_EQ(Utils.GetLastSearchedVersion(), BlueprintIndexVersion);
 
 	Queries.Make("absent");
-	EXPECT_TRUE(Utils.GetItemsFound().IsEmpty()) << "a new query forgets";
 	ASSERT_TRUE(Queries.Wait()) << "also when nothing is found";
+	EXPECT_TRUE(Utils.GetItemsFound().IsEmpty()) << "a new query forgets";
 	Queries.Make("health");
 	ASSERT_TRUE(Queries.Wait());
 	EXPECT_EQ(Queries.Take(), "health2:1 absent:0 health:2");

@@ -43,8 +43,10 @@ bool FStreamSearch::WaitForCompletion(double Seconds)
 
 uint32 FStreamSearch::Run()
 {
+	const auto Start = std::chrono::steady_clock::now();
 	if (Options.MinimumVersion <= BlueprintIndexVersion)
 		FindResults();
+	SearchSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	const std::lock_guard Guard(Lock);
 	bComplete = true;
 	Completed.notify_all();

@@ -38,6 +38,8 @@ public:
 	/** Waits for the end, at most so long; true when it has come. */
 	bool WaitForCompletion(double Seconds);
 	int32 GetSearchedVersion() const { return BlueprintIndexVersion; }
+	/** What the search itself took, without the start of its thread; once complete. */
+	double GetSearchSeconds() const { return SearchSeconds; }
 
 	// Results, once complete: one for each Blueprint with a match, in registry order, appended to the list. The items are the
 	// Blueprints' lines; those below them come with FImaginaryFiBData::ExpandAllChildren.
@@ -52,7 +54,8 @@ private:
 	const FStreamSearchOptions Options;
 	const FBlueprintIndexView Index;
 	const TUniquePtr<struct FSearchProgress> Progress;
-	TArray<TSharedPtr<FImaginaryFiBData>> Results; // written by the thread until bComplete
+	TArray<TSharedPtr<FImaginaryFiBData>> Results; // this and the next: written by the thread until bComplete
+	double SearchSeconds = 0;
 	std::mutex Lock;
 	std::condition_variable Completed;
 	std::atomic<bool> bComplete = false; // set under the lock

@@ -103,13 +103,19 @@ void FBlueprintFindUtils::MakeSearchQuery(
 void FBlueprintFindUtils::LaunchStreamThread(
 	const FString& SearchString, const FStreamSearchOptions& Options, FOnBlueprintSearchComplete Callback)
 {
-	auto Search = MakeShared<FStreamSearch>(SearchString, Options);
-	const std::lock_guard Guard(Lock);
-	SearchValue = FText::FromString(SearchString);
-	StreamSearch = std::move(Search);
-	OnSearchComplete = std::move(Callback);
-	PollingRunnable = MakeShared<FPollingRunnable>(this);
-	PollingThread = FRunnableThread::Create(PollingRunnable.get(), "BlueprintSearchPolling", 0, PollingPriority);
+	const auto Search = MakeShared<FStreamSearch>(SearchString, Options);
+	{
+		const std::lock_guard Guard(Lock);
+		SearchValue = FText::FromString(SearchString);
+		StreamSearch = Search;
+		OnSearchComplete = std::move(Callback);
+		PollingRunnable = MakeShared<FPollingRunnable>(this);
+		PollingThread = FRunnableThread::Create(PollingRunnable.get(), "BlueprintSearchPolling", 0, PollingPriority);
+		if (PollingThread)
+			return;
+	}
+	Search->EnsureCompletion(); // no more threads to be had: somebody must look
+	UpdateSearchResults(GetSeconds(), 0);
 }
 
 void FBlueprintFindUtils::Abandon()

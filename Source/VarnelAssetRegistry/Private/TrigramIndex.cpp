@@ -159,6 +159,22 @@ void VisitBlocks(const FRegistryTables& Tables, const FTrigramNumbers& Numbers, 
 	}
 }
 
+/** The last text from Begin on, and before End, that starts at or before a place. Mostly a near one. */
+uint32 FindTextAt(const FRegistryTables& Tables, const char* Place, uint32 Begin, uint32 End)
+{
+	const auto StartsBefore = [&Tables, Place](uint32 Text) { return Tables.GetFolded(EZone::Entries, Text).data() <= Place; };
+	uint32 Step = 1;
+	for (; End - Begin > Step && StartsBefore(Begin + Step); Step *= 2)
+		Begin += Step;
+	uint32 Above = std::min(End - Begin, Step) + Begin;
+	while (Above - Begin > 1)
+	{
+		const uint32 Middle = Begin + (Above - Begin) / 2;
+		(StartsBefore(Middle) ? Begin : Above) = Middle;
+	}
+	return Begin;
+}
+
 /** Appends the ids of the texts between Begin and End that contain the finder's value, which is Length bytes long. */
 void FindInTexts(const FRegistryTables& Tables, const FTextFinder& Finder, std::size_t Length, uint32 Begin, uint32 End,
 	std::vector<uint32>& Out)
@@ -167,14 +183,8 @@ void FindInTexts(const FRegistryTables& Tables, const FTextFinder& Finder, std::
 	std::size_t From = 0;
 	while ((From = Finder.Find(Run, From)) != std::string_view::npos)
 	{
-		// The text that the place lies in: the last one that starts at or before it.
 		const char* const Place = Run.data() + From;
-		uint32 Above = End;
-		while (Above - Begin > 1)
-		{
-			const uint32 Middle = Begin + (Above - Begin) / 2;
-			(Tables.GetFolded(EZone::Entries, Middle).data() <= Place ? Begin : Above) = Middle;
-		}
+		Begin = FindTextAt(Tables, Place, Begin, End);
 		const std::string_view Text = Tables.GetFolded(EZone::Entries, Begin);
 		const bool bInside = static_cast<std::size_t>(Text.data() + Text.size() - Place) >= Length; // not across a zero byte
 		if (bInside)

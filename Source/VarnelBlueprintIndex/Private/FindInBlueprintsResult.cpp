@@ -1,23 +1,25 @@
 #include "BlueprintIndex/FindInBlueprintsResult.h"
 
+#include "IndexMatches.h"
+
 FString FFindInBlueprintsResult::GetDisplayString() const
 {
 	if (Entry == INDEX_NONE)
 		return Owner->GetObjectPath();
-	return FString(Owner->Index.GetText(Owner->Index.GetEntry(Entry).Text));
+	return FString(Owner->GetIndex().GetText(Owner->GetIndex().GetEntry(Entry).Text));
 }
 
 FString FFindInBlueprintsResult::GetCategory() const
 {
 	if (Entry == INDEX_NONE)
-		return Owner->Index.GetBlueprint(Owner->Blueprint).AssetClassPath.AssetName.ToString();
-	return FString(Owner->Index.GetText(Owner->Index.GetEntry(Entry).Category));
+		return Owner->GetIndex().GetBlueprint(Owner->GetBlueprint()).AssetClassPath.AssetName.ToString();
+	return FString(Owner->GetIndex().GetText(Owner->GetIndex().GetEntry(Entry).Category));
 }
 
 FString FFindInBlueprintsResult::GetCommentText() const
 {
-	const int32 Comment = Entry == INDEX_NONE ? INDEX_NONE : Owner->Index.GetEntry(Entry).Comment;
-	return Comment == INDEX_NONE ? FString() : FString(Owner->Index.GetText(Comment));
+	const int32 Comment = Entry == INDEX_NONE ? INDEX_NONE : Owner->GetIndex().GetEntry(Entry).Comment;
+	return Comment == INDEX_NONE ? FString() : FString(Owner->GetIndex().GetText(Comment));
 }
 
 const FFindInBlueprintsResult* FFindInBlueprintsResult::GetParent() const
@@ -33,19 +35,30 @@ FFindInBlueprintsResult::FChildren FFindInBlueprintsResult::GetChildren() const
 	return {Begin, Begin + NumBelow};
 }
 
-FImaginaryFiBData::FImaginaryFiBData(
-	const FBlueprintIndexView& InIndex, int32 InBlueprint, std::span<const uint32> InMatches, TSharedPtr<const void> InStorage)
-	: Index(InIndex)
-	, Blueprint(InBlueprint)
-	, Matches(InMatches)
-	, Storage(std::move(InStorage))
-	, Top(*this, INDEX_NONE, INDEX_NONE)
-{
-}
-
 FString FImaginaryFiBData::GetObjectPath() const
 {
-	return Index.GetBlueprint(Blueprint).GetObjectPathString();
+	return GetIndex().GetBlueprint(GetBlueprint()).GetObjectPathString();
+}
+
+TSharedPtr<FFindInBlueprintsResult> FImaginaryFiBData::GetSharedResult()
+{
+	return {Owner->shared_from_this(), &Top};
+}
+
+const FBlueprintIndexView& FImaginaryFiBData::GetIndex() const
+{
+	return Owner->Index;
+}
+
+int32 FImaginaryFiBData::GetBlueprint() const
+{
+	return Owner->Blueprints[Place];
+}
+
+std::span<const uint32> FImaginaryFiBData::GetMatches() const
+{
+	return std::span(Owner->Entries)
+		.subspan(Owner->FirstEntries[Place], Owner->FirstEntries[Place + 1] - Owner->FirstEntries[Place]);
 }
 
 void FImaginaryFiBData::ExpandAllChildren()
@@ -59,8 +72,9 @@ void FImaginaryFiBData::ExpandAllChildren()
 		int32 Line; // INDEX_NONE while nothing below has matched
 	};
 	std::vector<FOpenEntry> Open; // from the Blueprint down to the current entry
-	int32 Entry = Index.GetEntries(Blueprint).Begin;
-	for (const uint32 Match : Matches)
+	const FBlueprintIndexView& Index = GetIndex();
+	int32 Entry = Index.GetEntries(GetBlueprint()).Begin;
+	for (const uint32 Match : GetMatches())
 	{
 		for (; Entry <= static_cast<int32>(Match); ++Entry)
 		{

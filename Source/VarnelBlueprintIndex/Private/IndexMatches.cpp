@@ -96,13 +96,27 @@ void GroupByBlueprint(FIndexMatches& Matches, FSearchProgress& Progress)
 }
 }
 
-FIndexMatches FindIndexMatches(const FBlueprintIndexView& Index, FStringView Value, FSearchProgress& Progress)
+void FIndexMatches::MakeResults()
 {
-	FIndexMatches Matches{.Index = Index};
+	Results = std::make_unique<FImaginaryFiBData[]>(Blueprints.size());
+	for (std::size_t Place = 0; Place < Blueprints.size(); ++Place)
+	{
+		Results[Place].Owner = this;
+		Results[Place].Place = Place;
+	}
+}
+
+TSharedPtr<FIndexMatches> FindIndexMatches(const FBlueprintIndexView& Index, FStringView Value, FSearchProgress& Progress)
+{
+	const auto Matches = MakeShared<FIndexMatches>();
+	Matches->Index = Index;
 	const std::vector<uint32> Texts = Index.FindTexts(Value);
 	Progress.Done = TextsDone;
-	Matches.Entries = GatherEntries(Index, Texts, Progress);
+	Matches->Entries = GatherEntries(Index, Texts, Progress);
 	Progress.Done = EntriesDone;
-	GroupByBlueprint(Matches, Progress);
-	return Progress.bStop ? FIndexMatches{.Index = Index} : Matches;
+	GroupByBlueprint(*Matches, Progress);
+	if (Progress.bStop)
+		return nullptr;
+	Matches->MakeResults();
+	return Matches;
 }

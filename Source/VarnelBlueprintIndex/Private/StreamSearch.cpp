@@ -6,7 +6,7 @@
 FStreamSearch::FStreamSearch(const FString& InSearchValue, const FStreamSearchOptions& InOptions)
 	: SearchValue(InSearchValue)
 	, Options(InOptions)
-	, Index(FFindInBlueprintSearchManager::Get().GetIndex())
+	, BlueprintIndex(FFindInBlueprintSearchManager::Get().GetIndex())
 	, Progress(MakeUnique<FSearchProgress>())
 {
 	Thread = FRunnableThread::Create(this, "BlueprintStreamSearch");
@@ -45,7 +45,7 @@ uint32 FStreamSearch::Run()
 {
 	const auto Start = std::chrono::steady_clock::now();
 	if (Options.MinimumVersion <= BlueprintIndexVersion)
-		FindResults();
+		Matches = FindIndexMatches(BlueprintIndex, SearchValue, *Progress);
 	SearchSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	const std::lock_guard Guard(Lock);
 	bComplete = true;
@@ -53,30 +53,23 @@ uint32 FStreamSearch::Run()
 	return 0;
 }
 
-void FStreamSearch::FindResults()
-{
-	const auto Matches = MakeShared<FIndexMatches>(FindIndexMatches(Index, SearchValue, *Progress));
-	const std::span<const uint32> Entries = Matches->Entries;
-	Results.Reserve(static_cast<int32>(Matches->Blueprints.size()));
-	for (std::size_t Blueprint = 0; Blueprint < Matches->Blueprints.size() && !Progress->bStop; ++Blueprint)
-	{
-		const std::size_t First = Matches->FirstEntries[Blueprint];
-		Results.Add(MakeShared<FImaginaryFiBData>(Index, Matches->Blueprints[Blueprint],
-			Entries.subspan(First, Matches->FirstEntries[Blueprint + 1] - First), Matches));
-	}
-	if (Progress->bStop)
-		Results.Empty();
-}
-
 void FStreamSearch::GetFilteredItems(TArray<TSharedPtr<FFindInBlueprintsResult>>& OutItems) const
 {
 	checkf(bComplete, "results are read when the search has ended");
-	for (const TSharedPtr<FImaginaryFiBData>& Result : Results)
-		OutItems.Add(Result->GetSharedResult());
+	OutItems.Reserve(OutItems.Num() + NumResults());
+	for (int32 Index = 0; Index < NumResults(); ++Index)
+		OutItems.Add(Matches->Results[static_cast<std::size_t>(Index)].GetSharedResult());
 }
 
 void FStreamSearch::GetFilteredImaginaryResults(TArray<TSharedPtr<FImaginaryFiBData>>& OutResults) const
 {
 	checkf(bComplete, "results are read when the search has ended");
-	OutResults.Append(Results);
+	OutResults.Reserve(OutResults.Num() + NumResults());
+	for (int32 Index = 0; Index < NumResults(); ++Index)
+		OutResults.Add(TSharedPtr<FImaginaryFiBData>(Matches, &Matches->Results[static_cast<std::size_t>(Index)]));
+}
+
+int32 FStreamSearch::NumResults() const
+{
+	return Matches ? static_cast<int32>(Matches->Blueprints.size()) : 0;
 }

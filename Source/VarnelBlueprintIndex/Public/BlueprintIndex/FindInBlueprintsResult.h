@@ -5,6 +5,7 @@
 #include <span>
 
 class FImaginaryFiBData;
+struct FIndexMatches;
 
 /**
  * One line of a search's result: a Blueprint, or below it an entry that matches or that leads to one that does. Belongs to its
@@ -69,33 +70,35 @@ private:
 	int32 NumBelow = 0; // all lines below this one; they follow it
 };
 
-/** What a search found in one Blueprint, read from the index: nothing is loaded. */
-class FImaginaryFiBData : public std::enable_shared_from_this<FImaginaryFiBData>
+/** What a search found in one Blueprint, read from the index: nothing is loaded. Made by the search; lies beside those of the
+ * other Blueprints, which pointers to it keep alive too. */
+class FImaginaryFiBData
 {
 public:
-	/** Matches: entries of that Blueprint, ascending; Storage holds them. */
-	FImaginaryFiBData(const FBlueprintIndexView& InIndex, int32 InBlueprint, std::span<const uint32> InMatches,
-		TSharedPtr<const void> InStorage);
+	FImaginaryFiBData() = default;
 	FImaginaryFiBData(const FImaginaryFiBData&) = delete;
 	FImaginaryFiBData& operator=(const FImaginaryFiBData&) = delete;
 
 	/** "/Game/UI/WBP_HUD.WBP_HUD" */
 	FString GetObjectPath() const;
 	/** The entries that matched. */
-	int32 NumMatches() const { return static_cast<int32>(Matches.size()); }
+	int32 NumMatches() const { return static_cast<int32>(GetMatches().size()); }
 	/** The Blueprint's own line. */
 	const FFindInBlueprintsResult& GetResult() const { return Top; }
-	TSharedPtr<FFindInBlueprintsResult> GetSharedResult() { return {shared_from_this(), &Top}; }
+	TSharedPtr<FFindInBlueprintsResult> GetSharedResult();
 	/** Makes the lines below the Blueprint. One thread, before others look; a second call changes nothing. */
 	void ExpandAllChildren();
 
 private:
 	friend class FFindInBlueprintsResult;
+	friend struct FIndexMatches;
 
-	const FBlueprintIndexView Index;
-	const int32 Blueprint;
-	const std::span<const uint32> Matches;
-	const TSharedPtr<const void> Storage;
-	FFindInBlueprintsResult Top;
+	const FBlueprintIndexView& GetIndex() const;
+	int32 GetBlueprint() const;
+	std::span<const uint32> GetMatches() const;
+
+	const FIndexMatches* Owner = nullptr;
+	std::size_t Place = 0; // among the owner's Blueprints
+	FFindInBlueprintsResult Top = FFindInBlueprintsResult(*this, INDEX_NONE, INDEX_NONE);
 	std::vector<FFindInBlueprintsResult> Lines; // parents before children
 };

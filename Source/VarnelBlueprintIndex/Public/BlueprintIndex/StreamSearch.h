@@ -48,13 +48,13 @@ public:
 
 private:
 	uint32 Run() override;
-	void FindResults();
+	int32 NumResults() const;
 
 	const FString SearchValue;
 	const FStreamSearchOptions Options;
-	const FBlueprintIndexView Index;
+	const FBlueprintIndexView BlueprintIndex;
 	const TUniquePtr<struct FSearchProgress> Progress;
-	TArray<TSharedPtr<FImaginaryFiBData>> Results; // this and the next: written by the thread until bComplete
+	TSharedPtr<FIndexMatches> Matches; // this and the next: written by the thread until bComplete
 	double SearchSeconds = 0;
 	std::mutex Lock;
 	std::condition_variable Completed;

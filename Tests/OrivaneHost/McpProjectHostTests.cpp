@@ -236,6 +236,7 @@ TEST(TimeOutAdvice, NamesTheSearchThatNeverEnds)
 	} Cases[] = {
 		{"all families", R"({"term":""})", true},
 		{"no families means all", R"({"term":"","include_asset_families":[]})", true},
+		{"nothing but no texts means all", R"({"term":"","include_asset_families":[null]})", true},
 		{"named, in any case", R"({"term":"","include_asset_families":["Enum","blueprint"]})", true},
 		{"left out", R"({"term":"","include_asset_families":["Enum"]})", false},
 		{"a term", R"({"term":"x"})", false},

@@ -1,5 +1,6 @@
 #include "Project.h"
 
+#include "BlueprintIndex/FindInBlueprintSearchManager.h"
 #include "Core/File.h"
 #include "Core/ProjectFolder.h"
 #include "Core/Unicode.h"
@@ -181,7 +182,8 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	MountRoots(Summary, Options.EngineContent);
 
 	GetRegistry().SetClassParents(GetClassParents());
-	if (!GetRegistry().Scan(MakeScanOptions(Options, Summary.Folder, Diagnostics), Summary.Scan))
+	FFindInBlueprintSearchManager& Index = FFindInBlueprintSearchManager::Get();
+	if (!Index.CacheAllUnindexed(GetRegistry(), MakeScanOptions(Options, Summary.Folder, Diagnostics), Summary.Scan))
 	{
 		OutError = "opening was interrupted";
 		return false;

@@ -3,6 +3,7 @@
 #include "AssetTypeGroup.h"
 #include "Families/BehaviorTreeFamily.h"
 #include "Families/BlackboardFamily.h"
+#include "Families/BlueprintFamily.h"
 #include "Families/DataAssetFamily.h"
 #include "Families/DataTableFamily.h"
 #include "Families/EnumFamily.h"
@@ -28,6 +29,7 @@ struct FFamily
 
 // Searched in this order; with a per-type cap, who comes first gets in.
 constexpr FFamily Families[] = {
+	{"Blueprint", SearchBlueprints},
 	{"Text", SearchTextFiles},
 	{"BehaviorTree", SearchBehaviorTrees},
 	{"Blackboard", SearchBlackboards},

@@ -53,9 +53,10 @@ private:
 void FDump::WriteTotals() const
 {
 	Write(FString::Printf(
-		"registry of %zu bytes: %u packages, %u assets, %zu dependencies, %u classes, %zu index entries, %zu texts",
+		"registry of %zu bytes: %u packages, %u assets, %zu dependencies, %u classes, %zu index entries, %zu uses "
+		"of texts by them, %zu trigrams, %zu texts",
 		Image.GetBytes().size(), Image.NumPackages(), Image.NumAssets(), Tables.DependencyTargets.size(), Image.NumClasses(),
-		Tables.EntryTexts.size(), Tables.TextStarts.size() - 1));
+		Tables.EntryTexts.size(), Tables.Uses.size(), Tables.TrigramKeys.size(), Tables.TextStarts.size() - 1));
 }
 
 void FDump::WriteRoots() const

@@ -1,6 +1,7 @@
 #include "Mcp/McpProjectHost.h"
 
 #include "Core/Tasks.h"
+#include "CoreObject/Loader.h"
 #include "HeadlessEngine.h"
 #include "Mcp/McpTools.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
@@ -15,7 +16,7 @@ namespace
 {
 using FAny = nlohmann::ordered_json;
 
-class FFakeTool final : public Orivane::ITool
+class FFakeTool : public Orivane::ITool
 {
 public:
 	FString GetSchema() const override { return "{}"; }
@@ -28,6 +29,19 @@ public:
 	{
 		Result->AddSuccessMessage(Command.ArgumentsJson);
 		OnComplete.ExecuteIfBound(*Result);
+	}
+};
+
+/** Loads a package when it runs, and says whether it is there; without an answer for the arguments "never". */
+class FLoadingTool final : public FFakeTool
+{
+public:
+	void Execute(const Orivane::FToolCommand& Command, TSharedPtr<Orivane::FToolResult> Result,
+		TDelegate<void(Orivane::FToolResult&)> OnComplete) override
+	{
+		Result->AddSuccessMessage(LoadPackage("/Game/A") ? "loaded" : "missing");
+		if (Command.ArgumentsJson != "never")
+			OnComplete.ExecuteIfBound(*Result);
 	}
 };
 
@@ -61,6 +75,33 @@ protected:
 
 using FTexts = std::vector<std::string>;
 
+/** One package that can be loaded, and room for none between calls. */
+class FTightMemory
+{
+public:
+	FTightMemory()
+	{
+		SetPackageLocator(
+			[](FName) -> TOptional<FPackageFile>
+			{
+				return FPackageFile{.FileName = "A.vasset",
+					.Source = &GetVassetPackageSource(),
+					.Read = [](std::string& Buffer, uint64, std::size_t)
+					{
+						Buffer = R"({"varnel_package":1,"objects":[{"path":"A","class":"/Script/Engine.InputAction"}]})";
+						return EFileRead::Ok;
+					}};
+			});
+		SetObjectMemoryLimit(1);
+	}
+	~FTightMemory()
+	{
+		UnloadAllLoadedPackages();
+		SetPackageLocator(nullptr);
+		SetObjectMemoryLimit(0);
+	}
+};
+
 /** What clients stumble over in a schema, anywhere below its top. */
 void LintProperty(const FAny& Schema, const std::string& Path)
 {
@@ -92,6 +133,27 @@ void LintSchema(const FAny& Schema, const std::string& Path)
 	for (const FAny& Required : AllRequired)
 		EXPECT_TRUE(Schema["properties"].contains(Required.get<std::string>())) << Required;
 }
+}
+
+TEST_F(McpProjectHost, EvictsObjectsWhenNoCallIsOpen)
+{
+	const FTightMemory Memory;
+	FOrivaneToolkitModule::GetToolExecutor()->RegisterTool("loading", MakeShared<FLoadingTool>());
+	const auto CallLoading = [this](FMcpCallNumber Number, const char* Arguments)
+	{
+		Host->StartCall(Number, "loading", Arguments,
+			[this](const Orivane::FToolResult& Result)
+			{ Answers.push_back(FindPackage("/Game/A") ? "there" : Result.GetMessages()[0].Text.ToStdString()); });
+	};
+	Host->OnProjectOpened();
+	CallLoading(1, "never");
+	CallLoading(2, "{}");
+	EXPECT_EQ(TakeAnswers(), FTexts{"there"});
+	EXPECT_NE(FindPackage("/Game/A"), nullptr) << "a call is still open";
+	Host->CancelCall(1);
+	CallLoading(3, "{}");
+	EXPECT_EQ(TakeAnswers(), FTexts{"there"}) << "not while the call is being answered";
+	EXPECT_EQ(FindPackage("/Game/A"), nullptr);
 }
 
 TEST_F(McpProjectHost, HoldsCallsUntilTheProjectIsOpen)
@@ -174,6 +236,7 @@ TEST(TimeOutAdvice, NamesTheSearchThatNeverEnds)
 	} Cases[] = {
 		{"all families", R"({"term":""})", true},
 		{"no families means all", R"({"term":"","include_asset_families":[]})", true},
+		{"nothing but no texts means all", R"({"term":"","include_asset_families":[null]})", true},
 		{"named, in any case", R"({"term":"","include_asset_families":["Enum","blueprint"]})", true},
 		{"left out", R"({"term":"","include_asset_families":["Enum"]})", false},
 		{"a term", R"({"term":"x"})", false},

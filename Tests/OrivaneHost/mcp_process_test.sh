@@ -113,7 +113,7 @@ timeout "$patience" "$orivane" mcp --project "$project" </dev/null >&- || fail "
 "id":2,"result":\{\}' --project "$scratch/Empty"
 { handshake; request 1 tools/call '{"name":"asset_search","arguments":{"term":"e","max_total_hits":10000,"max_hits_per_asset_type":10000}}'; } |
 	transcript "a limit of bytes" '"id":0,
-"id":1,.*Answer limited to 16384 bytes: [0-9]+ of [0-9]+ assets' --project "$project" --max-answer-bytes 16384
+"id":1,.*Answer limited to 16384 bytes: ([0-9]+ of [0-9]+ hits, )?[0-9]+ of [0-9]+ assets' --project "$project" --max-answer-bytes 16384
 awk 'length > 16384 { exit 1 }' "$scratch/output" || fail "a line above the limit of bytes"
 
 errors=$scratch/unread

@@ -1,6 +1,7 @@
 #include "Quellar/AssetSearchOperation.h"
 
 #include "Core/Json.h"
+#include "Core/Tasks.h"
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
@@ -21,6 +22,7 @@ std::string Execute(FTestProject& Project, const std::string& ArgumentsJson)
 			++NumCompletions;
 			EXPECT_EQ(&Completed, &Result);
 		});
+	FGameThread::Get().RunUntil([&] { return NumCompletions > 0; }, std::chrono::seconds(60));
 	EXPECT_EQ(NumCompletions, 1);
 	return RenderResult(Result);
 }

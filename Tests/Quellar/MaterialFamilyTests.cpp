@@ -165,7 +165,7 @@ TEST(MaterialFamily, SurvivesWhatIsFaulty)
 	Project.MaterialInstance("/Game/MI_3", "/Game/MI_3").Scalar("Old", "3").Scalar("Old", "4");
 	Project.MaterialInstance("/Game/MI_4", "/Game/MI_Gone").Scalar("Old", "1e39").Scalar("C", "-0.0000001");
 	Project.Material("/Game/M_5").Scalar("Old", "1e999").Vector("V", R"({"R": 3e38, "B": 1e39})");
-	Project.Asset("/Game/M_6", "/Script/Engine.Material", R"({"path": "M_6", "class": "/Script/Engine.StaticMesh"})");
+	Project.Objects("/Game/M_6", "/Script/Engine.Material", R"({"path": "M_6", "class": "/Script/Engine.StaticMesh"})");
 	for (int32 Level = 1; Level <= 200; ++Level)
 		Project.MaterialInstance("/Game/Deep/D_" + std::to_string(Level), "/Game/Deep/D_" + std::to_string(Level - 1))
 			.Scalar("D" + std::to_string(Level) + "_", "1");

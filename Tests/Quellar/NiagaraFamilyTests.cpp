@@ -22,7 +22,7 @@ FTestNiagaraSystem& Describe(FTestProject& Project)
 	Project.File("Script/FX.vscript",
 		R"({"varnel_script": 1, "classes": [{"name": "SpriteRenderer", "super": "/Script/Engine.NiagaraRendererProperties"},
 		{"name": "EffectKind", "super": "/Script/Engine.PrimaryDataAsset"}], "structs": [{"name": "Colour", "properties": []}]})");
-	Project.Asset("/Game/ET_Fire", "/Script/FX.EffectKind", R"({"path": "ET_Fire", "class": "/Script/FX.EffectKind"})");
+	Project.Objects("/Game/ET_Fire", "/Script/FX.EffectKind", R"({"path": "ET_Fire", "class": "/Script/FX.EffectKind"})");
 	return Project.NiagaraSystem("/Game/FX/NS_Sparks")
 		.EffectType("/Game/ET_Fire.ET_Fire")
 		.Emitter("Glow")
@@ -127,7 +127,7 @@ TEST(NiagaraFamily, SurvivesWhatIsFaulty)
 		.UserParameter("User.A", "/Script/Test.Gone")
 		.UserParameter("User.A")
 		.UserParameter("User.B", "/Game/NS_Mesh.NS_Mesh");
-	Project.Asset(
+	Project.Objects(
 		"/Game/NS_Mesh", "/Script/Engine.NiagaraSystem", R"({"path": "NS_Mesh", "class": "/Script/Engine.StaticMesh"})");
 	Project.Open();
 	SetMode(1);

@@ -2,6 +2,7 @@
 
 #include "Core/Tasks.h"
 #include "Project.h"
+#include "ProjectCheck.h"
 
 #include <sstream>
 
@@ -19,6 +20,18 @@ std::string GetPackageFile(const std::string& Package)
 	return "Content/" + Package.substr(GameRoot.size()) + ".vasset";
 }
 
+std::string GetClassPath(const std::string& Class)
+{
+	return Class.starts_with("/") ? Class : "/Script/Engine." + Class;
+}
+
+std::string ReplaceAll(std::string Text, const std::string& From, const std::string& To)
+{
+	for (std::size_t At = Text.find(From); At != std::string::npos; At = Text.find(From, At + To.size()))
+		Text.replace(At, From.size(), To);
+	return Text;
+}
+
 std::string RenderHit(const FAssetHit& Hit)
 {
 	std::string Text = Hit.Kind.ToStdString() + " " + Hit.Name.ToStdString();
@@ -32,6 +45,40 @@ std::string RenderAssetName(const FAssetResult& Asset)
 	const std::string Path = Asset.AssetPath.ToStdString();
 	return Path.starts_with("/") ? Path.substr(Path.rfind('.') + 1) : Path;
 }
+}
+
+FTestAsset::FTestAsset(std::string InPackage, std::string InClass)
+	: Package(std::move(InPackage))
+	, Name(GetShortName(Package))
+	, Class(GetClassPath(InClass))
+{
+}
+
+FTestAsset& FTestAsset::Tags(const std::string& Members)
+{
+	TagMembers = Members;
+	return *this;
+}
+
+FTestAsset& FTestAsset::Set(const std::string& Property, const std::string& Value)
+{
+	Properties += (Properties.empty() ? "\"" : ", \"") + Property + "\": " + Value;
+	return *this;
+}
+
+FTestAsset& FTestAsset::Inner(const std::string& Path, const std::string& InnerClass, const std::string& InnerProperties)
+{
+	InnerObjects += R"(, {"path": "^)" + Path + R"(", "class": ")" + GetClassPath(InnerClass) + R"(", "properties": {)" +
+		InnerProperties + "}}";
+	return *this;
+}
+
+std::string FTestAsset::ToJson() const
+{
+	const std::string Objects =
+		R"({"path": ")" + Name + R"(", "class": ")" + Class + R"(", "properties": {)" + Properties + "}}" + InnerObjects;
+	return R"({"varnel_package": 1, "assets": [{"name": ")" + Name + R"(", "class": ")" + Class + R"(", "tags": {)" + TagMembers +
+		R"(}}], "dependencies": [], "blueprint_index": [], "objects": [)" + ReplaceAll(Objects, "\"^", "\"" + Name + ":") + "]}";
 }
 
 FTestProject::FTestProject()
@@ -64,11 +111,22 @@ FTestNiagaraSystem& FTestProject::NiagaraSystem(const std::string& Package)
 	return NiagaraSystems.emplace_back(Package);
 }
 
-FTestProject& FTestProject::Asset(const std::string& Package, const std::string& Class, const std::string& Objects)
+FTestProject& FTestProject::Objects(const std::string& Package, const std::string& Class, const std::string& Elements)
 {
 	return File(GetPackageFile(Package),
 		R"({"varnel_package": 1, "assets": [{"name": ")" + GetShortName(Package) + R"(", "class": ")" + Class +
-			R"("}], "dependencies": [], "blueprint_index": [], "objects": [)" + Objects + "]}");
+			R"("}], "dependencies": [], "blueprint_index": [], "objects": [)" + Elements + "]}");
+}
+
+FTestAsset& FTestProject::Asset(const std::string& Package, const std::string& Class)
+{
+	bOpen = false;
+	return Assets.emplace_back(Package, Class);
+}
+
+FTestProject& FTestProject::Script(const std::string& Module, const std::string& Declarations)
+{
+	return File("Script/" + Module + ".vscript", R"({"varnel_script": 1, )" + Declarations + "}");
 }
 
 FTestProject& FTestProject::File(const std::string& Path, const std::string& Bytes)
@@ -93,10 +151,10 @@ FTestProject& FTestProject::Header(const std::string& Package, const std::string
 }
 
 FTestProject& FTestProject::Links(
-	const std::string& Package, const std::vector<std::string>& Assets, const std::vector<std::string>& Dependencies)
+	const std::string& Package, const std::vector<std::string>& AssetLines, const std::vector<std::string>& Dependencies)
 {
 	std::string AssetsJson;
-	for (const std::string& Asset : Assets)
+	for (const std::string& Asset : AssetLines)
 	{
 		std::istringstream Words(Asset);
 		std::string Name, Class, Filtered;
@@ -153,9 +211,11 @@ void FTestProject::Open()
 	for (const FTestTable& Table : Tables)
 		WriteTable(Table);
 	for (const FTestMaterial& Described : Materials)
-		Asset(Described.GetPackage(), Described.GetClass(), Described.GetObjects());
+		Objects(Described.GetPackage(), Described.GetClass(), Described.GetObjects());
 	for (const FTestNiagaraSystem& Described : NiagaraSystems)
-		Asset(Described.GetPackage(), Described.GetClass(), Described.GetObjects());
+		Objects(Described.GetPackage(), Described.GetClass(), Described.GetObjects());
+	for (const FTestAsset& Described : Assets)
+		Folder.Write(GetPackageFile(Described.Package), Described.ToJson());
 	WriteScriptModule();
 	Folder.Write("Config/DefaultGame.ini", "[/Script/Quellar.QuellarSettings]\n" + SettingsLines);
 
@@ -193,6 +253,19 @@ FAssetSearchResult FTestProject::Search(const std::string& Family, const std::st
 	return Search(Params);
 }
 
+std::string FTestProject::Check()
+{
+	if (!bOpen)
+		Open();
+	FDiagnosticSink Sink;
+	CheckPackages(Sink, {});
+	std::string Text;
+	for (const FDiagnostic& Fault : Sink.GetSorted())
+		Text += (Text.empty() ? "" : "\n") + GetShortName(Fault.File.ToStdString()) +
+			(Fault.Severity == EDiagnosticSeverity::Error ? " error " : " warning ") + Fault.Rule.ToStdString();
+	return Text;
+}
+
 std::string Render(const FAssetSearchResult& Result)
 {
 	std::string Text;
@@ -204,6 +277,15 @@ std::string Render(const FAssetSearchResult& Result)
 		Text += Asset.bTruncated ? " (truncated)" : "";
 	}
 	return Text + (Result.bTruncated ? " (truncated)" : "");
+}
+
+void ExpectFound(FTestProject& Project, const std::string& Family, std::initializer_list<FSearchCase> Cases)
+{
+	for (const FSearchCase& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		EXPECT_EQ(Render(Project.Search(Family, Case.Term)), Case.Expected);
+	}
 }
 
 std::string RenderAssets(const FAssetSearchResult& Result)

@@ -43,6 +43,32 @@ private:
 	int32 NumRows = 0;
 };
 
+/** A package with one asset under construction, of any class. */
+class FTestAsset
+{
+public:
+	FTestAsset(std::string InPackage, std::string InClass);
+
+	/** Registry tags, the members of a JSON object. */
+	FTestAsset& Tags(const std::string& Members);
+	/** Value is JSON. References to inner objects are written "^Path", which stands for the object of that path inside the asset.
+	 */
+	FTestAsset& Set(const std::string& Property, const std::string& Value);
+	/** An object inside the asset, "Root" or "Root.Deeper". Properties are the members of a JSON object. */
+	FTestAsset& Inner(const std::string& Path, const std::string& Class, const std::string& Properties = "");
+
+private:
+	friend class FTestProject;
+	std::string ToJson() const;
+
+	std::string Package;
+	std::string Name;
+	std::string Class;
+	std::string TagMembers;
+	std::string Properties;
+	std::string InnerObjects;
+};
+
 /**
  * A whole project for one test: described in a few calls, written to a scratch folder and opened at the first question. The
  * calling thread is the game thread. One at a time.
@@ -58,7 +84,11 @@ public:
 	FTestMaterial& MaterialInstance(const std::string& Package, const std::string& ParentPackage);
 	FTestNiagaraSystem& NiagaraSystem(const std::string& Package);
 	/** A package of one asset with the given elements of the list "objects". */
-	FTestProject& Asset(const std::string& Package, const std::string& Class, const std::string& Objects);
+	FTestProject& Objects(const std::string& Package, const std::string& Class, const std::string& Elements);
+	/** Class: a path, or the short name of an engine class. */
+	FTestAsset& Asset(const std::string& Package, const std::string& Class);
+	/** A script module; Declarations are members such as "classes": [...]. */
+	FTestProject& Script(const std::string& Module, const std::string& Declarations);
 	/** A file of the project, relative to its folder. */
 	FTestProject& File(const std::string& Path, const std::string& Bytes);
 	/** Lines of Config/DefaultGame.ini below [/Script/Quellar.QuellarSettings]. */
@@ -68,12 +98,14 @@ public:
 	/** The same with several assets ("Name Class", with " filtered" behind it for one that the registry hides) and dependencies
 	 * ("/Game/B", with " soft" and " editor" behind it for what is not hard or not needed at run time). */
 	FTestProject& Links(
-		const std::string& Package, const std::vector<std::string>& Assets, const std::vector<std::string>& Dependencies);
+		const std::string& Package, const std::vector<std::string>& AssetLines, const std::vector<std::string>& Dependencies);
 
 	/** Writes and opens what was described; asking does it by itself. Again after further calls: opens anew. */
 	void Open();
 	FAssetSearchResult Search(const FAssetSearchParams& Params);
 	FAssetSearchResult Search(const std::string& Family, const std::string& Term);
+	/** Every fault that a check of the opened project's packages finds, one a line: "BT_A.vasset error tree-cycle". */
+	std::string Check();
 	const FScratchFolder& GetFolder() const { return Folder; }
 
 private:
@@ -85,6 +117,7 @@ private:
 	std::deque<FTestTable> Tables;
 	std::deque<FTestMaterial> Materials;
 	std::deque<FTestNiagaraSystem> NiagaraSystems;
+	std::deque<FTestAsset> Assets;
 	std::string SettingsLines;
 	bool bOpen = false;
 };
@@ -94,5 +127,13 @@ private:
  * or at the end; package paths are cut to their last segment.
  */
 std::string Render(const FAssetSearchResult& Result);
+/** One question of a family, and the rendered answer. */
+struct FSearchCase
+{
+	const char* Why;
+	const char* Term;
+	std::string Expected;
+};
+void ExpectFound(FTestProject& Project, const std::string& Family, std::initializer_list<FSearchCase> Cases);
 /** The assets alone, in order: "DT_Items DT_Weapons". */
 std::string RenderAssets(const FAssetSearchResult& Result);

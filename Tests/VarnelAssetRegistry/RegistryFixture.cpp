@@ -36,7 +36,8 @@ public:
 		}
 		return true;
 	}
-	bool ReadBody(std::string&, const FString&, UPackage&, FDiagnosticSink*) override { return false; }
+	void ParseBody(std::string&) override {}
+	bool ReadBody(const FString&, UPackage&, FDiagnosticSink*) override { return false; }
 
 private:
 	static bool ReadLine(std::string_view Word, std::string_view Line, FPackageHeader& Out)

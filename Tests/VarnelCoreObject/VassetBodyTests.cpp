@@ -179,7 +179,8 @@ TEST_F(VassetBody, ReportsWhatTheHeaderHasNotSeen)
 		FPackageHeader Header;
 		FDiagnosticSink Sink;
 		EXPECT_TRUE(Reader->ReadHeader(Bytes, "P.vasset", Header, &Sink));
-		EXPECT_TRUE(Reader->ReadBody(Bytes, "P.vasset", *Package, &Sink));
+		Reader->ParseBody(Bytes);
+		EXPECT_TRUE(Reader->ReadBody("P.vasset", *Package, &Sink));
 		EXPECT_EQ(RenderFaults(Sink), Marked.Place(Case.Faults));
 		UnloadPackage(Package);
 	}
@@ -200,7 +201,8 @@ TEST_F(VassetBody, LeavesNothingBehindAMalformedBody)
 	{
 		std::string Bytes = Text;
 		FDiagnosticSink Sink;
-		EXPECT_FALSE(Reader->ReadBody(Bytes, "P.vasset", *Package, &Sink)) << Text;
+		Reader->ParseBody(Bytes);
+		EXPECT_FALSE(Reader->ReadBody("P.vasset", *Package, &Sink)) << Text;
 		EXPECT_EQ(Sink.NumErrors(), 1) << Text;
 	}
 	EXPECT_EQ(List(Package), "");

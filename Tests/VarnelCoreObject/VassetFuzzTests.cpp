@@ -120,7 +120,8 @@ protected:
 	{
 		UPackage* const Package = FindPackage("/Game/Fuzz", true);
 		FDiagnosticSink Sink;
-		const bool bRead = Reader->ReadBody(Bytes, "Fuzz.vasset", *Package, &Sink);
+		Reader->ParseBody(Bytes);
+		const bool bRead = Reader->ReadBody("Fuzz.vasset", *Package, &Sink);
 		EXPECT_TRUE(bRead || List(Package).empty());
 		EXPECT_TRUE(bRead || Sink.NumErrors() > 0);
 		UnloadPackage(Package);

@@ -32,6 +32,7 @@ Exit codes: 0 found or clean; 1 nothing found, problems found, or the tool repor
 constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
   orivane search "float" --family DataTable
+  orivane search TargetActor --family BehaviorTree,Blackboard
   orivane search Lantern --exact --case-sensitive --path /Game/Data
   orivane search Sparks --family NiagaraSystem --preload /Game/FX
   orivane search Stamina --json | jq '.assets[].asset')";
@@ -133,6 +134,11 @@ void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
 		->check(CLI::Range(0, 1024))
 		->type_name("N");
+	const auto TakeMegabytes = [&Out](const int64& Megabytes) { Out.ObjectMemory = Megabytes << 20; };
+	App.add_option_function<int64>(
+		   "--object-memory", TakeMegabytes, "Memory that loaded objects may keep between calls [a quarter of the machine's]")
+		->check(CLI::Range(int64{1}, int64{1} << 30))
+		->type_name("MB");
 	CLI::Option* NoCache = App.add_flag_callback(
 		"--no-cache", [&Out] { Out.Cache = ERegistryCache::Ignore; }, "Neither read nor write the registry cache");
 	App.add_flag_callback(

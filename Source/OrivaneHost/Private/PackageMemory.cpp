@@ -69,8 +69,8 @@ bool PackageMemory::Load(
 			return false;
 		}
 		const bool bLoaded = LoadPackage(Package) != nullptr;
-		if (bLoaded)
-			GetKept().Add(Package);
+		if (bLoaded && GetKept().Add(Package))
+			PinPackage(Package);
 		++OutLoaded.NumPackages;
 		OutLoaded.NumFailed += bLoaded ? 0 : 1;
 		if (Progress)
@@ -96,8 +96,12 @@ bool PackageMemory::Unload(const FString& Path, int32& OutNumUnloaded, FString& 
 	}
 	TSet<FName> Kept;
 	for (const FName Package : GetKept())
-		if (!Named.Contains(Package))
+	{
+		if (Named.Contains(Package))
+			UnpinPackage(Package);
+		else
 			Kept.Add(Package);
+	}
 	GetKept() = std::move(Kept);
 	OutNumUnloaded = InMemory.Num();
 	DestroyObjects(InMemory);
@@ -106,6 +110,8 @@ bool PackageMemory::Unload(const FString& Path, int32& OutNumUnloaded, FString& 
 
 void PackageMemory::Forget()
 {
+	for (const FName Package : GetKept())
+		UnpinPackage(Package);
 	GetKept().Empty();
 }
 

@@ -1,6 +1,7 @@
 #include "ParentCheck.h"
 
 #include "CoreObject/PackageName.h"
+#include "Engine/Blackboard.h"
 #include "Engine/Material.h"
 #include "Project.h"
 
@@ -14,7 +15,14 @@ void ReportAt(const FString& Object, FDiagnosticSink& Diagnostics, EDiagnosticSe
 	Diagnostics.Add({FProject::GetPackageFileName(Package), 0, 0, Severity, std::move(Text), Rule});
 }
 
-void ReportCycle(const FString& Start, const TMap<FString, FString>& ParentOf, FDiagnosticSink& Diagnostics)
+/** What is there to say about lines of one class. */
+struct FKind
+{
+	const char* Name;
+	int32 MaxParents; // those beyond are not seen
+};
+
+void ReportCycle(const FKind& Kind, const FString& Start, const TMap<FString, FString>& ParentOf, FDiagnosticSink& Diagnostics)
 {
 	FString Line = Start;
 	const FString* Parent = ParentOf.Find(Start);
@@ -22,27 +30,17 @@ void ReportCycle(const FString& Start, const TMap<FString, FString>& ParentOf, F
 		if (NumNamed <= MaxNamed)
 			Line += FString(" -> ") + (NumNamed < MaxNamed ? Parent->View() : "...");
 	ReportAt(Start, Diagnostics, EDiagnosticSeverity::Error, "parent-cycle",
-		"parents of a material instance lead back to it: " + Line + " -> " + Start);
+		FString("parents of a ") + Kind.Name + " lead back to it: " + Line + " -> " + Start);
 }
 
-void ReportLongLine(const FString& Instance, FDiagnosticSink& Diagnostics)
+void ReportLongLine(const FKind& Kind, const FString& Object, FDiagnosticSink& Diagnostics)
 {
-	ReportAt(Instance, Diagnostics, EDiagnosticSeverity::Warning, "long-parents",
-		FString::Printf("a material instance has more than %d parents above it; parameters of those beyond are not seen",
-			UMaterialInterface::MaxParents));
-}
-}
-
-void FParentCheck::Add(const UPackage& Package)
-{
-	TArray<UObject*> Objects;
-	GetObjectsWithOuter(&Package, Objects, true);
-	for (const UObject* Object : Objects)
-		if (const auto* Instance = Cast<UMaterialInstance>(Object); Instance && !Instance->Parent.IsNull())
-			ParentOf.Add(Instance->GetPathName(), Instance->Parent.GetPath().ToString());
+	ReportAt(Object, Diagnostics, EDiagnosticSeverity::Warning, "long-parents",
+		FString::Printf(
+			"a %s has more than %d parents above it; parameters of those beyond are not seen", Kind.Name, Kind.MaxParents));
 }
 
-void FParentCheck::Report(FDiagnosticSink& Diagnostics) const
+void ReportLines(const FKind& Kind, const TMap<FString, FString>& ParentOf, FDiagnosticSink& Diagnostics)
 {
 	TMap<FString, int32> NumParents; // of objects that are settled; in a cycle, none
 	for (const auto& [First, FirstParent] : ParentOf)
@@ -54,13 +52,33 @@ void FParentCheck::Report(FDiagnosticSink& Diagnostics) const
 		const int32* Above = Next ? NumParents.Find(*Next) : nullptr;
 		const bool bCycle = Next && !Above;
 		if (bCycle)
-			ReportCycle(*Next, ParentOf, Diagnostics);
+			ReportCycle(Kind, *Next, ParentOf, Diagnostics);
 		int32 Count = (Above ? *Above : -1) + Line.Num();
 		for (const FString& Object : Line)
 		{
 			NumParents.Add(Object, bCycle ? 0 : Count);
-			if (!bCycle && Count-- == UMaterialInterface::MaxParents + 1)
-				ReportLongLine(Object, Diagnostics);
+			if (!bCycle && Count-- == Kind.MaxParents + 1)
+				ReportLongLine(Kind, Object, Diagnostics);
 		}
 	}
+}
+}
+
+void FParentCheck::Add(const UPackage& Package)
+{
+	TArray<UObject*> Objects;
+	GetObjectsWithOuter(&Package, Objects, true);
+	for (const UObject* Object : Objects)
+	{
+		if (const auto* Instance = Cast<UMaterialInstance>(Object); Instance && !Instance->Parent.IsNull())
+			MaterialParents.Add(Instance->GetPathName(), Instance->Parent.GetPath().ToString());
+		else if (const auto* Blackboard = Cast<UBlackboardData>(Object); Blackboard && !Blackboard->Parent.IsNull())
+			BlackboardParents.Add(Blackboard->GetPathName(), Blackboard->Parent.GetPath().ToString());
+	}
+}
+
+void FParentCheck::Report(FDiagnosticSink& Diagnostics) const
+{
+	ReportLines({.Name = "material instance", .MaxParents = UMaterialInterface::MaxParents}, MaterialParents, Diagnostics);
+	ReportLines({.Name = "blackboard", .MaxParents = INT32_MAX - 1}, BlackboardParents, Diagnostics);
 }

@@ -1,5 +1,6 @@
 #include "Project.h"
 
+#include "BlueprintIndex/FindInBlueprintSearchManager.h"
 #include "Core/File.h"
 #include "Core/ProjectFolder.h"
 #include "Core/Unicode.h"
@@ -11,6 +12,7 @@
 #include "UserFolders.h"
 
 #include <chrono>
+#include <unistd.h>
 
 namespace
 {
@@ -33,6 +35,11 @@ FString GetUserCacheFolder(const FString& ProjectFolder)
 	if (Base.IsEmpty())
 		return {};
 	return Base + FString::Printf("/orivane/%016llx/", static_cast<unsigned long long>(Unicode::HashFolded(ProjectFolder)));
+}
+
+int64 GetDefaultObjectMemory()
+{
+	return static_cast<int64>(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGESIZE) / 4;
 }
 
 void MountRoots(const FProjectSummary& Summary, const FString& EngineContent)
@@ -175,12 +182,14 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	MountRoots(Summary, Options.EngineContent);
 
 	GetRegistry().SetClassParents(GetClassParents());
-	if (!GetRegistry().Scan(MakeScanOptions(Options, Summary.Folder, Diagnostics), Summary.Scan))
+	FFindInBlueprintSearchManager& Index = FFindInBlueprintSearchManager::Get();
+	if (!Index.CacheAllUnindexed(GetRegistry(), MakeScanOptions(Options, Summary.Folder, Diagnostics), Summary.Scan))
 	{
 		OutError = "opening was interrupted";
 		return false;
 	}
 	SetPackageLocator(LocatePackage);
+	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	GetOpenProject() = {.bOpen = true, .Summary = std::move(Summary)};
 	return true;

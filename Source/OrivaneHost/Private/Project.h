@@ -17,6 +17,7 @@ struct FProjectOptions
 	FString EngineContent; // folder mounted as /Engine; empty: none
 	ERegistryCache Cache = ERegistryCache::Use;
 	int32 NumThreads = 0;	 // 0: all processors
+	int64 ObjectMemory = 0;	 // bytes that loaded objects may take between calls; 0: a quarter of the machine's memory
 	TArray<FString> Preload; // paths for PackageMemory::Load, see PreloadPackages
 	FScanProgress* Progress = nullptr;
 	std::stop_token Stop;

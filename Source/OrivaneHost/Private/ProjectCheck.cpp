@@ -105,16 +105,33 @@ private:
 	std::vector<FForeignReference> Unsettled;
 };
 
-void LoadEveryPackage(FParentCheck& Parents, const std::stop_token& Stop)
+void CheckObjects(const UPackage& Package, FDiagnosticSink& Diagnostics)
 {
+	const auto Report = [&](EDiagnosticSeverity Severity, const char* Rule, FString Text) {
+		Diagnostics.Add({FProject::GetPackageFileName(Package.GetFName()), 0, 0, Severity, std::move(Text), Rule});
+	};
+	TArray<UObject*> Objects;
+	GetObjectsWithOuter(&Package, Objects, true);
+	for (const UObject* Object : Objects)
+		Object->CheckData(Report);
+}
+
+void LoadEveryPackage(FParentCheck& Parents, FDiagnosticSink& Diagnostics, const std::stop_token& Stop)
+{
+	const TArray<FName> Packages = FProject::ListPackages();
+	const FPackagePrefetch Prefetch(
+		[&Packages, Place = 0]() mutable { return Place < Packages.Num() ? Packages[Place++] : FName(); });
 	FRounds Rounds;
-	for (const FName Name : FProject::ListPackages())
+	for (const FName Name : Packages)
 	{
 		if (Stop.stop_requested())
 			return;
 		Rounds.BeginPackage();
-		if (const UPackage* Package = LoadPackage(Name))
-			Parents.Add(*Package);
+		const UPackage* const Package = LoadPackage(Name);
+		if (!Package)
+			continue;
+		CheckObjects(*Package, Diagnostics);
+		Parents.Add(*Package);
 	}
 }
 }
@@ -125,7 +142,7 @@ void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop)
 	SetLoadDiagnostics(&Diagnostics);
 	SetReferenceListener([&References](const FForeignReference& Reference) { References.Add(Reference); });
 	FParentCheck Parents;
-	LoadEveryPackage(Parents, Stop);
+	LoadEveryPackage(Parents, Diagnostics, Stop);
 	SetReferenceListener(nullptr);
 	SetLoadDiagnostics(nullptr);
 	References.Settle(Stop);

@@ -11,14 +11,16 @@ bool IsEmptyBlueprintSearch(const FJsonObject& Arguments)
 	if (!Arguments.TryGetStringField("term", Term) || !Term.IsEmpty())
 		return false;
 	const FJsonArray* Families = nullptr;
-	if (!Arguments.TryGetArrayField("include_asset_families", Families) || Families->IsEmpty())
+	if (!Arguments.TryGetArrayField("include_asset_families", Families))
 		return true;
-	return Families->ContainsByPredicate(
-		[](const FJsonValue& Family)
-		{
-			FString Name;
-			return Family.TryGetString(Name) && Name == "Blueprint";
-		});
+	TArray<FString> Names; // as the tool reads them: elements that are no texts are skipped, and an empty list means all
+	for (const FJsonValue& Family : *Families)
+	{
+		FString Name;
+		if (Family.TryGetString(Name))
+			Names.Add(Name);
+	}
+	return Names.IsEmpty() || Names.Contains("Blueprint");
 }
 }
 

@@ -3,6 +3,7 @@
 #include "Core/Tasks.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Terminal.h"
+#include "TimeOutAdvice.h"
 
 namespace
 {
@@ -66,15 +67,16 @@ bool CallToolAndWait(const FString& ToolName, const FString& ArgumentsJson, std:
 	};
 	const auto Answer = MakeShared<FAnswer>();
 	const auto Executor = FOrivaneToolkitModule::GetToolExecutor();
-	const Orivane::FToolCallId Id = Executor->Call({"1", ToolName, ArgumentsJson}, {.TimeLimit = TimeLimit, .ExplainTimeOut = {}},
-		[Answer](Orivane::FToolResult& Result)
-		{
+	const Orivane::FToolCallId Id =
+		Executor->Call({"1", ToolName, ArgumentsJson}, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut},
+			[Answer](Orivane::FToolResult& Result)
 			{
-				std::lock_guard Guard(Answer->Lock);
-				Answer->Result = Result;
-			}
-			FGameThread::Get().Wake();
-		});
+				{
+					std::lock_guard Guard(Answer->Lock);
+					Answer->Result = Result;
+				}
+				FGameThread::Get().Wake();
+			});
 	const auto IsAnswered = [Answer]
 	{
 		std::lock_guard Guard(Answer->Lock);

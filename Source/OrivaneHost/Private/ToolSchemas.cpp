@@ -16,7 +16,7 @@ TSharedPtr<FJsonObject> ParseSchema(const char* Text)
 constexpr const char* AssetSearchInput = R"({
 "type": "object",
 "properties": {
-	"term": {"type": "string", "description": "Text to look for in names and values. Required; an empty text matches everything."},
+	"term": {"type": "string", "description": "Text to look for in names and values. Required; an empty text matches everything, but Blueprints are never searched for it: list other families."},
 	"mode": {"type": "string", "enum": ["contains", "exact"], "default": "contains", "description": "contains: the term occurs in the text; exact: the whole text equals the term."},
 	"case_sensitive": {"type": "boolean", "default": false, "description": "Whether upper and lower case differ."},
 	"include_asset_families": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Families of assets to search; empty: all. Material and NiagaraSystem match asset names only, unless the project's settings have them read in depth."},

@@ -1,9 +1,16 @@
 #include "Quellar/AssetSearchService.h"
 
 #include "AssetTypeGroup.h"
+#include "Families/BehaviorTreeFamily.h"
+#include "Families/BlackboardFamily.h"
+#include "Families/BlueprintFamily.h"
+#include "Families/DataAssetFamily.h"
 #include "Families/DataTableFamily.h"
+#include "Families/EnumFamily.h"
+#include "Families/EnvQueryFamily.h"
 #include "Families/MaterialFamily.h"
 #include "Families/NiagaraFamily.h"
+#include "Families/StructFamily.h"
 #include "Families/TextFamily.h"
 #include "Quellar/AssetRegistryUtils.h"
 
@@ -22,8 +29,15 @@ struct FFamily
 
 // Searched in this order; with a per-type cap, who comes first gets in.
 constexpr FFamily Families[] = {
+	{"Blueprint", SearchBlueprints},
 	{"Text", SearchTextFiles},
+	{"BehaviorTree", SearchBehaviorTrees},
+	{"Blackboard", SearchBlackboards},
+	{"Enum", SearchEnums},
+	{"Struct", SearchStructs},
+	{"DataAsset", SearchDataAssets},
 	{"DataTable", SearchDataTables},
+	{"EnvQuery", SearchEnvQueries},
 	{"NiagaraSystem", SearchNiagaraSystems},
 	{"Material", SearchMaterials},
 };

@@ -2,6 +2,7 @@
 
 #include "Console/ExploreAssetGraphCommand.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "Quellar/BlueprintFindUtils.h"
 #include "Quellar/ToolEntry.h"
 
 void FQuellarModule::StartupModule()
@@ -23,6 +24,7 @@ void FQuellarModule::RegisterTools()
 
 void FQuellarModule::ShutdownModule()
 {
+	FBlueprintFindUtils::Get().Abandon();
 	const TSharedPtr<Orivane::IToolExecutor> Executor = FOrivaneToolkitModule::GetToolExecutor();
 	if (!Executor)
 		return;

@@ -1,6 +1,10 @@
 #include "AssetRegistry/BlueprintIndex.h"
 
+#include "Core/Unicode.h"
 #include "RegistrySnapshot.h"
+#include "TrigramIndex.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -47,6 +51,32 @@ FBlueprintIndexView::FEntry FBlueprintIndexView::GetEntry(int32 Entry) const
 		.Text = ToIndex(Tables.EntryTexts[Row]),
 		.Comment = ToIndex(Tables.EntryComments[Row]),
 		.Depth = Tables.EntryDepths[Row]};
+}
+
+int32 FBlueprintIndexView::FindBlueprint(uint32 Entry) const
+{
+	const FRegistryTables& Tables = Snapshot->Image->GetTables();
+	const auto StartsBehind = [&Tables](uint32 Number, uint32 Asset)
+	{ return Number < Tables.FirstEntries[Tables.AssetPackages[Asset]]; };
+	const auto Above = std::upper_bound(Tables.IndexedAssets.begin(), Tables.IndexedAssets.end(), Entry, StartsBehind);
+	return std::max(static_cast<int32>(Above - Tables.IndexedAssets.begin()) - 1, 0);
+}
+
+int32 FBlueprintIndexView::NumEntries() const
+{
+	return Snapshot ? static_cast<int32>(Snapshot->Image->GetTables().EntryTexts.size()) : 0;
+}
+
+std::vector<uint32> FBlueprintIndexView::FindTexts(FStringView Value) const
+{
+	return Snapshot ? TrigramIndex::FindTexts(Snapshot->Image->GetTables(), Unicode::Fold(Value)) : std::vector<uint32>();
+}
+
+std::span<const uint32> FBlueprintIndexView::GetUses(uint32 Text) const
+{
+	const FRegistryTables& Tables = Snapshot->Image->GetTables();
+	const FRowRange Uses = FRegistryTables::RangeOf(Tables.FirstUses, Text);
+	return Tables.Uses.subspan(Uses.Begin, Uses.Num());
 }
 
 int32 FBlueprintIndexView::NumTexts() const

@@ -4,6 +4,7 @@
 #include "Core/Tasks.h"
 #include "Core/Unicode.h"
 #include "PathGrams.h"
+#include "TrigramIndex.h"
 
 #include <algorithm>
 #include <numeric>
@@ -61,6 +62,7 @@ private:
 	void AddRespelledPackages();
 	bool IsRespelled(const FPackageDraft& Package, uint32 Row) const;
 	void AddIndexedAssets();
+	void AddUses();
 	void AddGeneratedClass(uint32 Asset);
 	void AddTexts();
 	void FoldTexts();
@@ -96,9 +98,11 @@ TSharedPtr<const FRegistryImage> FRegistryBuilder::Build()
 		static_cast<int32>(Steps.size()), 1,
 		[&](int32 Begin, int32, int32) { (this->*Steps[static_cast<std::size_t>(Begin)])(); }, Input.NumThreads);
 	AddIndexedAssets();
+	AddUses();
 	AddRespelledPackages();
 	AddTexts();
 	PathGrams::Build(Draft, Input.NumThreads);
+	TrigramIndex::Build(Draft);
 	return FRegistryImage::Build(std::move(Draft), Input.Key);
 }
 
@@ -294,6 +298,31 @@ void FRegistryBuilder::AddIndexedAssets()
 		if (Asset < Draft.FirstAssets[Package + 1])
 			Draft.IndexedAssets.push_back(Asset);
 	}
+}
+
+/** Entries by text: walking them in order leaves each text's in order. Those of packages without a Blueprint mean nothing. */
+void FRegistryBuilder::AddUses()
+{
+	const auto ForEachUse = [this](const auto& Visit)
+	{
+		for (const uint32 Asset : Draft.IndexedAssets)
+		{
+			const FRowRange Entries = FRegistryTables::RangeOf(Draft.FirstEntries, Draft.AssetPackages[Asset]);
+			for (uint32 Entry = Entries.Begin; Entry < Entries.End; ++Entry)
+			{
+				Visit(Draft.EntryTexts[Entry], Entry);
+				if (Draft.EntryComments[Entry] != NoId && Draft.EntryComments[Entry] != Draft.EntryTexts[Entry])
+					Visit(Draft.EntryComments[Entry], Entry);
+			}
+		}
+	};
+	std::vector<uint32>& First = Draft.FirstUses;
+	First.assign(std::size_t{Texts(EZone::Entries).Num()} + 1, 0);
+	ForEachUse([&First](uint32 Text, uint32) { ++First[Text + std::size_t{1}]; });
+	std::partial_sum(First.begin(), First.end(), First.begin());
+	std::vector<uint32> Next = First;
+	Draft.Uses.resize(First.back());
+	ForEachUse([&](uint32 Text, uint32 Entry) { Draft.Uses[Next[Text]++] = Entry; });
 }
 
 void FRegistryBuilder::AddRespelledPackages()

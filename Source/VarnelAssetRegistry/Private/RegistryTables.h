@@ -96,6 +96,13 @@ struct TRegistryColumns
 	TStorage<uint32> EntryComments; // NoId: none
 	TStorage<uint16> EntryDepths;
 	TStorage<uint32> IndexedAssets; // the Blueprints that own their package's entries, in registry order
+	TStorage<uint32> FirstUses;		// by text of EZone::Entries
+	TStorage<uint32> Uses;			// entries of these Blueprints that have it as text or comment, ascending, each once
+
+	// By run of three bytes that occurs in folded texts of EZone::Entries, ascending; see TrigramIndex
+	TStorage<uint32> TrigramKeys;
+	TStorage<uint64> TrigramListStarts;
+	TStorage<uint8> TrigramLists;
 
 	// By class
 	TStorage<uint32> ClassParents; // NoId: none known; never a circle
@@ -129,9 +136,10 @@ struct TRegistryColumns
 		return std::tie(TextStarts, FoldedStarts, TextBytes, FoldedBytes, NodeSlots, PackageFolders, PackageFiles, FirstAssets,
 			FirstEntries, RespelledPackages, PathGrams, FirstGramBlocks, GramBlocks, AssetPackages, AssetNames, AssetClasses,
 			AssetOuters, AssetFlags, FirstTags, TagKeys, TagValues, OwnNamedAssets, EntryCategories, EntryTexts, EntryComments,
-			EntryDepths, IndexedAssets, ClassParents, FirstClassAssets, ClassAssets, FirstClassChildren, ClassChildren,
-			FirstDependencies, DependencyTargets, DependencyFlags, FirstReferencers, ReferencerSources, ReferencerFlags,
-			FilePackages, FileStamps, FileExtensions, FileSources, RootNames, RootFolders, FirstRootFiles);
+			EntryDepths, IndexedAssets, FirstUses, Uses, TrigramKeys, TrigramListStarts, TrigramLists, ClassParents,
+			FirstClassAssets, ClassAssets, FirstClassChildren, ClassChildren, FirstDependencies, DependencyTargets,
+			DependencyFlags, FirstReferencers, ReferencerSources, ReferencerFlags, FilePackages, FileStamps, FileExtensions,
+			FileSources, RootNames, RootFolders, FirstRootFiles);
 	}
 	template <class TVisit>
 	void ForEach(TVisit&& Visit)

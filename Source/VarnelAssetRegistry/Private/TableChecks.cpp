@@ -110,7 +110,17 @@ bool AreEntriesSound(const FRegistryTables& Tables)
 	const uint32 NumTexts = Tables.NumTexts(EZone::Entries);
 	return AreIds(Tables.EntryCategories, NumEntries, NumTexts) && AreIds(Tables.EntryTexts, NumEntries, NumTexts) &&
 		AreIdsOrNone(Tables.EntryComments, NumEntries, NumTexts) && Tables.EntryDepths.size() == NumEntries &&
-		AreIds(Tables.IndexedAssets, Tables.IndexedAssets.size(), Tables.AssetPackages.size());
+		AreIds(Tables.IndexedAssets, Tables.IndexedAssets.size(), Tables.AssetPackages.size()) &&
+		IsStrictlyAscending(Tables.IndexedAssets) && (Tables.Uses.empty() || !Tables.IndexedAssets.empty()) &&
+		AreRanges(Tables.FirstUses, NumTexts, Tables.Uses.size()) && AreIds(Tables.Uses, Tables.Uses.size(), NumEntries);
+}
+
+/** What the lists hold is checked where they are read: looking into each would make opening slower than searching. */
+bool AreTrigramsSound(const FRegistryTables& Tables)
+{
+	const std::span<const uint64> Starts = Tables.TrigramListStarts;
+	return Starts.size() == Tables.TrigramKeys.size() + 1 && Starts.front() == 0 && Starts.back() == Tables.TrigramLists.size() &&
+		IsStrictlyAscending(Starts) && IsStrictlyAscending(Tables.TrigramKeys);
 }
 
 /** Walks from every class up to the first one that is known to end. */
@@ -186,6 +196,6 @@ bool AreFilesSound(const FRegistryTables& Tables)
 bool AreTablesSound(const FRegistryTables& Tables)
 {
 	return AreTextsSound(Tables) && AreSlotsSound(Tables.NodeSlots, Tables.NumTexts(EZone::Nodes)) && ArePackagesSound(Tables) &&
-		AreGramsSound(Tables) && AreAssetsSound(Tables) && AreEntriesSound(Tables) && AreClassesSound(Tables) &&
-		IsGraphSound(Tables) && AreFilesSound(Tables);
+		AreGramsSound(Tables) && AreAssetsSound(Tables) && AreEntriesSound(Tables) && AreTrigramsSound(Tables) &&
+		AreClassesSound(Tables) && IsGraphSound(Tables) && AreFilesSound(Tables);
 }

@@ -1,5 +1,8 @@
 #include "CoreObject/Loader.h"
 
+#include "LoadedPackages.h"
+#include "ParseAhead.h"
+
 #include <vector>
 
 namespace
@@ -12,6 +15,7 @@ struct FRunningLoad
 {
 	FName PackageName;
 	FString FileName;
+	std::vector<FName> References; // packages that it refers to, so far
 };
 
 class FLoader
@@ -23,11 +27,17 @@ public:
 	UPackage* Load(FName PackageName);
 	UObject* FindOrLoad(const FSoftObjectPath& Path);
 	void UnloadAll();
+	void NoteReference(FName PackageName);
+	/** While no package is being loaded. */
+	int32 Evict();
+	FLoadedPackages& GetLoaded() { return Loaded; }
+	TUniquePtr<FParseAhead> MakeAhead(std::function<FName()> Next);
+	/** Gives what was in use before. */
+	FParseAhead* UseAhead(FParseAhead* InAhead) { return std::exchange(Ahead, InAhead); }
 
 private:
 	UPackage* LoadFromFile(FName PackageName);
-	bool ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes);
-	bool ReadPackage(const FPackageFile& File, UPackage& Package);
+	TUniquePtr<FPackageText> GetParsed(FName PackageName);
 	bool IsRunning(FName PackageName) const;
 	void Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text);
 	FString WhereNeeded(FName PackageName) const;
@@ -35,7 +45,8 @@ private:
 	FPackageLocator Locator;
 	FDiagnosticSink* Diagnostics = nullptr;
 	std::vector<FRunningLoad> Running; // outermost first
-	TSet<FName> Loaded;				   // from files
+	FLoadedPackages Loaded;
+	FParseAhead* Ahead = nullptr;
 	TSet<FName> Failed;
 };
 
@@ -53,6 +64,7 @@ void FLoader::SetLocator(FPackageLocator InLocator)
 
 UPackage* FLoader::Load(FName PackageName)
 {
+	NoteReference(PackageName); // whoever loads it while being read needs it
 	UPackage* const InMemory = FindPackage(PackageName);
 	if (InMemory && (InMemory->IsFullyLoaded() || IsRunning(PackageName)))
 		return InMemory;
@@ -71,60 +83,71 @@ UPackage* FLoader::Load(FName PackageName)
 /** The package as it is in memory where it has no file. */
 UPackage* FLoader::LoadFromFile(FName PackageName)
 {
-	const TOptional<FPackageFile> File = Locator ? Locator(PackageName) : TOptional<FPackageFile>();
-	UPackage* Package = FindPackage(PackageName);
-	if (!File)
+	TUniquePtr<FPackageText> Text = GetParsed(PackageName);
+	if (!Text)
 	{
 		Failed.Add(PackageName);
-		if (!Package)
+		UPackage* const InMemory = FindPackage(PackageName);
+		if (!InMemory)
 			Report(EDiagnosticSeverity::Warning, WhereNeeded(PackageName), "no-such-package",
 				"there is no package " + PackageName.ToString());
-		return Package;
+		return InMemory;
 	}
-	Package = FindPackage(File->PackageName.IsNone() ? PackageName : File->PackageName, true);
-	Running.push_back({PackageName, File->FileName});
-	const bool bRead = ReadPackage(*File, *Package);
+	const FPackageFile& File = Text->GetFile();
+	UPackage* const Package = FindPackage(File.PackageName.IsNone() ? PackageName : File.PackageName, true);
+	Running.push_back({PackageName, File.FileName, {}});
+	const bool bRead = Text->BuildObjects(*Package, Diagnostics);
+	std::vector<FName> References = std::move(Running.back().References);
 	Running.pop_back();
-	if (!bRead)
+	if (bRead)
+	{
+		Package->MarkAsFullyLoaded();
+		Loaded.Add(*Package, Text->NumBytes(), std::move(References));
+	}
+	else
 	{
 		Failed.Add(PackageName);
 		UnloadPackage(Package);
+	}
+	if (Ahead)
+		Ahead->Recycle(std::move(Text));
+	return bRead ? Package : nullptr;
+}
+
+/** The package's file, parsed; null when it has none. */
+TUniquePtr<FPackageText> FLoader::GetParsed(FName PackageName)
+{
+	if (TUniquePtr<FPackageText> Text = Ahead ? Ahead->Take(PackageName) : nullptr)
+		return Text;
+	TOptional<FPackageFile> File = Locator ? Locator(PackageName) : TOptional<FPackageFile>();
+	if (!File)
 		return nullptr;
-	}
-	Package->MarkAsFullyLoaded();
-	Loaded.Add(PackageName);
-	return Package;
+	auto Text = MakeUnique<FPackageText>(std::move(*File));
+	Text->Parse();
+	return Text;
 }
 
-bool FLoader::ReadPackage(const FPackageFile& File, UPackage& Package)
+TUniquePtr<FParseAhead> FLoader::MakeAhead(std::function<FName()> Next)
 {
-	const TUniquePtr<IPackageReader> Reader = File.Source->MakeReader();
-	std::string Bytes;
-	return ReadFile(File, Reader->GetPadding(), Bytes) && Reader->ReadBody(Bytes, File.FileName, Package, Diagnostics);
-}
-
-bool FLoader::ReadFile(const FPackageFile& File, std::size_t Padding, std::string& Bytes)
-{
-	const uint64 MaxBytes = File.Source->GetMaxFileBytes();
-	const auto Fail = [this, &File](const char* Rule, const FString& Text)
+	const auto IsSettled = [this](FName Name)
 	{
-		Report(EDiagnosticSeverity::Error, File.FileName, Rule, Text);
-		return false;
+		const UPackage* const Package = FindPackage(Name);
+		return (Package && Package->IsFullyLoaded()) || Failed.Contains(Name);
 	};
-	switch (File.Read(Bytes, MaxBytes, Padding))
+	const auto NextFile = [this, IsSettled, Next = std::move(Next)]
 	{
-		case EFileRead::Ok:
-			return true;
-		case EFileRead::Missing:
-			return Fail("missing-file", "the file is gone, so its package cannot be loaded");
-		case EFileRead::Unreadable:
-			return Fail("unreadable-file", "the file cannot be read, so its package cannot be loaded");
-		case EFileRead::TooLarge:
-			return Fail("too-large",
-				FString::Printf(
-					"the file is larger than %d MiB, so its package is not loaded", static_cast<int>(MaxBytes >> 20)));
-	}
-	return false;
+		TOptional<FPackageFile> File;
+		FName Name;
+		while (!File && !(Name = Next()).IsNone())
+		{
+			if (!IsSettled(Name) && Locator)
+				File = Locator(Name);
+		}
+		if (File && File->PackageName.IsNone())
+			File->PackageName = Name;
+		return File;
+	};
+	return MakeUnique<FParseAhead>(NextFile, IsSettled);
 }
 
 UObject* FLoader::FindOrLoad(const FSoftObjectPath& Path)
@@ -144,15 +167,24 @@ UObject* FLoader::FindOrLoad(const FSoftObjectPath& Path)
 void FLoader::UnloadAll()
 {
 	checkf(Running.empty(), "packages are unloaded while one of them is being loaded");
-	TArray<UObject*> Packages;
-	for (const FName Name : Loaded)
-	{
-		if (UPackage* const Package = FindPackage(Name))
-			Packages.Add(Package);
-	}
-	Loaded.Empty();
 	Failed.Empty();
-	DestroyObjects(Packages);
+	Loaded.UnloadAll();
+}
+
+int32 FLoader::Evict()
+{
+	checkf(Running.empty(), "packages are unloaded while one of them is being loaded");
+	return Loaded.Evict();
+}
+
+void FLoader::NoteReference(FName PackageName)
+{
+	if (Running.empty())
+		return;
+	FRunningLoad& Load = Running.back();
+	const bool bIsNew = Load.References.empty() || !(Load.References.back() == PackageName);
+	if (bIsNew && !(Load.PackageName == PackageName))
+		Load.References.push_back(PackageName);
 }
 
 bool FLoader::IsRunning(FName PackageName) const
@@ -209,4 +241,45 @@ UObject* StaticLoadObject(UClass* Class, UObject* Outer, FStringView ObjectPath,
 void UnloadAllLoadedPackages()
 {
 	FLoader::Get().UnloadAll();
+}
+
+FPackagePrefetch::FPackagePrefetch(std::function<FName()> Next)
+	: Ahead(FLoader::Get().MakeAhead(std::move(Next)))
+	, Outer(FLoader::Get().UseAhead(Ahead.get()))
+{
+}
+
+FPackagePrefetch::~FPackagePrefetch()
+{
+	FLoader::Get().UseAhead(Outer);
+}
+
+void SetObjectMemoryLimit(int64 MaxBytes)
+{
+	FLoader::Get().GetLoaded().SetMaxBytes(MaxBytes);
+}
+
+int64 GetObjectMemory()
+{
+	return FLoader::Get().GetLoaded().GetNumBytes();
+}
+
+int32 EvictLoadedPackages()
+{
+	return FLoader::Get().Evict();
+}
+
+void PinPackage(FName PackageName)
+{
+	FLoader::Get().GetLoaded().Pin(PackageName);
+}
+
+void UnpinPackage(FName PackageName)
+{
+	FLoader::Get().GetLoaded().Unpin(PackageName);
+}
+
+void NoteReferenceToPackage(FName PackageName)
+{
+	FLoader::Get().NoteReference(PackageName);
 }

@@ -99,15 +99,18 @@ UPackage* FindPackage(FName PackageName, bool bCreate)
 {
 	if (PackageName.IsNone())
 		return nullptr;
+	static uint64 NumUses = 0;
 	FObjectTable& Table = FObjectTable::Get();
-	if (UObject* const Found = Table.Find(nullptr, PackageName))
-		return static_cast<UPackage*>(Found);
-	if (!bCreate)
-		return nullptr;
-	UClass& Class = *UPackage::StaticClass();
-	UObject* const Package = FObjectTable::Construct(Class);
-	Table.Add(*Package, Class, nullptr, PackageName);
-	return static_cast<UPackage*>(Package);
+	auto* Package = static_cast<UPackage*>(Table.Find(nullptr, PackageName));
+	if (!Package && bCreate)
+	{
+		UClass& Class = *UPackage::StaticClass();
+		Package = static_cast<UPackage*>(FObjectTable::Construct(Class));
+		Table.Add(*Package, Class, nullptr, PackageName);
+	}
+	if (Package)
+		Package->LastUse = ++NumUses;
+	return Package;
 }
 
 UObject* StaticFindObjectFast(UClass* Class, UObject* Outer, FName Name)

@@ -2,6 +2,7 @@
 
 #include "CoreObject/Properties.h"
 #include "JsonFaults.h"
+#include "LoadedPackages.h"
 #include "PathText.h"
 #include "ReferenceListener.h"
 
@@ -25,6 +26,11 @@ FString Describe(const FJsonRef& Json)
 {
 	const auto Type = static_cast<std::size_t>(Json.Type());
 	return FString(Type < JsonNouns.size() ? JsonNouns[Type] : FStringView("an object"));
+}
+
+bool IsHard(EObjectReference Kind)
+{
+	return Kind == EObjectReference::Object || Kind == EObjectReference::Class || Kind == EObjectReference::Interface;
 }
 
 FString GetInnerPath(const FSoftObjectPath& Path)
@@ -120,6 +126,8 @@ TOptional<FObjectPtr> FPropertyReader::ReadReference(const FJsonRef& Json, const
 	const bool bMustExist = Path.Asset.PackageName.View().starts_with(ScriptRoot);
 	if ((Object || bMustExist) && !CheckReference(Object, Json, Property))
 		return std::nullopt;
+	if (!bInPackage && !Path.IsNull() && IsHard(Property.GetKind()))
+		NoteReferenceToPackage(Path.Asset.PackageName);
 	if (!Object && bInPackage && HasListener())
 		PendingReferences.push_back({FObjectPtr(Path), Json, &Property});
 	if (!Object && !bInPackage)
@@ -145,9 +153,7 @@ void FPropertyReader::TellOfForeignReference(
 	const FSoftObjectPath& Target, const FJsonRef& Json, const FObjectPropertyBase& Property) const
 {
 	const EObjectReference Kind = Property.GetKind();
-	const bool bIsHard =
-		Kind == EObjectReference::Object || Kind == EObjectReference::Class || Kind == EObjectReference::Interface;
-	if (!GetReferenceListener() || !bIsHard || Target.IsNull())
+	if (!GetReferenceListener() || !IsHard(Kind) || Target.IsNull())
 		return;
 	const UClass* const Class = Property.GetPropertyClass();
 	FForeignReference Reference{.Target = Target,

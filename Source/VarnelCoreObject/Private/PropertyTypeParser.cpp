@@ -2,6 +2,7 @@
 #include "CoreObject/Properties.h"
 #include "CoreObject/PropertyReader.h"
 #include "JsonFaults.h"
+#include "LoadedPackages.h"
 #include "PathText.h"
 #include "ReferenceKinds.h"
 
@@ -51,9 +52,12 @@ constexpr FPlainType PlainTypes[] = {
 template <class T>
 T* ResolveType(FStringView Path)
 {
-	UObject* const Known = StaticFindObject(T::StaticClass(), Path);
-	const bool bMayLoad = !Known && !Path.starts_with(ScriptRoot);
-	return static_cast<T*>(bMayLoad ? StaticLoadObject(T::StaticClass(), nullptr, Path) : Known);
+	UObject* Type = StaticFindObject(T::StaticClass(), Path);
+	if (!Type && !Path.starts_with(ScriptRoot))
+		Type = StaticLoadObject(T::StaticClass(), nullptr, Path);
+	if (Type)
+		NoteReferenceToPackage(Type->GetPackage()->GetFName());
+	return static_cast<T*>(Type);
 }
 
 /** Reads one type text from the front on. Functions give null once Error is set. */

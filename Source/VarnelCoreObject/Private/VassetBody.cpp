@@ -4,6 +4,7 @@
 #include "CoreObject/Class.h"
 #include "CoreObject/Loader.h"
 #include "CoreObject/PropertyReader.h"
+#include "LoadedPackages.h"
 #include "ObjectTable.h"
 #include "PathText.h"
 #include "VassetHeader.h"
@@ -190,6 +191,7 @@ void FBodyReading::Create(FListedObject& Item, UClass& Class, UObject& Outer)
 	if (StaticFindObjectFast(nullptr, &Outer, Name))
 		return Faults.Error(Item.PathOffset, "repeated-path",
 			"the package has an object " + FJsonFaults::Quote(Item.Path) + " already, so this one is left out");
+	NoteReferenceToPackage(Class.GetPackage()->GetFName());
 	Item.Object = NewObject(&Class, &Outer, Name);
 	Item.Kind = KindOf(Class);
 }

@@ -17,7 +17,8 @@ class FVassetReader final : public IPackageReader
 public:
 	std::size_t GetPadding() const override { return FJsonDocument::GetPadding(); }
 	bool ReadHeader(std::string& Bytes, const FString& FileName, FPackageHeader& Out, FDiagnosticSink* Diagnostics) override;
-	bool ReadBody(std::string& Bytes, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) override;
+	void ParseBody(std::string& Bytes) override { bBodyParsed = Parse(Bytes, WholeFile); }
+	bool ReadBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) override;
 
 private:
 	bool Parse(std::string& Bytes, const FJsonReadOptions& Options);
@@ -26,6 +27,7 @@ private:
 
 	FJsonDocument Document;
 	FVassetHeaderReader HeaderReader;
+	bool bBodyParsed = false;
 };
 
 bool FVassetReader::ReadHeader(std::string& Bytes, const FString& FileName, FPackageHeader& Out, FDiagnosticSink* Diagnostics)
@@ -38,10 +40,10 @@ bool FVassetReader::ReadHeader(std::string& Bytes, const FString& FileName, FPac
 	return true;
 }
 
-bool FVassetReader::ReadBody(std::string& Bytes, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
+bool FVassetReader::ReadBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
 {
 	FJsonFaults Faults(Document, FileName, Diagnostics);
-	if (!Parse(Bytes, WholeFile))
+	if (!bBodyParsed)
 	{
 		Faults.ReportSyntax();
 		return false;

@@ -3,11 +3,76 @@
 #include "CoreObject/NativeClass.h"
 #include "Engine/Blackboard.h"
 
+#include <algorithm>
+#include <unordered_map>
+#include <vector>
+
 namespace
 {
 constexpr FStringView ScriptRoot = "/Script/";
 constexpr FStringView GeneratedSuffix = "_C";
 constexpr FStringView NodePrefix = "BT";
+
+constexpr int32 MaxSensibleDepth = 256;
+
+/** Walks a tree once, each node at its first place, with a line of its own: trees may be deeper than the stack. */
+class FTreeCheck
+{
+public:
+	explicit FTreeCheck(const FDataFaultReport& InReport) : Report(InReport) {}
+
+	void Check(const UBTCompositeNode* Root)
+	{
+		Enter(Root);
+		while (!Line.empty())
+		{
+			FVisit& Visit = Line.back();
+			if (Visit.NextChild < Visit.Node->Children.Num())
+			{
+				CheckChild(*Visit.Node, Visit.NextChild++);
+				continue;
+			}
+			OnLine[Visit.Node] = false;
+			Line.pop_back();
+		}
+		if (MaxDepth > MaxSensibleDepth)
+			Report(EDiagnosticSeverity::Warning, "deep-tree",
+				"nodes of the tree lie " + FString::FromInt(MaxDepth) + " levels deep");
+	}
+
+private:
+	struct FVisit
+	{
+		const UBTCompositeNode* Node;
+		int32 NextChild = 0;
+	};
+
+	void CheckChild(const UBTCompositeNode& Node, int32 Index)
+	{
+		const FBTCompositeChild& Child = Node.Children[Index];
+		if (Child.ChildComposite.IsNull() && Child.ChildTask.IsNull())
+			Report(EDiagnosticSeverity::Warning, "empty-child",
+				"child " + FString::FromInt(Index) + " of node " + Node.GetPathName() + " is empty");
+		Enter(Child.ChildComposite);
+	}
+
+	void Enter(const UBTCompositeNode* Node)
+	{
+		if (!Node)
+			return;
+		const auto [Known, bIsNew] = OnLine.emplace(Node, true);
+		if (bIsNew)
+			Line.push_back({Node});
+		else if (Known->second)
+			Report(EDiagnosticSeverity::Error, "tree-cycle", "node " + Node->GetPathName() + " lies below itself");
+		MaxDepth = std::max(MaxDepth, static_cast<int32>(Line.size()));
+	}
+
+	const FDataFaultReport& Report;
+	std::vector<FVisit> Line;								  // from the root down
+	std::unordered_map<const UBTCompositeNode*, bool> OnLine; // every node that was reached
+	int32 MaxDepth = 0;
+};
 
 FStringView DisplayNameOf(const UClass& Class)
 {
@@ -103,4 +168,9 @@ UClass* UBTTask_RunBehavior::StaticClass()
 			.Member("BehaviorAsset", &UBTTask_RunBehavior::BehaviorAsset)
 			.Build();
 	return Class;
+}
+
+void UBehaviorTree::CheckData(const FDataFaultReport& Report) const
+{
+	FTreeCheck(Report).Check(RootNode);
 }

@@ -1,5 +1,7 @@
 #include "Mcp/McpProjectHost.h"
 
+#include "Core/Tasks.h"
+#include "CoreObject/Loader.h"
 #include "TimeOutAdvice.h"
 #include "ToolSchemas.h"
 
@@ -97,6 +99,23 @@ void FMcpProjectHost::OnCallAnswered(FMcpCallNumber Number, const Orivane::FTool
 		Calls.erase(Found);
 	}
 	OnAnswer(Result);
+	// A task of its own: the tool that has just answered may still be on the stack.
+	AsyncTask(ENamedThreads::GameThread,
+		[WeakThis = weak_from_this()]
+		{
+			if (const auto This = WeakThis.lock())
+				This->EvictWhenIdle();
+		});
+}
+
+void FMcpProjectHost::EvictWhenIdle()
+{
+	{
+		std::lock_guard Guard(Lock);
+		if (!Calls.empty())
+			return;
+	}
+	EvictLoadedPackages();
 }
 
 void FMcpProjectHost::CancelCall(FMcpCallNumber Number)

@@ -12,3 +12,17 @@ bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params)
 	return Asset.IsValid() && !FOrivaneFindUtils::ShouldExcludeFilePath(Asset.GetObjectPathString()) &&
 		PassesPathFilter(Asset.PackagePath.ToString(), Params);
 }
+
+std::function<FName()> ListPackagesInScope(const TArray<FAssetData>& Assets, const FAssetSearchParams& Params)
+{
+	return [&Assets, &Params, Place = 0]() mutable
+	{
+		while (Place < Assets.Num())
+		{
+			const FAssetData& Asset = Assets[Place++];
+			if (IsInScope(Asset, Params))
+				return Asset.PackageName;
+		}
+		return FName();
+	};
+}

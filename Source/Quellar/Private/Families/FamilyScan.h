@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CoreObject/Loader.h"
 #include "Quellar/AssetRegistryUtils.h"
 #include "Quellar/AssetSearchService.h"
 #include "ResolveAssetObject.h"
@@ -47,6 +48,15 @@ private:
 bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params);
 /** The entry is complete, not excluded, and its folder passes the search's path filter. */
 bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params);
+/** For an FPackagePrefetch: gives the packages of the assets in scope, one a call, None at the end. Both arguments outlive it. */
+std::function<FName()> ListPackagesInScope(const TArray<FAssetData>& Assets, const FAssetSearchParams& Params);
+
+/** What a scan's reader does with the assets' packages. */
+enum class EPackageUse : uint8
+{
+	None,	  // it looks at records, and at what is in memory anyway
+	LoadEach, // so they are parsed ahead of it
+};
 
 /**
  * Visits every asset of the classes and of those derived from them, in registry order, until the hit cap is reached, and lets
@@ -55,12 +65,16 @@ bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params);
  * Executes OnDone once, before it returns.
  */
 template <class TReadAsset>
-void ScanAssets(const TArray<UClass*>& Classes, const FAssetSearchParams& Params, const FOnAssetSearchComplete& OnDone,
-	TReadAsset&& ReadAsset)
+void ScanAssets(const TArray<UClass*>& Classes, EPackageUse PackageUse, const FAssetSearchParams& Params,
+	const FOnAssetSearchComplete& OnDone, TReadAsset&& ReadAsset)
 {
 	FAssetSearchResult Found;
 	int32 TotalHits = 0;
-	for (const FAssetData& Asset : OrivaneAssetRegistryUtils::FindAssetsByClasses(Classes, false))
+	const TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClasses(Classes, false);
+	TOptional<FPackagePrefetch> Prefetch;
+	if (PackageUse == EPackageUse::LoadEach)
+		Prefetch.emplace(ListPackagesInScope(Assets, Params));
+	for (const FAssetData& Asset : Assets)
 	{
 		if (!IsInScope(Asset, Params))
 			continue;
@@ -86,7 +100,7 @@ template <class TAsset, class TReadAsset>
 void ScanFamily(
 	const FFamilyTraits& Traits, const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone, TReadAsset&& ReadAsset)
 {
-	ScanAssets({TAsset::StaticClass()}, Params, OnDone,
+	ScanAssets({TAsset::StaticClass()}, EPackageUse::LoadEach, Params, OnDone,
 		[&](const FAssetData& Asset, FAssetResult& Result, FHitSink& Hits)
 		{
 			const TAsset* Object = Cast<TAsset>(ResolveAssetObject(Asset, ELoad::IfMissing));

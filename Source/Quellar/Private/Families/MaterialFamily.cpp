@@ -87,5 +87,6 @@ void SearchMaterials(const FAssetSearchParams& Params, FOnAssetSearchComplete On
 {
 	const TArray<UClass*> Classes = {
 		UMaterial::StaticClass(), UMaterialInstanceConstant::StaticClass(), UMaterialFunctionInterface::StaticClass()};
-	ScanByMode(&UOrivaneSettings::MaterialSearchMode, {.Names = ReadName, .Contents = LoadAndRead}, Classes, Params, OnDone);
+	ScanByMode(&UOrivaneSettings::MaterialSearchMode,
+		{.Names = ReadName, .Contents = LoadAndRead, .ContentsUse = EPackageUse::LoadEach}, Classes, Params, OnDone);
 }

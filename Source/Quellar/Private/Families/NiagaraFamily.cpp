@@ -81,6 +81,7 @@ void ReadIfInMemory(const FAssetData& Asset, FAssetResult& Result, FHitSink& Hit
 
 void SearchNiagaraSystems(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
-	ScanByMode(&UOrivaneSettings::NiagaraSearchMode, {.Names = ReadName, .Contents = ReadIfInMemory},
-		{UNiagaraSystem::StaticClass()}, Params, OnDone);
+	ScanByMode(&UOrivaneSettings::NiagaraSearchMode,
+		{.Names = ReadName, .Contents = ReadIfInMemory, .ContentsUse = EPackageUse::None}, {UNiagaraSystem::StaticClass()},
+		Params, OnDone);
 }

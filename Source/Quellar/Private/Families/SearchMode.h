@@ -9,6 +9,7 @@ struct FModeReaders
 	using FReadAsset = void (*)(const FAssetData&, FAssetResult&, FHitSink&);
 	FReadAsset Names;	 // mode 0: from the registry's record alone
 	FReadAsset Contents; // mode 1
+	EPackageUse ContentsUse;
 };
 
 /** ScanAssets with the reader of the mode that the settings hold now; finds nothing in a mode that has none. */
@@ -19,9 +20,9 @@ inline void ScanByMode(uint8 UOrivaneSettings::*Mode, const FModeReaders& Reader
 	switch (Settings ? Settings->*Mode : 0)
 	{
 		case 0:
-			return ScanAssets(Classes, Params, OnDone, Readers.Names);
+			return ScanAssets(Classes, EPackageUse::None, Params, OnDone, Readers.Names);
 		case 1:
-			return ScanAssets(Classes, Params, OnDone, Readers.Contents);
+			return ScanAssets(Classes, Readers.ContentsUse, Params, OnDone, Readers.Contents);
 		default:
 			OnDone.ExecuteIfBound({});
 	}

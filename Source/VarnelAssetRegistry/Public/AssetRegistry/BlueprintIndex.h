@@ -2,14 +2,17 @@
 
 #include "AssetRegistry/AssetData.h"
 
+#include <span>
+#include <vector>
+
 struct FRegistrySnapshot;
 
 /**
  * The search entries that Blueprint packages list about themselves; nothing is loaded. A view of one state of the registry, which
  * it keeps: copies are cheap and stay valid across a rescan. Any thread. An empty view has no Blueprints, entries or texts.
  *
- * Every distinct text is there once, folded beside its own spelling, so that a search tests each text once and then only looks up
- * entries: an entry matches when the answer for its text's index or its comment's index says so.
+ * Every distinct text is there once, folded beside its own spelling, so that a search finds texts (FindTexts) and then only looks
+ * up the entries that use them (GetUses).
  */
 class FBlueprintIndexView
 {
@@ -38,6 +41,9 @@ public:
 	/** In file order, parents before children. */
 	FEntryRange GetEntries(int32 Blueprint) const;
 	FEntry GetEntry(int32 Entry) const;
+	/** The Blueprint that an entry listed by GetUses belongs to. */
+	int32 FindBlueprint(uint32 Entry) const;
+	int32 NumEntries() const;
 
 	int32 NumTexts() const;
 	FStringView GetText(int32 Text) const;
@@ -46,6 +52,10 @@ public:
 	/** All folded texts one behind the other in ascending order of their indices, a zero byte behind each: for one search over
 	 * all. */
 	FStringView GetFoldedTexts() const;
+	/** Indices, ascending, of the texts that contain Value without regard to case; of all for an empty one. */
+	std::vector<uint32> FindTexts(FStringView Value) const;
+	/** Entries of Blueprints that have the text as their text or comment, ascending, each once. Valid as long as the view. */
+	std::span<const uint32> GetUses(uint32 Text) const;
 
 private:
 	TSharedPtr<const FRegistrySnapshot> Snapshot;

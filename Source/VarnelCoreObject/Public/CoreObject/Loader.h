@@ -6,6 +6,8 @@
 
 #include <functional>
 
+class FParseAhead;
+
 /** Load flags that callers pass through; the headless loader does nothing that they would forbid, so they have no effect here. */
 namespace ELoadFlags
 {
@@ -20,7 +22,7 @@ struct FPackageFile
 {
 	FString FileName; // relative to the project folder where possible, for diagnostics
 	const IPackageSource* Source = nullptr;
-	/** Reads the file's bytes, safely below its mounted folder. */
+	/** Reads the file's bytes, safely below its mounted folder. Called on any thread. */
 	std::function<EFileRead(std::string& Buffer, uint64 MaxBytes, std::size_t Padding)> Read;
 	/** As the project spells it, whatever the spelling it was asked for in; None: as it was asked for. */
 	FName PackageName = {};
@@ -62,5 +64,43 @@ T* LoadObject(FStringView ObjectPath)
 {
 	return static_cast<T*>(StaticLoadObject(T::StaticClass(), nullptr, ObjectPath));
 }
-/** Unloads every package that was loaded from a file and forgets failed loads. Not while a package is being loaded. */
+/**
+ * While it lives, the files of packages that are about to be loaded are read and parsed on the other processors, a bounded number
+ * ahead. Packages are loaded by LoadPackage as ever, when it is asked and in that order; what comes out is the same, sooner.
+ * Costs nothing as long as nothing has to be loaded. Game thread, like its owner; where several live, the last one works.
+ */
+class FPackagePrefetch
+{
+public:
+	/** Next gives the packages in the order in which they will be asked for, None at the end; called on the game thread. What is
+	 * in memory already is passed over. */
+	explicit FPackagePrefetch(std::function<FName()> Next);
+	~FPackagePrefetch();
+	FPackagePrefetch(const FPackagePrefetch&) = delete;
+	FPackagePrefetch& operator=(const FPackagePrefetch&) = delete;
+
+private:
+	TUniquePtr<FParseAhead> Ahead;
+	FParseAhead* Outer = nullptr;
+};
+
+/** Unloads every package that was loaded from a file and forgets failed loads. Not while a package is being loaded. Pins stay. */
 void UnloadAllLoadedPackages();
+
+/**
+ * Loaded packages stay in memory for whoever asks next. The limit, in bytes, is for EvictLoadedPackages alone: while a search
+ * runs nothing is unloaded, whatever it loads. 0, as in the beginning: no limit.
+ */
+void SetObjectMemoryLimit(int64 MaxBytes);
+/** What loaded packages take, in bytes; an estimate from their files and their objects. */
+int64 GetObjectMemory();
+/**
+ * Called between calls, when nobody holds a pointer to a loaded object. While loaded packages take more than the limit, unloads
+ * those whose last look-up was longest ago, but none that is pinned and none that a package which stays has a hard reference or
+ * owes a class or a type to. Returns how many. Game thread, not while a package is being loaded.
+ */
+int32 EvictLoadedPackages();
+/** EvictLoadedPackages leaves the package, and what it refers to, where it is, from now on or from when it is loaded; pinning
+ * loads nothing. Game thread. */
+void PinPackage(FName PackageName);
+void UnpinPackage(FName PackageName);

@@ -1,12 +1,21 @@
 #pragma once
 
 #include "Core/Containers.h"
+#include "Core/Diagnostics.h"
 #include "Core/Name.h"
+
+#include <functional>
 
 class FPropertyReader;
 class FJsonRef;
 class UClass;
 class UPackage;
+
+/** Takes a fault of an object's data; Text is a sentence without full stop. */
+using FDataFaultReport = std::function<void(EDiagnosticSeverity Severity, const char* Rule, FString Text)>;
+
+/** The package of that name in memory, created empty if bCreate; null otherwise. */
+UPackage* FindPackage(FName PackageName, bool bCreate = false);
 
 /**
  * Base of everything that lives in a package. Objects are created by NewObject and owned by their package; native constructors
@@ -48,6 +57,9 @@ public:
 	virtual void PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader);
 	/** Called once all objects of the package have been read. */
 	virtual void PostLoad() {}
+	/** Tells what is wrong with the object's data as a whole, which no single value shows. For a check of the project: may load
+	 * other packages. */
+	virtual void CheckData(const FDataFaultReport&) const {}
 
 protected:
 	UObject() = default;
@@ -74,8 +86,12 @@ public:
 	void MarkAsFullyLoaded() { bFullyLoaded = true; }
 	/** The object at a path inside the package ("Asset", "Asset:Sub.Deeper"; case is ignored), or null. */
 	UObject* FindInside(FStringView Path) const;
+	/** Rises from look-up to look-up, over all packages: the higher, the later the package was last asked for by name. */
+	uint64 GetLastUse() const { return LastUse; }
 
 private:
+	friend UPackage* FindPackage(FName PackageName, bool bCreate);
+	uint64 LastUse = 0;
 	bool bFullyLoaded = false;
 };
 
@@ -96,8 +112,6 @@ const T* Cast(const UObject* Object)
  * come from FindPackage), and when the name is None or taken inside Outer. Game thread.
  */
 UObject* NewObject(UClass* Class, UObject* Outer, FName Name);
-/** The package of that name in memory, created empty if bCreate; null otherwise. */
-UPackage* FindPackage(FName PackageName, bool bCreate = false);
 /** An object directly inside Outer by name, of Class or derived from it (null: any); null when there is none. With Outer null: a
  * package. */
 UObject* StaticFindObjectFast(UClass* Class, UObject* Outer, FName Name);

@@ -71,11 +71,16 @@ public:
 	 * FileName. */
 	virtual bool ReadHeader(std::string& Bytes, const FString& FileName, FPackageHeader& Out, FDiagnosticSink* Diagnostics) = 0;
 	/**
-	 * Creates the package's objects and fills their properties. False when the body is malformed: the package then holds no
-	 * object. Single faults (an unknown class or property, a value out of range) are reported, skipped, and lose nothing else.
-	 * Game thread.
+	 * First half of loading: does what can be done without objects and keeps the outcome for ReadBody. Bytes stay, unchanged,
+	 * until that has returned. Any thread.
 	 */
-	virtual bool ReadBody(std::string& Bytes, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) = 0;
+	virtual void ParseBody(std::string& Bytes) = 0;
+	/**
+	 * Second half: creates the package's objects and fills their properties. False when the body is malformed: the package then
+	 * holds no object. Single faults (an unknown class or property, a value out of range) are reported, skipped, and lose nothing
+	 * else. Game thread.
+	 */
+	virtual bool ReadBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) = 0;
 };
 
 /** A package format. The registry's scan and the loader know packages only through this. */

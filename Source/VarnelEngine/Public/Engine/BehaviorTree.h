@@ -89,6 +89,9 @@ public:
 
 	TObjectPtr<UBlackboardData> BlackboardAsset;
 	TObjectPtr<UBTCompositeNode> RootNode;
+
+	/** Nodes below themselves, empty children, and trees too deep to be meant. */
+	void CheckData(const FDataFaultReport& Report) const override;
 };
 
 /** Runs another tree in its place. */

@@ -1,0 +1,202 @@
+#include "Families/BlueprintFamily.h"
+
+#include "Core/Tasks.h"
+#include "CoreObject/PackageName.h"
+#include "Engine/WidgetBlueprint.h"
+#include "Families/FamilyScan.h"
+#include "Quellar/BlueprintFindUtils.h"
+
+namespace
+{
+constexpr FStreamSearchOptions QueryOptions = {.QueryFilter = 10, .MinimumVersion = 3};
+constexpr const char* WidgetTreeContainer = "WidgetTree";
+
+/** Folders of generated assets, as they stand inside a package path. That ends without a slash: what lies in folders below these
+ * is left out, what lies directly in one is not. Both this and the third spelling are intended. */
+constexpr const char* GeneratedFolders[] = {"/intermediate/", "/deriveddatacache/", "/developered/", "/__trash__/"};
+
+const TSet<FString>& GetWidgetKinds()
+{
+	static const TSet<FString> Kinds = {"Widget", "WidgetClass", "WidgetAnimation"};
+	return Kinds;
+}
+
+bool IsInGeneratedFolder(const FAssetData& Asset)
+{
+	const FString Path = Asset.PackagePath.ToString();
+	return std::any_of(std::begin(GeneratedFolders), std::end(GeneratedFolders),
+		[&Path](const char* Folder) { return Path.Contains(Folder, ESearchCase::IgnoreCase); });
+}
+
+enum class EOrder : uint8
+{
+	Registry,
+	ObjectPath,
+};
+
+TArray<FAssetData> GatherAssets(const TArray<UClass*>& Classes, EOrder Order)
+{
+	TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClasses(Classes, Order == EOrder::ObjectPath);
+	Assets.RemoveAll(IsInGeneratedFolder);
+	return Assets;
+}
+
+/** One search of the family, from the query to the report. */
+class FBlueprintSearch : public std::enable_shared_from_this<FBlueprintSearch>
+{
+public:
+	FBlueprintSearch(const FAssetSearchParams& InParams, FOnAssetSearchComplete InOnDone)
+		: Params(InParams)
+		, OnDone(std::move(InOnDone))
+	{
+	}
+
+	void Start()
+	{
+		FBlueprintFindUtils::Get().MakeSearchQuery(Params.Term, QueryOptions,
+			[This = shared_from_this()](TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints)
+			{
+				This->ReadIndex(Blueprints);
+				AsyncTask(ENamedThreads::GameThread, [This] { This->Finish(); });
+			});
+	}
+
+private:
+	void ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints);
+	bool ConvertEntry(const FFindInBlueprintsResult& Entry, const FString& BlueprintPath);
+	void Finish();
+	void ReadWidgets();
+	void ReadWidgetBlueprint(const UWidgetBlueprint& Blueprint, FHitSink& Hits) const;
+	void ReadNames();
+	FAssetResult& FindOrAddResult(const FAssetData& Asset);
+	bool IsFull() const { return OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
+
+	const FAssetSearchParams Params;
+	const FOnAssetSearchComplete OnDone;
+	int32 TotalHits = 0;					   // of the index and of widgets; names do not count
+	TMap<FString, FAssetResult> IndexResults;  // by object path
+	TMap<FString, FAssetResult> ObjectResults; // of widgets and names, by object path
+};
+
+/** The Blueprints come with the delivery rather than from GetItemsFound: a query made since then may be filling that list. */
+void FBlueprintSearch::ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints)
+{
+	const FAssetSearchParams PathParams{.Term = Params.PathContains, .bCaseSensitive = Params.bCaseSensitive};
+	for (const TSharedPtr<FImaginaryFiBData>& Blueprint : Blueprints)
+	{
+		const FString Path = Blueprint ? Blueprint->GetResult().GetDisplayString() : FString();
+		if (Path.IsEmpty() || !OrivaneSearchUtils::TermMatches(Path, PathParams))
+			continue;
+		if (!ConvertEntry(Blueprint->GetResult(), Path))
+			return;
+	}
+}
+
+/** The entry, then what lies below it. False when the hit cap ends the pass. */
+bool FBlueprintSearch::ConvertEntry(const FFindInBlueprintsResult& Entry, const FString& BlueprintPath)
+{
+	if (IsFull())
+		return false;
+	FAssetResult& Result = IndexResults.FindOrAdd(BlueprintPath);
+	if (Result.AssetPath.IsEmpty())
+	{
+		Result.AssetPath = FPackageName::ObjectPathToPackageName(BlueprintPath);
+		Result.AssetClass = "Blueprint";
+	}
+	const FFindInBlueprintsResult* const Parent = Entry.GetParent();
+	OrivaneSearchUtils::AppendHitWithCaps(Result, Entry.GetCategory(), Entry.GetDisplayString(),
+		Parent ? Parent->GetDisplayString() : FString(), Params, TotalHits);
+	for (const FFindInBlueprintsResult& Child : Entry.GetChildren())
+	{
+		if (!ConvertEntry(Child, BlueprintPath))
+			return false;
+	}
+	return true;
+}
+
+void FBlueprintSearch::Finish()
+{
+	ReadWidgets();
+	ReadNames();
+	FAssetSearchResult Found;
+	for (const TMap<FString, FAssetResult>* Results : {&IndexResults, &ObjectResults})
+	{
+		for (const auto& [Path, Result] : *Results)
+		{
+			if (!Result.Hits.IsEmpty())
+				Found.Results.Add(Result);
+		}
+	}
+	OnDone.ExecuteIfBound(Found);
+}
+
+void FBlueprintSearch::ReadWidgets()
+{
+	if (!Params.IncludeKinds.IsEmpty() && !OrivaneSearchUtils::DoesKindSetContainAny(Params.IncludeKinds, GetWidgetKinds()))
+		return;
+	for (const FAssetData& Asset : GatherAssets({UWidgetBlueprint::StaticClass()}, EOrder::ObjectPath))
+	{
+		if (IsFull())
+			return;
+		const auto* Blueprint =
+			IsInScope(Asset, Params) ? Cast<UWidgetBlueprint>(ResolveAssetObject(Asset, ELoad::IfMissing)) : nullptr;
+		if (!Blueprint)
+			continue;
+		FHitSink Hits(FindOrAddResult(Asset), Params, TotalHits);
+		ReadWidgetBlueprint(*Blueprint, Hits);
+	}
+}
+
+void FBlueprintSearch::ReadWidgetBlueprint(const UWidgetBlueprint& Blueprint, FHitSink& Hits) const
+{
+	TArray<UWidget*> Widgets;
+	if (const UWidgetTree* Tree = Blueprint.WidgetTree)
+		Tree->GetAllWidgets(Widgets);
+	for (const UWidget* Widget : Widgets)
+	{
+		Hits.Add("Widget", Widget->GetName(), WidgetTreeContainer);
+		Hits.Add("WidgetClass", Widget->GetClass()->GetName(), WidgetTreeContainer);
+		if (Hits.IsFull())
+			return;
+	}
+	for (const UWidgetAnimation* Animation : Blueprint.Animations)
+	{
+		if (Animation)
+			Hits.Add("WidgetAnimation", Animation->GetName(), WidgetTreeContainer);
+		if (Hits.IsFull())
+			return;
+	}
+}
+
+void FBlueprintSearch::ReadNames()
+{
+	int32 NumReported = 0;
+	const TArray<UClass*> Classes = {UBlueprint::StaticClass(), UWidgetBlueprint::StaticClass(), UAnimBlueprint::StaticClass()};
+	for (const FAssetData& Asset : GatherAssets(Classes, EOrder::Registry))
+	{
+		const FString Name = Asset.AssetName.ToString();
+		if (!OrivaneSearchUtils::TermMatches(Name, Params) || !PassesPathFilter(Asset.PackagePath.ToString(), Params))
+			continue;
+		int32 NoHitsYet = 0; // this pass is capped by its assets, not by the hits of the search
+		OrivaneSearchUtils::AppendHitWithCaps(FindOrAddResult(Asset), "AssetName", Name, "", Params, NoHitsYet);
+		if (OrivaneSearchUtils::HasReachedCap(++NumReported, Params.MaxTotalHits))
+			return;
+	}
+}
+
+FAssetResult& FBlueprintSearch::FindOrAddResult(const FAssetData& Asset)
+{
+	FAssetResult& Result = ObjectResults.FindOrAdd(Asset.GetObjectPathString());
+	if (Result.AssetPath.IsEmpty())
+	{
+		Result.AssetPath = Asset.GetSoftObjectPath().ToString();
+		Result.AssetClass = AssetTypeFromClassName(Asset.AssetClassPath.AssetName);
+	}
+	return Result;
+}
+}
+
+void SearchBlueprints(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
+{
+	MakeShared<FBlueprintSearch>(Params, std::move(OnDone))->Start();
+}

@@ -1,0 +1,52 @@
+#include "PackageText.h"
+
+namespace
+{
+struct FReadFault
+{
+	const char* Rule;
+	FString Text;
+};
+
+FReadFault Describe(EFileRead Outcome, uint64 MaxBytes)
+{
+	switch (Outcome)
+	{
+		case EFileRead::Missing:
+			return {"missing-file", "the file is gone, so its package cannot be loaded"};
+		case EFileRead::TooLarge:
+			return {"too-large",
+				FString::Printf(
+					"the file is larger than %d MiB, so its package is not loaded", static_cast<int>(MaxBytes >> 20))};
+		case EFileRead::Unreadable:
+		case EFileRead::Ok:
+			break;
+	}
+	return {"unreadable-file", "the file cannot be read, so its package cannot be loaded"};
+}
+}
+
+void FPackageText::SetFile(FPackageFile InFile)
+{
+	if (!Reader || InFile.Source != File.Source)
+		Reader = InFile.Source->MakeReader();
+	File = std::move(InFile);
+	Bytes.clear();
+}
+
+void FPackageText::Parse()
+{
+	Outcome = File.Read(Bytes, File.Source->GetMaxFileBytes(), Reader->GetPadding());
+	if (Outcome == EFileRead::Ok)
+		Reader->ParseBody(Bytes);
+}
+
+bool FPackageText::BuildObjects(UPackage& Package, FDiagnosticSink* Diagnostics)
+{
+	if (Outcome == EFileRead::Ok)
+		return Reader->ReadBody(File.FileName, Package, Diagnostics);
+	const FReadFault Fault = Describe(Outcome, File.Source->GetMaxFileBytes());
+	if (Diagnostics)
+		Diagnostics->Add({File.FileName, 0, 0, EDiagnosticSeverity::Error, Fault.Text, Fault.Rule});
+	return false;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "CoreObject/Loader.h"
+
+/** A package's file on its way into memory: found, then read and parsed, then made into objects. Made to be reused. */
+class FPackageText
+{
+public:
+	explicit FPackageText(FPackageFile InFile) { SetFile(std::move(InFile)); }
+	/** Begins anew with another file; buffers stay where it is of the same format. */
+	void SetFile(FPackageFile InFile);
+	/** Reads and parses; what goes wrong is kept for the game thread. Any thread. */
+	void Parse();
+	/** Of the file; 0 before it was read. */
+	std::size_t NumBytes() const { return Bytes.size(); }
+	/** Of buffers that reuse would keep. */
+	std::size_t GetCapacity() const { return Bytes.capacity(); }
+	const FPackageFile& GetFile() const { return File; }
+	/** Once parsed: fills the package, as IPackageReader::ReadBody does. Game thread. */
+	bool BuildObjects(UPackage& Package, FDiagnosticSink* Diagnostics);
+
+private:
+	FPackageFile File;
+	TUniquePtr<IPackageReader> Reader;
+	std::string Bytes;
+	EFileRead Outcome = EFileRead::Missing;
+};

@@ -1,0 +1,193 @@
+#include "Support/TestProject.h"
+
+namespace
+{
+/** A guard's tree with one of everything, and the tree that it runs. */
+void AddGuard(FTestProject& Project)
+{
+	Project.Script("Game", R"("classes": [
+		{"name": "BTDecorator_Seen", "super": "/Script/Engine.BTDecorator"},
+		{"name": "BTService_Alarm", "super": "/Script/Engine.BTService"},
+		{"name": "BTTask_RunNumber", "super": "/Script/Engine.BTTask_RunBehavior",
+		 "properties": [{"name": "BehaviorAsset", "type": "int", "default": 7}]}])");
+	Project.Asset("/Game/BB_Guard", "BlackboardData");
+	Project.Asset("/Game/BT_Sub", "BehaviorTree");
+	Project.Asset("/Game/BT_Guard", "BehaviorTree")
+		.Set("BlackboardAsset", R"("/Game/BB_Guard.BB_Guard")")
+		.Set("RootNode", R"("^Root")")
+		.Inner("Root", "BTComposite_Selector", R"("NodeName": "Choose", "Description": "first that works", "Children": [
+			{"ChildComposite": "^Fight", "ChildTask": "^Rest", "Decorators": ["^Seen", null]},
+			{"ChildTask": "^Sub", "Decorators": ["^Seen"]}, {"ChildTask": "^Number"}, {}])")
+		.Inner("Root.Alarm", "/Script/Game.BTService_Alarm")
+		.Inner("Seen", "/Script/Game.BTDecorator_Seen", R"("NodeName": "Hidden")")
+		.Inner("Seen.Alarm", "/Script/Game.BTService_Alarm")
+		.Inner("Fight", "BTComposite_Sequence", R"("Children": [{"ChildTask": "^Go"}])")
+		.Inner("Go", "BTTask_MoveTo", R"("BlackboardKey": "EnemyActor")")
+		.Inner("Go.Alarm", "/Script/Game.BTService_Alarm")
+		.Inner("Go.Alarm.Deeper", "/Script/Game.BTService_Alarm")
+		.Inner("Rest", "BTTask_Wait", R"("NodeName": "Repose")")
+		.Inner("Sub", "BTTask_RunBehavior", R"("NodeName": "Call", "BehaviorAsset": "/Game/BT_Sub.BT_Sub")")
+		.Inner("Number", "/Script/Game.BTTask_RunNumber", R"("NodeName": "Count")");
+}
+}
+
+TEST(BehaviorTreeFamily, FindsNodesAndWhatHangsOnThem)
+{
+	FTestProject Project;
+	AddGuard(Project);
+	ExpectFound(Project, "BehaviorTree",
+		{
+			{"by blackboard", "BB_", "BT_Guard: BlackboardName BB_Guard @BehaviorTree"},
+			{"by node name", "choose", "BT_Guard: NodeName Choose @BehaviorTree/Node"},
+			{"by description", "WORKS", "BT_Guard: NodeComment first that works @BehaviorTree/Node"},
+			{"depth first; a composite before the task beside it", "e",
+				"BT_Guard: NodeName Choose @BehaviorTree/Node; NodeClass BTComposite_Selector @BehaviorTree/Node; Service "
+				"BTService_Alarm @BehaviorTree/Service x2; Decorator BTDecorator_Seen @BehaviorTree/Decorator x2; NodeName "
+				"Sequence "
+				"@BehaviorTree/Node; NodeClass BTComposite_Sequence @BehaviorTree/Node; NodeName MoveTo @BehaviorTree/Node; "
+				"NodeClass BTTask_MoveTo @BehaviorTree/Node; MoveToKey EnemyActor @BehaviorTree/Node; NodeName Repose "
+				"@BehaviorTree/Node; NodeClass BTTask_RunBehavior @BehaviorTree/Node; NodeClass BTTask_RunNumber "
+				"@BehaviorTree/Node"},
+			{"goal of a move", "enemyactor", "BT_Guard: MoveToKey EnemyActor @BehaviorTree/Node"},
+			{"the tree that a task runs, beside that tree itself", "BT_Sub",
+				"BT_Guard: RunBehaviorAsset BT_Sub @BehaviorTree/Node | BT_Sub: AssetName BT_Sub @BehaviorTree"},
+			{"once for each child that has it", "BTDecorator_Seen",
+				"BT_Guard: Decorator BTDecorator_Seen @BehaviorTree/Decorator x2"},
+			{"decorators are no nodes", "Hidden", ""},
+			{"services of composites and tasks, directly inside", "BTService_Alarm",
+				"BT_Guard: Service BTService_Alarm @BehaviorTree/Service x2"},
+			{"a property of another type under that name names no tree", "7", ""},
+			{"its own name only when nothing else matched", "BT_Guard", "BT_Guard: AssetName BT_Guard @BehaviorTree"},
+		});
+}
+
+TEST(BehaviorTreeFamily, SurvivesWhateverTreesHold)
+{
+	FTestProject Project;
+	Project.Asset("/Game/BT_Cycle", "BehaviorTree")
+		.Set("RootNode", R"("^A")")
+		.Inner("A", "BTComposite_Selector",
+			R"("NodeName": "Upper", "Children": [{"ChildComposite": "^B"}, {"ChildComposite": "^B"}])")
+		.Inner("B", "BTComposite_Selector", R"("NodeName": "Lower", "Children": [{"ChildComposite": "^A"}, {}])");
+	FTestAsset& Deep = Project.Asset("/Game/BT_Deep", "BehaviorTree").Set("RootNode", R"("^N0")");
+	FTestAsset& Diamonds = Project.Asset("/Game/BT_Diamonds", "BehaviorTree").Set("RootNode", R"("^N0")");
+	constexpr int32 NumLevels = 10000;
+	for (int32 Level = 0; Level <= NumLevels; ++Level)
+	{
+		const std::string Below = R"({"ChildComposite": "^N)" + std::to_string(Level + 1) + R"("})";
+		const std::string Node = "N" + std::to_string(Level);
+		if (Level == NumLevels)
+			Deep.Inner(Node, "BTComposite_Selector", R"("NodeName": "Bottom")");
+		else
+			Deep.Inner(Node, "BTComposite_Selector", R"("NodeName": "Level", "Children": [)" + Below + "]");
+		if (Level < 60) // as many ways down as there are seconds in the universe
+			Diamonds.Inner(Node, "BTComposite_Selector", R"("NodeName": "Way", "Children": [)" + Below + ", " + Below + "]");
+	}
+	Diamonds.Inner("N60", "BTComposite_Selector", R"("NodeName": "Meeting")");
+	Project.Asset("/Game/BT_Gone", "BehaviorTree")
+		.Set("RootNode", R"("^Root")")
+		.Inner("Root", "BTComposite_Selector", R"("NodeName": "Alone", "Children": [{"ChildTask": "^Gone"}])")
+		.Inner("Gone", "/Script/Nowhere.BTTask_Gone", R"("NodeName": "Undeclared")");
+
+	ExpectFound(Project, "BehaviorTree",
+		{
+			{"a node is not walked below itself, but twice beside itself", "Upper",
+				"BT_Cycle: NodeName Upper @BehaviorTree/Node"},
+			{"the same for the lower one", "Lower", "BT_Cycle: NodeName Lower @BehaviorTree/Node x2"},
+			{"deeper than any stack", "Bottom", "BT_Deep: NodeName Bottom @BehaviorTree/Node"},
+			{"every level counts", "Level", "BT_Deep: NodeName Level @BehaviorTree/Node x10000"},
+			{"a node of a class that nothing declares", "Alone", "BT_Gone: NodeName Alone @BehaviorTree/Node"},
+			{"is not there", "Undeclared", ""},
+		});
+	EXPECT_TRUE(Render(Project.Search("BehaviorTree", "Meeting")).starts_with("BT_Diamonds: NodeName Meeting"));
+	EXPECT_EQ(Project.Check(),
+		"BT_Cycle.vasset warning empty-child\nBT_Cycle.vasset error tree-cycle\nBT_Deep.vasset warning deep-tree\n"
+		"BT_Gone.vasset error bad-reference\nBT_Gone.vasset warning unknown-class");
+}
+
+TEST(BlackboardFamily, FindsParentAndKeys)
+{
+	FTestProject Project;
+	Project.Asset("/Game/BB_Base", "BlackboardData")
+		.Set("Keys", R"([{"EntryName": "Self"}, {"EntryName": "Self", "EntryDescription": "Who asks"}])");
+	Project.Asset("/Game/BB_Guard", "BlackboardData")
+		.Set("Parent", R"("/Game/BB_Base.BB_Base")")
+		.Set("Keys", R"([{"EntryName": "Enemy", "EntryDescription": "Whom we see", "KeyType": "^Type"},
+			{"EntryName": "Alarm", "KeyType": "^Flag"}])")
+		.Inner("Type", "BlackboardKeyType_Object")
+		.Inner("Flag", "BlackboardKeyType_Bool");
+	Project.Asset("/Game/BB_Lost", "BlackboardData").Set("Parent", R"("/Game/BB_None.BB_None")");
+	ExpectFound(Project, "Blackboard",
+		{
+			{"parent, then the parent itself by name", "bb_base",
+				"BB_Base: AssetName BB_Base @Blackboard | BB_Guard: Parent BB_Base @Blackboard"},
+			{"key", "enemy", "BB_Guard: KeyName Enemy @Keys"},
+			{"description", "whom", "BB_Guard: KeyDescription Whom we see @Keys"},
+			{"type of a key", "KeyType_Bool", "BB_Guard: KeyType BlackboardKeyType_Bool @Keys"},
+			{"key by key, an empty description never", "",
+				"BB_Base: KeyName Self @Keys x2; KeyDescription Who asks @Keys | BB_Guard: Parent BB_Base @Blackboard; KeyName "
+				"Enemy "
+				"@Keys; KeyDescription Whom we see @Keys; KeyType BlackboardKeyType_Object @Keys; KeyName Alarm @Keys; KeyType "
+				"BlackboardKeyType_Bool @Keys | BB_Lost: AssetName BB_Lost @Blackboard"},
+			{"a parent that is not there", "BB_None", ""},
+		});
+}
+
+TEST(BlackboardFamily, StopsAtTheHitCap)
+{
+	FTestProject Project;
+	Project.Asset("/Game/BB_A", "BlackboardData")
+		.Set("Keys", R"([{"EntryName": "Key1"}, {"EntryName": "Key2", "EntryDescription": "of Key2"}, {"EntryName": "Key1"}])");
+	Project.Asset("/Game/BB_B", "BlackboardData").Set("Keys", R"([{"EntryName": "Key3"}])");
+	FAssetSearchParams Params;
+	Params.Term = "Key";
+	Params.IncludeAssetFamilies = {"Blackboard"};
+	Params.MaxTotalHits = 2;
+	EXPECT_EQ(Render(Project.Search(Params)), "BB_A: KeyName Key1 @Keys; KeyName Key2 @Keys")
+		<< "a later key would have been counted";
+}
+
+TEST(BlackboardFamily, SurvivesCyclesOfParents)
+{
+	FTestProject Project;
+	Project.Asset("/Game/BB_A", "BlackboardData").Set("Parent", R"("/Game/BB_B.BB_B")");
+	Project.Asset("/Game/BB_B", "BlackboardData").Set("Parent", R"("/Game/BB_A.BB_A")");
+	Project.Asset("/Game/BB_C", "BlackboardData").Set("Parent", R"("/Game/BB_B.BB_B")");
+	EXPECT_EQ(Render(Project.Search("Blackboard", "BB_A")), "BB_A: AssetName BB_A @Blackboard | BB_B: Parent BB_A @Blackboard");
+	EXPECT_EQ(Project.Check(), "BB_A.vasset error parent-cycle") << "once for the cycle";
+}
+
+TEST(EnvQueryFamily, FindsOptionsGeneratorsAndTests)
+{
+	FTestProject Project;
+	Project.Script("Game", R"("classes": [
+		{"name": "Generator_Ring", "super": "/Script/Engine.EnvQueryGenerator", "properties": [
+			{"name": "Radius", "type": "float", "default": 500}, {"name": "OldRadius", "type": "int", "deprecated": true}]},
+		{"name": "Test_Far", "super": "/Script/Engine.EnvQueryTest", "properties": [{"name": "MaxFar", "type": "float"}]}])");
+	Project.Asset("/Game/EQS_Hide", "EnvQuery")
+		.Set("Options", R"([null, "^Doors", "^Bare"])")
+		.Inner("Doors", "EnvQueryOption",
+			R"("Generator": "^Doors.Ring", "Tests": [null, "^Doors.Far", "^Doors.Same", "^Doors.Odd"])")
+		.Inner("Doors.Ring", "/Script/Game.Generator_Ring")
+		.Inner("Doors.Far", "/Script/Game.Test_Far", R"("TestPurpose": 2, "TestComment": "Behind lamps")")
+		.Inner("Doors.Same", "/Script/Game.Test_Far", R"("TestPurpose": 1)")
+		.Inner("Doors.Odd", "EnvQueryTest", R"("TestPurpose": 9)")
+		.Inner("Bare", "EnvQueryOption");
+	ExpectFound(Project, "EnvQuery",
+		{
+			{"option", "doors", "EQS_Hide: OptionName Doors @EnvQuery/Option"},
+			{"generator's class", "Generator_R", "EQS_Hide: GeneratorClass Generator_Ring @EnvQuery/Generator"},
+			{"generator's properties, deprecated ones too", "radius",
+				"EQS_Hide: GeneratorProperty Radius @EnvQuery/GeneratorProperties; GeneratorProperty OldRadius "
+				"@EnvQuery/GeneratorProperties"},
+			{"a value is no name", "500", ""},
+			{"test's class", "test_far", "EQS_Hide: TestClass Test_Far @EnvQuery/Test x2"},
+			{"purpose 2 holds the word of purpose 1", "score",
+				"EQS_Hide: TestPurpose FilterAndScore @EnvQuery/Test; TestPurpose Score @EnvQuery/Test"},
+			{"any other purpose", "unknown", "EQS_Hide: TestPurpose Unknown @EnvQuery/Test"},
+			{"comment", "lamps", "EQS_Hide: TestComment Behind lamps @EnvQuery/Test"},
+			{"test's properties, once for each test", "maxfar", "EQS_Hide: TestProperty MaxFar @EnvQuery/TestProperties x2"},
+			{"inherited ones too", "testcomment", "EQS_Hide: TestProperty TestComment @EnvQuery/TestProperties x3"},
+			{"its own name only when nothing else matched", "EQS", "EQS_Hide: AssetName EQS_Hide @EnvQuery"},
+		});
+}

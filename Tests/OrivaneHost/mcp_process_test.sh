@@ -88,6 +88,11 @@ transcript() {
 "id":"5","result":\{"tools":\[
 "id":6,"result":\{"resultType":"complete".*"ttlMs"' --project "$project"
 
+for option in "" --without-path-search; do
+	{ handshake; request 1 tools/list; } | timeout "$patience" "$orivane" mcp $option --project "$project" >"$scratch/output"
+	grep -c '"name":"asset_path_search"' "$scratch/output"
+done | tr '\n' ' ' | grep -qx '1 0 ' || fail "the path search is offered unless it is left out" "$(cat "$scratch/output")"
+
 printf '{"jsonrpc":"2.0","id":1,"method":"ping"}' | timeout "$patience" "$orivane" mcp --project "$project" >"$scratch/output" || fail "a pipe: exit $?"
 grep -q '"id":1,"result":{}' "$scratch/output" || fail "the last line may lack its line break" "$(cat "$scratch/output")"
 timeout "$patience" "$orivane" mcp --project "$project" </dev/null >"$scratch/output" || fail "nothing to say: exit $?"

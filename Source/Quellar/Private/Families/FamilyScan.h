@@ -70,13 +70,16 @@ void ScanFamily(
 		const TAsset* Object = IsInScope(Asset, Params) ? Cast<TAsset>(ResolveAssetObject(Asset, ELoad::IfMissing)) : nullptr;
 		if (!Object)
 			continue;
-		FAssetResult Result{.AssetPath = Asset.GetSoftObjectPath().ToString(), .AssetClass = Traits.ClassText};
+		FAssetResult Result{.AssetClass = Traits.ClassText};
 		FHitSink Hits(Result, Params, TotalHits);
 		ReadAsset(*Object, Hits);
 		if (!Hits.HasHits())
 			Hits.Add("AssetName", Object->GetName(), Traits.NameContainer);
 		if (Hits.HasHits())
+		{
+			Result.AssetPath = Asset.GetSoftObjectPath().ToString();
 			Found.Results.Add(std::move(Result));
+		}
 		if (Hits.IsFull())
 			break;
 	}

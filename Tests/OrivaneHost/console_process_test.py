@@ -137,6 +137,12 @@ def recall(console):
     console.expect_end(0)
 
 
+def terminate(console):
+    console.expect(PROMPT)
+    os.kill(console.process, signal.SIGTERM)
+    console.expect_end(130)
+
+
 def give_the_prompt_back(console):
     console.expect(PROMPT)
     console.send("Orivane.BlueprintSearch term=\r")
@@ -160,6 +166,7 @@ def main():
         if stat.S_IMODE(history.stat().st_mode) != 0o600:
             sys.exit("FAILED: the history is for its user alone")
         recall(Terminal(command, environment))
+        terminate(Terminal(command, environment))
         knows_blueprints = subprocess.run([orivane, "search", "x", "--family", "Blueprint", "--project", str(project)],
                                           capture_output=True, check=False).returncode != 2
         if knows_blueprints:

@@ -126,6 +126,19 @@ TEST(AssetPathSearch, SpellingsOfAFolderShareADirectory)
 	Project.Open();
 	EXPECT_EQ(
 		Search({.Term = "W_"}), "2 hits; /Game/UI: /Game/UI/W_A.W_A /Game/ui/W_B.W_B; files: /Game/UI/W_A.W_A /Game/ui/W_B.W_B");
+	Project.Links("/Game/A/W_C", {"W_C Blueprint"}, {});
+	Project.Links("/Game/UI/AW_0", {"AW_0 Blueprint"}, {});
+	Project.Links("/Game/UI/M/W_D", {"W_D Blueprint"}, {});
+	Project.Open();
+	EXPECT_EQ(Search({.Term = "W_", .MaxFileResults = 1, .MaxDirectoryBuckets = 2, .MaxFilesPerDirectory = 2}),
+		"5 hits; /Game/A: /Game/A/W_C.W_C; /Game/UI: /Game/UI/AW_0.AW_0 /Game/UI/W_A.W_A; files: /Game/A/W_C.W_C; "
+		"max_file_results "
+		"dir_bucket_cap files_per_dir_cap (directories too)")
+		<< "also once no directory is added";
+	Project.GetFolder().Remove("Content/A");
+	Project.GetFolder().Remove("Content/UI/AW_0.vasset");
+	Project.GetFolder().Remove("Content/UI/M");
+	Project.Open();
 	EXPECT_EQ(Execute(R"({"term": "W_"})"),
 		"2 Found 2 matches across 1 directories (truncated=false).\n"
 		R"(asset_path_search={"summary":{"total_hits":2,"total_directories":1,"truncated":false,"detail_mode":"directories"},)"

@@ -3,6 +3,8 @@
 #include "Quellar/AssetSearchService.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 namespace
@@ -64,51 +66,74 @@ public:
 	void Finish();
 
 private:
+	enum EReason : uint8
+	{
+		MaxFileResults,
+		DirectoryBucketCap,
+		FilesPerDirectoryCap,
+	};
+	static constexpr const char* ReasonWords[] = {"max_file_results", "dir_bucket_cap", "files_per_dir_cap"};
+
 	struct FDirectory
 	{
+		int32 Folder = INDEX_NONE; // of the first hit
 		FString Path;
 		TArray<FString> Files;
 	};
 
 	int32 FindDirectory(int32 Folder);
-	int32 FindOrAddDirectory(const FString& Path);
+	int32 FindOrAddDirectory(int32 Folder);
+	void NumberFolders();
 	/** Appends as many as there is room for below the cap and returns their number. */
 	int32 AppendPaths(FAssetPathView::FRange Hits, int32 Cap, TArray<FString>& Out) const;
-	void Record(const char* Reason);
-
-	static constexpr int32 Unknown = -2; // of a folder's directory; INDEX_NONE: it was refused
+	void Record(EReason Reason);
 
 	const FAssetPathView& Paths;
 	FAssetPathSearchResult& Result;
 	const int32 MaxFiles;
 	const int32 MaxDirectories;
 	const int32 MaxPerDirectory;
+	bool bRecorded[std::size(ReasonWords)] = {};
 	TArray<FDirectory> Directories;
 	TMap<FString, int32> DirectoryByPath; // two spellings of a folder share one
-	std::vector<int32> DirectoryOfFolder; // from the first refusal on, when many folders may follow
+	std::vector<int32> DirectoryOfFolder; // from the first refusal on, when any number of folders may follow
 };
-
-int32 FHitCollector::FindOrAddDirectory(const FString& Path)
-{
-	if (const int32* const Found = DirectoryByPath.Find(Path))
-		return *Found;
-	if (Directories.Num() == MaxDirectories)
-		return INDEX_NONE;
-	return DirectoryByPath.Add(Path, Directories.Add({Path, {}}));
-}
 
 /** INDEX_NONE when there is no room for another directory. */
 int32 FHitCollector::FindDirectory(int32 Folder)
 {
-	const auto Place = static_cast<std::size_t>(Folder);
-	if (!DirectoryOfFolder.empty() && DirectoryOfFolder[Place] != Unknown)
-		return DirectoryOfFolder[Place];
-	const int32 Directory = FindOrAddDirectory(Paths.GetFolderPath(Folder));
-	if (Directory == INDEX_NONE && DirectoryOfFolder.empty())
-		DirectoryOfFolder.resize(static_cast<std::size_t>(Paths.NumFolders()), Unknown);
 	if (!DirectoryOfFolder.empty())
-		DirectoryOfFolder[Place] = Directory;
+		return DirectoryOfFolder[static_cast<std::size_t>(Folder)];
+	const int32 Directory = FindOrAddDirectory(Folder);
+	if (Directory == INDEX_NONE)
+		NumberFolders();
 	return Directory;
+}
+
+int32 FHitCollector::FindOrAddDirectory(int32 Folder)
+{
+	const FString Path = Paths.GetFolderPath(Folder);
+	if (const int32* const Found = DirectoryByPath.Find(Path))
+		return *Found;
+	if (Directories.Num() == MaxDirectories)
+		return INDEX_NONE;
+	return DirectoryByPath.Add(Path, Directories.Add({Folder, Path, {}}));
+}
+
+/** No directory comes any more: every spelling of those that are there gets its number, and all other folders none. */
+void FHitCollector::NumberFolders()
+{
+	const int32 NumFolders = Paths.NumFolders();
+	DirectoryOfFolder.resize(static_cast<std::size_t>(NumFolders), INDEX_NONE);
+	for (int32 Index = 0; Index < Directories.Num(); ++Index)
+	{
+		const auto IsSpelling = [&](int32 Folder)
+		{ return Folder >= 0 && Folder < NumFolders && Directories[Index].Path == FString(Paths.GetFolderPath(Folder)); };
+		for (int32 Folder = Directories[Index].Folder; IsSpelling(Folder); --Folder)
+			DirectoryOfFolder[static_cast<std::size_t>(Folder)] = Index;
+		for (int32 Folder = Directories[Index].Folder; IsSpelling(Folder); ++Folder)
+			DirectoryOfFolder[static_cast<std::size_t>(Folder)] = Index;
+	}
 }
 
 int32 FHitCollector::AppendPaths(FAssetPathView::FRange Hits, int32 Cap, TArray<FString>& Out) const
@@ -123,11 +148,13 @@ int32 FHitCollector::AppendPaths(FAssetPathView::FRange Hits, int32 Cap, TArray<
 	return NumAppended;
 }
 
-void FHitCollector::Record(const char* Reason)
+void FHitCollector::Record(EReason Reason)
 {
+	if (std::exchange(bRecorded[Reason], true))
+		return;
 	Result.bTruncated = true;
-	if (Result.TruncationReasons.Num() < 3 && !Result.TruncationReasons.Contains(Reason))
-		Result.TruncationReasons.Add(Reason);
+	Result.bDirectoriesTruncated |= Reason != MaxFileResults;
+	Result.TruncationReasons.Add(ReasonWords[Reason]);
 }
 
 void FHitCollector::Add(FAssetPathView::FRange Hits)
@@ -139,14 +166,11 @@ void FHitCollector::Add(FAssetPathView::FRange Hits)
 
 	// Hit for hit the list comes before the directory, so its cap is met first where both refuse the same one.
 	if (NumFiles < Hits.Num() && NumFiles <= NumInDirectory)
-		Record("max_file_results");
+		Record(MaxFileResults);
 	if (NumInDirectory < Hits.Num())
-	{
-		Result.bDirectoriesTruncated = true;
-		Record(Directory == INDEX_NONE ? "dir_bucket_cap" : "files_per_dir_cap");
-	}
+		Record(Directory == INDEX_NONE ? DirectoryBucketCap : FilesPerDirectoryCap);
 	if (NumFiles < Hits.Num())
-		Record("max_file_results");
+		Record(MaxFileResults);
 }
 
 void FHitCollector::Finish()

@@ -12,7 +12,7 @@
  */
 namespace PathGrams
 {
-constexpr uint32 BlockPackages = 64;
+constexpr uint32 BlockPackages = 16;
 
 /** Fills the columns PathGrams, FirstGramBlocks and GramBlocks from the names of the packages. */
 void Build(FRegistryDraft& Draft, int32 NumThreads);

@@ -1,6 +1,7 @@
 #include "Console/LineEditor.h"
 
 #include "Core/Unicode.h"
+#include "OrivaneHost/Program.h"
 #include "Terminal.h"
 
 #include <algorithm>
@@ -8,6 +9,9 @@
 #include <cstdio>
 #include <histedit.h>
 #include <langinfo.h>
+#include <stop_token>
+#include <termios.h>
+#include <unistd.h>
 
 namespace
 {
@@ -59,8 +63,15 @@ struct FLineEditor::FState
 	static unsigned char Complete(EditLine* Editor, int);
 	static unsigned char Drop(EditLine* Editor, int);
 
+	[[noreturn]] void EndProcess() const
+	{
+		tcsetattr(STDIN_FILENO, TCSANOW, &ModeBefore);
+		_exit(EExitCode::Interrupted);
+	}
+
 	FString HistoryFile;
 	FCompleter Completer;
+	termios ModeBefore = {}; // of the terminal
 	EditLine* Editor = nullptr;
 	History* Lines = nullptr;
 	HistEvent Event = {};
@@ -104,6 +115,7 @@ FLineEditor::FLineEditor(FString InHistoryFile, FCompleter InCompleter) : State(
 	UseUtf8();
 	State->HistoryFile = std::move(InHistoryFile);
 	State->Completer = std::move(InCompleter);
+	tcgetattr(STDIN_FILENO, &State->ModeBefore);
 	State->Editor = el_init("orivane", stdin, stdout, stderr);
 	State->Lines = history_init();
 	history(State->Lines, &State->Event, H_SETSIZE, MaxHistory);
@@ -131,6 +143,8 @@ FLineEditor::~FLineEditor()
 
 bool FLineEditor::ReadLine(FString& OutLine)
 {
+	// Nothing else wakes a thread that waits for a key.
+	const std::stop_callback OnStop(Interrupt::GetToken(), [this] { State->EndProcess(); });
 	int NumBytes = 0;
 	const char* const Bytes = el_gets(State->Editor, &NumBytes);
 	if (!Bytes || NumBytes <= 0)

@@ -25,7 +25,9 @@ public:
 	FLineEditor(const FLineEditor&) = delete;
 	FLineEditor& operator=(const FLineEditor&) = delete;
 
-	/** Asks for a line; a dropped one (Ctrl-C) is empty. False at the end of input (Ctrl-D). */
+	/** Asks for a line; a dropped one (Ctrl-C) is empty. False at the end of input (Ctrl-D). A request to terminate ends the
+	 * process.
+	 */
 	bool ReadLine(FString& OutLine);
 
 private:

@@ -41,7 +41,8 @@ public:
 	/** Appends what FAssetData::GetObjectPathString gives. */
 	void AppendObjectPath(int32 Asset, FString& Out) const;
 
-	/** Folders of packages ("/Game/UI"), numbered in registry order; two spellings of one folder have two numbers. */
+	/** Folders of packages ("/Game/UI"), numbered in registry order; two spellings of one folder have neighbouring
+	 * numbers. */
 	int32 NumFolders() const;
 	int32 GetFolder(int32 Asset) const;
 	FStringView GetFolderPath(int32 Folder) const;

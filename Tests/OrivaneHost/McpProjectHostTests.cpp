@@ -135,7 +135,7 @@ void LintSchema(const FAny& Schema, const std::string& Path)
 }
 }
 
-TEST_F(McpProjectHost, EvictsObjectsWhenNoCallIsOpen)
+TEST_F(McpProjectHost, EvictsObjectsBetweenCalls)
 {
 	const FTightMemory Memory;
 	FOrivaneToolkitModule::GetToolExecutor()->RegisterTool("loading", MakeShared<FLoadingTool>());
@@ -149,11 +149,21 @@ TEST_F(McpProjectHost, EvictsObjectsWhenNoCallIsOpen)
 	CallLoading(1, "never");
 	CallLoading(2, "{}");
 	EXPECT_EQ(TakeAnswers(), FTexts{"there"});
-	EXPECT_NE(FindPackage("/Game/A"), nullptr) << "a call is still open";
+	EXPECT_NE(FindPackage("/Game/A"), nullptr) << "a tool is still running";
 	Host->CancelCall(1);
 	CallLoading(3, "{}");
 	EXPECT_EQ(TakeAnswers(), FTexts{"there"}) << "not while the call is being answered";
 	EXPECT_EQ(FindPackage("/Game/A"), nullptr);
+
+	LoadPackage("/Game/A");
+	Call(4);
+	const auto CallAgain = [this](const Orivane::FToolResult&)
+	{
+		Host->StartCall(6, "fake", "{}",
+			[this](const Orivane::FToolResult&) { Answers.push_back(FindPackage("/Game/A") ? "there" : "gone"); });
+	};
+	Host->StartCall(5, "fake", "{}", CallAgain);
+	EXPECT_EQ(TakeAnswers(), (FTexts{"4", "gone"})) << "a client that always has a call waiting cannot hold it up";
 }
 
 TEST_F(McpProjectHost, HoldsCallsUntilTheProjectIsOpen)

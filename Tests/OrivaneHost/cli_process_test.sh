@@ -38,6 +38,7 @@ expect "a mistyped command" 2 "did you mean 'search'" "$orivane" serach Health
 expect "a mistyped option" 2 "did you mean '--family'" "$orivane" search x --famly Text
 expect "a missing term" 2 'TERM is required' "$orivane" search
 expect "a number that is none" 2 'max-total-hits' "$orivane" search x --max-total-hits many
+expect "memory for nothing" 2 'object-memory' "$orivane" search x --object-memory 0
 expect "no command" 2 'orivane --help' "$orivane"
 expect "help has examples" 0 'Examples:' "$orivane" search --help
 expect "version" 0 '^[0-9]+\.[0-9]+\.[0-9]+$' "$orivane" --version
@@ -108,10 +109,16 @@ expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$proj
 mkdir -p "$project/Content/Broken"
 printf '{"varnel_package": 1, "assets": [' >"$project/Content/Broken/Cut.vasset"
 printf '{"varnel_package": 2, "assets": []}' >"$project/Content/Broken/Version.vasset"
+printf '{"varnel_package": 1, "assets": [{"name": "BT_Loop", "class": "/Script/Engine.BehaviorTree"}], "objects": [
+	{"path": "BT_Loop", "class": "/Script/Engine.BehaviorTree", "properties": {"RootNode": "BT_Loop:R"}},
+	{"path": "BT_Loop:R", "class": "/Script/Engine.BTComposite_Selector", "properties": {"Children": [{"ChildComposite": "BT_Loop:R"}]}}]}' \
+	>"$project/Content/Broken/BT_Loop.vasset"
 printf 'nonsense\n[Unclosed\n' >>"$project/Config/DefaultGame.ini"
 printf '{"varnel_script": 1, "classes": [{"name": "Odd", "super": "/Script/Engine.Nowhere"}]}' >"$project/Script/Odd.vscript"
 expect "faults are named with file, line and column" 1 'Content/Broken/Cut\.vasset:1:[0-9]+: error: .* \[' "$orivane" check -p "$project"
 expect "a wrong version" 1 'Content/Broken/Version\.vasset:1:[0-9]+: error: .* \[package-version\]' "$orivane" check -p "$project"
+expect "a tree that holds itself" 1 'BT_Loop\.vasset: error: .* lies below itself \[tree-cycle\]' "$orivane" check -p "$project"
+expect "and is searched all the same" 0 'BT_Loop  BehaviorTree' "$orivane" search BT_Loop -f BehaviorTree --object-memory 1 -p "$project"
 expect "a settings line" 1 'Config/DefaultGame\.ini:[0-9]+:1: error: ' "$orivane" check -p "$project"
 expect "a script class without a parent" 1 'Script/Odd\.vscript:1:[0-9]+: error: .*Nowhere' "$orivane" check -p "$project"
 expect "faults as JSON" 1 '^\{"errors":[1-9][0-9]*,"warnings":' "$orivane" check --json -p "$project"

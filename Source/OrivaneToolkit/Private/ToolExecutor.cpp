@@ -105,6 +105,12 @@ bool FToolExecutor::Cancel(FToolCallId Id)
 	return true;
 }
 
+bool FToolExecutor::IsAnyToolRunning() const
+{
+	std::lock_guard Guard(Lock);
+	return std::any_of(OpenCalls.begin(), OpenCalls.end(), [](const auto& Open) { return Open.second->bStarted; });
+}
+
 void FToolExecutor::Dispatch(const FCallPtr& Call)
 {
 	{
@@ -140,6 +146,7 @@ void FToolExecutor::Run(const FCallPtr& Call)
 		std::lock_guard Guard(Lock);
 		if (!OpenCalls.contains(Call->Id))
 			return;
+		Call->bStarted = true;
 	}
 	// Taken out of the call: a tool that keeps its completion, and with it the call, must not keep itself alive.
 	const TSharedPtr<ITool> Tool = std::move(Call->Tool);

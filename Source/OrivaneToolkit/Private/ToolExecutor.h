@@ -32,6 +32,7 @@ public:
 	FToolCallId Call(
 		const FToolCommand& Command, const FToolCallOptions& Options, TDelegate<void(FToolResult&)> OnAnswer) override;
 	bool Cancel(FToolCallId Id) override;
+	bool IsAnyToolRunning() const override;
 
 	/** Answers the calls whose time is up. */
 	void EndOverdueCalls();
@@ -46,6 +47,7 @@ private:
 		TSharedPtr<ITool> Tool;
 		bool bSequential = false;
 		bool bDispatched = false;
+		bool bStarted = false;
 		FTime Deadline;
 	};
 	using FCallPtr = std::shared_ptr<FCall>;

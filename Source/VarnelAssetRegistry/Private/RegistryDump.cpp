@@ -53,8 +53,8 @@ private:
 void FDump::WriteTotals() const
 {
 	Write(FString::Printf(
-		"registry of %zu bytes: %u packages, %u assets, %zu dependencies, %u classes, %zu index entries, %zu uses "
-		"of texts by them, %zu trigrams, %zu texts, %zu blocks in %zu lists for path searches",
+		"registry of %zu bytes: %u packages, %u assets, %zu dependencies, %u classes, %zu index entries, %zu uses of texts by "
+		"them, %zu trigrams, %zu texts, %zu blocks in %zu lists for path searches",
 		Image.GetBytes().size(), Image.NumPackages(), Image.NumAssets(), Tables.DependencyTargets.size(), Image.NumClasses(),
 		Tables.EntryTexts.size(), Tables.Uses.size(), Tables.TrigramKeys.size(), Tables.TextStarts.size() - 1,
 		Tables.GramBlocks.size(), Tables.PathGrams.size()));

@@ -98,24 +98,15 @@ void FMcpProjectHost::OnCallAnswered(FMcpCallNumber Number, const Orivane::FTool
 		OnAnswer = std::move(Found->second.OnAnswer);
 		Calls.erase(Found);
 	}
-	OnAnswer(Result);
-	// A task of its own: the tool that has just answered may still be on the stack.
+	// Objects stay for the next call as far as memory allows. A task of its own, before that call's: the tool that has just
+	// answered may still be on the stack.
 	AsyncTask(ENamedThreads::GameThread,
-		[WeakThis = weak_from_this()]
+		[Executor = Executor]
 		{
-			if (const auto This = WeakThis.lock())
-				This->EvictWhenIdle();
+			if (!Executor->IsAnyToolRunning())
+				EvictLoadedPackages();
 		});
-}
-
-void FMcpProjectHost::EvictWhenIdle()
-{
-	{
-		std::lock_guard Guard(Lock);
-		if (!Calls.empty())
-			return;
-	}
-	EvictLoadedPackages();
+	OnAnswer(Result);
 }
 
 void FMcpProjectHost::CancelCall(FMcpCallNumber Number)

@@ -46,8 +46,6 @@ private:
 
 	void Dispatch(FMcpCallNumber Number, FCall& Call);
 	void OnCallAnswered(FMcpCallNumber Number, const Orivane::FToolResult& Result);
-	/** Objects stay for the next call as long as memory allows; only when no call is open may any of them go. Game thread. */
-	void EvictWhenIdle();
 	void Fail(const FCall& Call) const;
 
 	const TSharedPtr<Orivane::IToolExecutor> Executor;

@@ -45,5 +45,7 @@ public:
 	/** The call's OnAnswer will not be executed any more; its place in the queue is free. False when it has been answered (or is
 	 * being answered) already. */
 	virtual bool Cancel(FToolCallId Id) = 0;
+	/** A tool has been started whose call is neither answered nor cancelled; calls that wait do not count. */
+	virtual bool IsAnyToolRunning() const = 0;
 };
 }

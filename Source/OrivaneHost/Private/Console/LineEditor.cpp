@@ -60,8 +60,8 @@ void ListCandidates(const TArray<FString>& Candidates)
 
 struct FLineEditor::FState
 {
-	static unsigned char Complete(EditLine* Editor, int);
-	static unsigned char Drop(EditLine* Editor, int);
+	static unsigned char Complete(EditLine* Editor, wint_t);
+	static unsigned char Drop(EditLine* Editor, wint_t);
 
 	[[noreturn]] void EndProcess() const
 	{
@@ -77,7 +77,7 @@ struct FLineEditor::FState
 	HistEvent Event = {};
 };
 
-unsigned char FLineEditor::FState::Complete(EditLine* Editor, int)
+unsigned char FLineEditor::FState::Complete(EditLine* Editor, wint_t)
 {
 	FState* This = nullptr;
 	el_get(Editor, EL_CLIENTDATA, &This);
@@ -98,7 +98,7 @@ unsigned char FLineEditor::FState::Complete(EditLine* Editor, int)
 	return CC_REFRESH;
 }
 
-unsigned char FLineEditor::FState::Drop(EditLine* Editor, int)
+unsigned char FLineEditor::FState::Drop(EditLine* Editor, wint_t)
 {
 	const LineInfo* const Info = el_line(Editor);
 	el_cursor(
@@ -126,8 +126,9 @@ FLineEditor::FLineEditor(FString InHistoryFile, FCompleter InCompleter) : State(
 	el_set(State->Editor, EL_PROMPT, GetPrompt);
 	el_set(State->Editor, EL_EDITOR, "emacs");
 	el_set(State->Editor, EL_HIST, history, State->Lines);
-	el_set(State->Editor, EL_ADDFN, "complete", "Complete the word", FState::Complete);
-	el_set(State->Editor, EL_ADDFN, "drop", "Drop the line", FState::Drop);
+	// The wide forms: the narrow ones copy these texts and never free them.
+	el_wset(State->Editor, EL_ADDFN, L"complete", L"Complete the word", FState::Complete);
+	el_wset(State->Editor, EL_ADDFN, L"drop", L"Drop the line", FState::Drop);
 	el_set(State->Editor, EL_BIND, "^I", "complete", nullptr);
 	el_set(State->Editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
 	el_set(State->Editor, EL_SETTY, "-d", "-isig", nullptr); // Ctrl-C drops the line while one is edited

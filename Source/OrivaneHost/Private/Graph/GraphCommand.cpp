@@ -58,7 +58,7 @@ void PrintSuggestions(const FString& AskedFor)
 	for (const FString& Package : Packages)
 		Terminal::PrintError(FString("  did you mean ") + Terminal::Sanitize(Package) + "?\n");
 	if (Packages.IsEmpty())
-		Terminal::PrintError("  an asset is named by its package, such as /Game/UI/W_Menu; find it with: orivane search NAME\n");
+		Terminal::PrintError("  an asset is named by its package, such as /Game/UI/W_Menu; find it with: orivane paths NAME\n");
 }
 
 FString Render(const FJsonObject& Content, const FGraphArguments& Arguments)

@@ -35,6 +35,12 @@ bool IsRegistered(const FString& ToolName)
 	Terminal::PrintError(Error + "\n");
 	return false;
 }
+
+int PrintEnvelope(const Orivane::FToolResult& Result)
+{
+	Terminal::Print(Json::Write(*MakeEnvelopeJson(Result)) + "\n");
+	return Result.HasErrors() ? EExitCode::NotFound : EExitCode::Found;
+}
 }
 
 int RunCall(const FCallArguments& Arguments)
@@ -48,19 +54,8 @@ int RunCall(const FCallArguments& Arguments)
 
 	const FHeadlessEngine Engine;
 	RegisterPathSearchTool();
-	FDiagnosticSink Diagnostics;
-	int ExitCode = EExitCode::Found;
 	if (!IsRegistered(Arguments.Tool))
 		return EExitCode::WrongUse;
-	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
-		return ExitCode;
-
-	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(Arguments.TimeLimitSeconds * 1000));
-	const bool bAnswered = CallToolAndWait(Arguments.Tool, FString::FromExternal(ArgumentText), TimeLimit,
-		[&](const Orivane::FToolResult& Result)
-		{
-			Terminal::Print(Json::Write(*MakeEnvelopeJson(Result)) + "\n");
-			ExitCode = Result.HasErrors() ? EExitCode::NotFound : EExitCode::Found;
-		});
-	return bAnswered ? ExitCode : EExitCode::Interrupted;
+	return CallToolOfProject(
+		Arguments.Project, Arguments.TimeLimitSeconds, Arguments.Tool, FString::FromExternal(ArgumentText), PrintEnvelope);
 }

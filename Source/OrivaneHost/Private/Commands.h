@@ -1,6 +1,9 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "OrivaneCore/ToolResult.h"
+
+#include <functional>
 
 // One function a command; each returns the program's exit code.
 int RunCall(const FCallArguments& Arguments);
@@ -17,3 +20,10 @@ int RunMcp(const FMcpArguments& Arguments);
  * the project's files go to Diagnostics; their number is mentioned on standard error when bMentionFaults.
  */
 bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, bool bMentionFaults, int& OutExitCode);
+
+/**
+ * What a command of one tool call does once the engine runs: opens the project, calls, and lets Print print the answer and say
+ * the program's exit code, which is returned. Answers that never come are explained and end at the time limit.
+ */
+int CallToolOfProject(const FProjectOptions& Project, double TimeLimitSeconds, const FString& Tool, const FString& ArgumentsJson,
+	const std::function<int(const Orivane::FToolResult&)>& Print);

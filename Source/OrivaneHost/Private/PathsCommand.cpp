@@ -2,7 +2,6 @@
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
 #include "PathSearchTool.h"
-#include "ToolCaller.h"
 #include "ToolOutput.h"
 
 namespace
@@ -86,12 +85,6 @@ int RunPaths(const FPathsArguments& Arguments)
 {
 	const FHeadlessEngine Engine;
 	RegisterPathSearchTool();
-	FDiagnosticSink Diagnostics;
-	int ExitCode = EExitCode::Found;
-	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
-		return ExitCode;
-	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(Arguments.TimeLimitSeconds * 1000));
-	const bool bAnswered = CallToolAndWait("asset_path_search", MakeToolArguments(Arguments), TimeLimit,
-		[&](const Orivane::FToolResult& Result) { ExitCode = PrintResult(Result, Arguments); });
-	return bAnswered ? ExitCode : EExitCode::Interrupted;
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "asset_path_search", MakeToolArguments(Arguments),
+		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

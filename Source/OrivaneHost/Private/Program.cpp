@@ -4,6 +4,7 @@
 #include "Core/Log.h"
 #include "PackageMemory.h"
 #include "Progress.h"
+#include "ToolCaller.h"
 
 #include <clocale>
 
@@ -65,4 +66,17 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 			FString::Printf("orivane: %d fault(s) in project files, what they concern is left out; see: orivane check\n",
 				Diagnostics.NumErrors()));
 	return true;
+}
+
+int CallToolOfProject(const FProjectOptions& Project, double TimeLimitSeconds, const FString& Tool, const FString& ArgumentsJson,
+	const std::function<int(const Orivane::FToolResult&)>& Print)
+{
+	FDiagnosticSink Diagnostics;
+	int ExitCode = EExitCode::Found;
+	if (!OpenProjectForCommand(Project, Diagnostics, true, ExitCode))
+		return ExitCode;
+	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(TimeLimitSeconds * 1000));
+	const bool bAnswered =
+		CallToolAndWait(Tool, ArgumentsJson, TimeLimit, [&](const Orivane::FToolResult& Result) { ExitCode = Print(Result); });
+	return bAnswered ? ExitCode : EExitCode::Interrupted;
 }

@@ -2,7 +2,6 @@
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
 #include "Quellar/AssetSearchService.h"
-#include "ToolCaller.h"
 #include "ToolOutput.h"
 
 #include <algorithm>
@@ -115,12 +114,6 @@ int RunSearch(const FSearchArguments& Arguments)
 	if (!AreFamiliesKnown(Arguments.Families))
 		return EExitCode::WrongUse;
 	const FHeadlessEngine Engine;
-	FDiagnosticSink Diagnostics;
-	int ExitCode = EExitCode::Found;
-	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
-		return ExitCode;
-	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(Arguments.TimeLimitSeconds * 1000));
-	const bool bAnswered = CallToolAndWait("asset_search", MakeToolArguments(Arguments), TimeLimit,
-		[&](const Orivane::FToolResult& Result) { ExitCode = PrintResult(Result, Arguments); });
-	return bAnswered ? ExitCode : EExitCode::Interrupted;
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "asset_search", MakeToolArguments(Arguments),
+		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

@@ -5,12 +5,32 @@
 
 namespace
 {
-TSharedPtr<FJsonObject> ParseSchema(const char* Text)
+TSharedPtr<FJsonObject> ParseSchema(const FString& Text)
 {
 	TSharedPtr<FJsonObject> Schema;
 	const bool bParsed = Json::ParseObject(Text, Schema);
 	checkf(bParsed, "a built-in schema is a JSON object");
 	return Schema;
+}
+
+constexpr const char* OutputStart = R"({
+"type": "object",
+"properties": {
+	"messages": {"type": "array", "description": "What the tool reports in words, in order.", "items": {"type": "object",
+		"properties": {
+			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Weight of the message."},
+			"text": {"type": "string", "description": "The message."}},
+		"required": ["type", "text"]}},
+	)";
+constexpr const char* OutputEnd = R"(
+},
+"required": ["messages"]
+})";
+
+/** Of a tool with one payload. */
+TSharedPtr<FJsonObject> MakeOutput(const char* PayloadKey, const char* PayloadSchema)
+{
+	return ParseSchema(FString(OutputStart) + "\"" + PayloadKey + "\": " + PayloadSchema + OutputEnd);
 }
 
 constexpr const char* AssetSearchInput = R"({
@@ -31,15 +51,7 @@ constexpr const char* AssetSearchInput = R"({
 "required": ["term"]
 })";
 
-constexpr const char* AssetSearchOutput = R"({
-"type": "object",
-"properties": {
-	"messages": {"type": "array", "description": "What the tool reports in words, in order.", "items": {"type": "object",
-		"properties": {
-			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Weight of the message."},
-			"text": {"type": "string", "description": "The message."}},
-		"required": ["type", "text"]}},
-	"content": {"type": "object", "description": "What was found.",
+constexpr const char* AssetSearchPayload = R"({"type": "object", "description": "What was found.",
 		"properties": {
 			"assets": {"type": "array", "description": "Assets in ascending path order.", "items": {"type": "object",
 				"properties": {
@@ -55,10 +67,7 @@ constexpr const char* AssetSearchOutput = R"({
 						"required": ["kind", "name", "container", "count"]}}},
 				"required": ["asset", "class", "truncated", "hits"]}},
 			"truncated": {"type": "boolean", "description": "Assets were left out; narrow the search or raise the caps."}},
-		"required": ["assets", "truncated"]}
-},
-"required": ["messages"]
-})";
+		"required": ["assets", "truncated"]})";
 
 constexpr const char* AssetGraphInput = R"({
 "type": "object",
@@ -73,15 +82,8 @@ constexpr const char* AssetGraphInput = R"({
 "required": ["asset_path"]
 })";
 
-constexpr const char* AssetGraphOutput = R"({
-"type": "object",
-"properties": {
-	"messages": {"type": "array", "description": "What the tool reports in words, in order.", "items": {"type": "object",
-		"properties": {
-			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Weight of the message."},
-			"text": {"type": "string", "description": "The message."}},
-		"required": ["type", "text"]}},
-	"content": {"type": "object", "description": "relations and summary; for both directions a pair for each instead.",
+constexpr const char* AssetGraphPayload =
+	R"({"type": "object", "description": "relations and summary; for both directions a pair for each instead.",
 		"properties": {
 			"root": {"type": "string", "description": "Long package name of the start; empty where the path names no package."},
 			"direction": {"type": "string", "description": "The relation that was walked."},
@@ -103,10 +105,7 @@ constexpr const char* AssetGraphOutput = R"({
 			"dependencies_summary": {"type": "object", "description": "As summary."},
 			"referencers": {"type": "array", "description": "As relations.", "items": {"type": "object"}},
 			"referencers_summary": {"type": "object", "description": "As summary."}},
-		"required": ["root", "direction", "truncated"]}
-},
-"required": ["messages"]
-})";
+		"required": ["root", "direction", "truncated"]})";
 
 constexpr const char* PathSearchInput = R"({
 "type": "object",
@@ -124,15 +123,7 @@ constexpr const char* PathSearchInput = R"({
 "required": ["term"]
 })";
 
-constexpr const char* PathSearchOutput = R"({
-"type": "object",
-"properties": {
-	"messages": {"type": "array", "description": "What the tool reports in words, in order.", "items": {"type": "object",
-		"properties": {
-			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Weight of the message."},
-			"text": {"type": "string", "description": "The message."}},
-		"required": ["type", "text"]}},
-	"asset_path_search": {"type": "object", "description": "What was found.",
+constexpr const char* PathSearchPayload = R"({"type": "object", "description": "What was found.",
 		"properties": {
 			"summary": {"type": "object", "description": "total_hits counts all; truncated: some are not listed.",
 				"properties": {
@@ -148,10 +139,7 @@ constexpr const char* PathSearchOutput = R"({
 					"files": {"type": "array", "description": "Object paths below the folder.", "items": {"type": "string"}}},
 				"required": ["path", "count", "files"]}},
 			"files": {"type": "array", "description": "Object paths, ascending.", "items": {"type": "string"}}},
-		"required": ["summary"]}
-},
-"required": ["messages"]
-})";
+		"required": ["summary"]})";
 
 TSharedPtr<FJsonObject> GetMember(const TSharedPtr<FJsonObject>& Object, const char* Key)
 {
@@ -180,15 +168,15 @@ const TArray<FToolSchema>& GetToolSchemas()
 		{.Name = "asset_search",
 			.Title = "Search assets by name or value",
 			.Input = MakeAssetSearchInput(),
-			.Output = ParseSchema(AssetSearchOutput)},
+			.Output = MakeOutput("content", AssetSearchPayload)},
 		{.Name = "explore_asset_graph",
 			.Title = "Explore what assets depend on and refer to",
 			.Input = ParseSchema(AssetGraphInput),
-			.Output = ParseSchema(AssetGraphOutput)},
+			.Output = MakeOutput("content", AssetGraphPayload)},
 		{.Name = "asset_path_search",
 			.Title = "Find assets by path",
 			.Input = ParseSchema(PathSearchInput),
-			.Output = ParseSchema(PathSearchOutput)},
+			.Output = MakeOutput("asset_path_search", PathSearchPayload)},
 	};
 	return Schemas;
 }

@@ -7,7 +7,6 @@
 #include "Quellar/AssetPathUtils.h"
 #include "Quellar/AssetRegistryUtils.h"
 #include "Quellar/AssetSearchService.h"
-#include "ToolCaller.h"
 
 namespace
 {
@@ -118,12 +117,6 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 int RunGraph(const FGraphArguments& Arguments)
 {
 	const FHeadlessEngine Engine;
-	FDiagnosticSink Diagnostics;
-	int ExitCode = EExitCode::Found;
-	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
-		return ExitCode;
-	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(Arguments.TimeLimitSeconds * 1000));
-	const bool bAnswered = CallToolAndWait("explore_asset_graph", MakeToolArguments(Arguments), TimeLimit,
-		[&](const Orivane::FToolResult& Result) { ExitCode = PrintResult(Result, Arguments); });
-	return bAnswered ? ExitCode : EExitCode::Interrupted;
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "explore_asset_graph", MakeToolArguments(Arguments),
+		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

@@ -13,7 +13,7 @@
 namespace
 {
 constexpr std::array<char, 8> ImageMagic = {'V', 'A', 'R', 'N', 'R', 'E', 'G', '\n'};
-constexpr uint32 ImageVersion = 3; // counts up with every change to the columns, their meaning or their order
+constexpr uint32 ImageVersion = 4; // counts up with every change to the columns, their meaning or their order
 constexpr uint32 OwnByteOrder = 0x01020304;
 constexpr std::size_t ColumnAlignment = 64;
 
@@ -172,11 +172,12 @@ TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 {
 	FRegistryDraft Draft;
 	Draft.TextStarts = {0};
-	Draft.TrigramListStarts = {0};
+	Draft.NameTrigrams.Starts = {0};
+	Draft.EntryTrigrams.Starts = {0};
 	Draft.NodeSlots.resize(1);
-	for (std::vector<uint32>* First : {&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstUses, &Draft.FirstTags,
-			 &Draft.FirstClassAssets, &Draft.FirstClassChildren, &Draft.FirstGramBlocks, &Draft.FirstDependencies,
-			 &Draft.FirstReferencers, &Draft.FirstRootFiles})
+	for (std::vector<uint32>* First :
+		{&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstUses, &Draft.FirstTags, &Draft.FirstClassAssets,
+			&Draft.FirstClassChildren, &Draft.FirstDependencies, &Draft.FirstReferencers, &Draft.FirstRootFiles})
 		*First = {0};
 	return Build(std::move(Draft), {});
 }

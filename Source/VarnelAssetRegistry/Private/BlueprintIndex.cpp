@@ -1,10 +1,13 @@
 #include "AssetRegistry/BlueprintIndex.h"
 
+#include "Core/TextFinder.h"
 #include "Core/Unicode.h"
 #include "RegistrySnapshot.h"
+#include "TextRun.h"
 #include "TrigramIndex.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace
 {
@@ -17,6 +20,38 @@ uint32 ToRow(int32 Index)
 int32 ToIndex(uint32 Id)
 {
 	return static_cast<int32>(Id);
+}
+
+/** Appends the ids of those texts that contain the finder's value, which is Length bytes long. */
+void FindInTexts(
+	const FRegistryTables& Tables, const FTextFinder& Finder, std::size_t Length, FRowRange Texts, std::vector<uint32>& Out)
+{
+	const FTextRun Run(Tables, true, EZone::Entries, Texts);
+	uint32 Text = 0;
+	for (std::size_t At = 0; At < Run.Bytes.size() && (At = Finder.Find(Run.Bytes, At)) != std::string_view::npos;)
+	{
+		Text = Run.FindText(At, Text);
+		const bool bInside = At + Length < Run.GetStart(Text + 1); // not across a zero byte
+		if (bInside)
+			Out.push_back(Texts.Begin + Text);
+		At = bInside ? Run.GetStart(++Text) : At + 1;
+	}
+}
+
+/** Ids, ascending, of the texts that contain a folded value. */
+std::vector<uint32> FindFolded(const FRegistryTables& Tables, std::string_view Value)
+{
+	std::vector<uint32> Found;
+	if (Value.empty())
+	{
+		Found.resize(Tables.NumTexts(EZone::Entries));
+		std::iota(Found.begin(), Found.end(), 0);
+		return Found;
+	}
+	const FTextFinder Finder(Value, ESearchCase::CaseSensitive);
+	for (const FRowRange Texts : TrigramIndex::FindRuns(Tables.EntryTrigrams, TrigramIndex::GetEntryTexts(Tables), Value))
+		FindInTexts(Tables, Finder, Value.size(), Texts, Found);
+	return Found;
 }
 }
 
@@ -69,7 +104,7 @@ int32 FBlueprintIndexView::NumEntries() const
 
 std::vector<uint32> FBlueprintIndexView::FindTexts(FStringView Value) const
 {
-	return Snapshot ? TrigramIndex::FindTexts(Snapshot->Image->GetTables(), Unicode::Fold(Value)) : std::vector<uint32>();
+	return Snapshot ? FindFolded(Snapshot->Image->GetTables(), Unicode::Fold(Value)) : std::vector<uint32>();
 }
 
 std::span<const uint32> FBlueprintIndexView::GetUses(uint32 Text) const
@@ -96,9 +131,8 @@ FStringView FBlueprintIndexView::GetFoldedText(int32 Text) const
 
 FStringView FBlueprintIndexView::GetFoldedTexts() const
 {
-	if (NumTexts() == 0)
+	if (!Snapshot)
 		return {};
-	const FStringView First = GetFoldedText(0);
-	const FStringView Last = GetFoldedText(NumTexts() - 1);
-	return FStringView(First.data(), static_cast<std::size_t>(Last.data() + Last.size() + 1 - First.data()));
+	const FRegistryTables& Tables = Snapshot->Image->GetTables();
+	return FTextRun(Tables, true, EZone::Entries, {0, Tables.NumTexts(EZone::Entries)}).Bytes;
 }

@@ -26,7 +26,6 @@ private:
 	void FindPackages();
 	/** Packages below Begin are done with; returns the first one that is not afterwards. */
 	uint32 FindPackagesIn(FRowRange Packages);
-	uint32 FindPackageAt(uint64 Byte, FRowRange Packages) const;
 	uint32 FindEndOfPrefix(uint32 Package, std::size_t PrefixBytes) const;
 
 	void VisitPackages(FRowRange Packages);

@@ -3,7 +3,6 @@
 #include "ClassTable.h"
 #include "Core/Tasks.h"
 #include "Core/Unicode.h"
-#include "PathGrams.h"
 #include "TrigramIndex.h"
 
 #include <algorithm>
@@ -66,6 +65,7 @@ private:
 	void AddGeneratedClass(uint32 Asset);
 	void AddTexts();
 	void FoldTexts();
+	void AddTrigrams();
 
 	FTextTable& Texts(EZone Zone) { return Zones[static_cast<std::size_t>(Zone)]; }
 	const FTextTable& Texts(EZone Zone) const { return Zones[static_cast<std::size_t>(Zone)]; }
@@ -101,8 +101,7 @@ TSharedPtr<const FRegistryImage> FRegistryBuilder::Build()
 	AddUses();
 	AddRespelledPackages();
 	AddTexts();
-	PathGrams::Build(Draft, Input.NumThreads);
-	TrigramIndex::Build(Draft);
+	AddTrigrams();
 	return FRegistryImage::Build(std::move(Draft), Input.Key);
 }
 
@@ -380,6 +379,21 @@ void FRegistryBuilder::AddTexts()
 	Draft.ZoneStarts[NumZones] = static_cast<uint32>(Draft.TextStarts.size());
 	Draft.TextStarts.push_back(Draft.TextBytes.size());
 	FoldTexts();
+}
+
+void FRegistryBuilder::AddTrigrams()
+{
+	const FRegistryTables Tables = Draft.View();
+	ParallelFor(
+		2, 1,
+		[&](int32 Begin, int32, int32)
+		{
+			if (Begin == 0)
+				Draft.NameTrigrams = TrigramIndex::Build(Tables, TrigramIndex::GetPackageNames(Tables));
+			else
+				Draft.EntryTrigrams = TrigramIndex::Build(Tables, TrigramIndex::GetEntryTexts(Tables));
+		},
+		Input.NumThreads);
 }
 
 /** Texts of ASCII are folded many at a time; only where others change their length do the folded ones need starts of their own.

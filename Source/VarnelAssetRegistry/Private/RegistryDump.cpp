@@ -54,10 +54,10 @@ void FDump::WriteTotals() const
 {
 	Write(FString::Printf(
 		"registry of %zu bytes: %u packages, %u assets, %zu dependencies, %u classes, %zu index entries, %zu uses of texts by "
-		"them, %zu trigrams, %zu texts, %zu blocks in %zu lists for path searches",
+		"them, %zu texts, trigrams: %zu of package names, %zu of texts of entries",
 		Image.GetBytes().size(), Image.NumPackages(), Image.NumAssets(), Tables.DependencyTargets.size(), Image.NumClasses(),
-		Tables.EntryTexts.size(), Tables.Uses.size(), Tables.TrigramKeys.size(), Tables.TextStarts.size() - 1,
-		Tables.GramBlocks.size(), Tables.PathGrams.size()));
+		Tables.EntryTexts.size(), Tables.Uses.size(), Tables.TextStarts.size() - 1, Tables.NameTrigrams.Keys.size(),
+		Tables.EntryTrigrams.Keys.size()));
 }
 
 void FDump::WriteRoots() const

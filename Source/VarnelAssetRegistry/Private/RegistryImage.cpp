@@ -172,11 +172,12 @@ TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 {
 	FRegistryDraft Draft;
 	Draft.TextStarts = {0};
-	Draft.TrigramListStarts = {0};
+	Draft.NameTrigrams.Starts = {0};
+	Draft.EntryTrigrams.Starts = {0};
 	Draft.NodeSlots.resize(1);
-	for (std::vector<uint32>* First : {&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstUses, &Draft.FirstTags,
-			 &Draft.FirstClassAssets, &Draft.FirstClassChildren, &Draft.FirstGramBlocks, &Draft.FirstDependencies,
-			 &Draft.FirstReferencers, &Draft.FirstRootFiles})
+	for (std::vector<uint32>* First :
+		{&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstUses, &Draft.FirstTags, &Draft.FirstClassAssets,
+			&Draft.FirstClassChildren, &Draft.FirstDependencies, &Draft.FirstReferencers, &Draft.FirstRootFiles})
 		*First = {0};
 	return Build(std::move(Draft), {});
 }

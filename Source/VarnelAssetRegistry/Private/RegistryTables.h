@@ -53,6 +53,15 @@ struct FRowRange
 	uint32 Num() const { return End - Begin; }
 };
 
+/** Columns of an index of trigrams, see TrigramIndex. */
+template <template <class> class TStorage>
+struct TTrigramColumns
+{
+	TStorage<uint32> Keys;	 // the trigrams that occur, ascending
+	TStorage<uint64> Starts; // of each one's list, and the end
+	TStorage<uint8> Lists;
+};
+
 /**
  * Everything the registry knows, as columns. A column named First... has one element more than there are rows: row R owns the
  * elements from First[R] up to First[R + 1] of the columns behind it. TStorage is a vector while columns grow and a span of an
@@ -74,10 +83,7 @@ struct TRegistryColumns
 	TStorage<uint32> FirstEntries;
 	TStorage<uint32> RespelledPackages; // rows whose file writes a class or a dependency in other case than this registry does
 
-	// Search of package names, see PathGrams
-	TStorage<uint32> PathGrams; // ascending
-	TStorage<uint32> FirstGramBlocks;
-	TStorage<uint32> GramBlocks;
+	TTrigramColumns<TStorage> NameTrigrams;
 
 	// By asset, in registry order
 	TStorage<uint32> AssetPackages;
@@ -98,11 +104,7 @@ struct TRegistryColumns
 	TStorage<uint32> IndexedAssets; // the Blueprints that own their package's entries, in registry order
 	TStorage<uint32> FirstUses;		// by text of EZone::Entries
 	TStorage<uint32> Uses;			// entries of these Blueprints that have it as text or comment, ascending, each once
-
-	// By run of three bytes that occurs in folded texts of EZone::Entries, ascending; see TrigramIndex
-	TStorage<uint32> TrigramKeys;
-	TStorage<uint64> TrigramListStarts;
-	TStorage<uint8> TrigramLists;
+	TTrigramColumns<TStorage> EntryTrigrams;
 
 	// By class
 	TStorage<uint32> ClassParents; // NoId: none known; never a circle
@@ -134,12 +136,12 @@ struct TRegistryColumns
 	auto Tie()
 	{
 		return std::tie(TextStarts, FoldedStarts, TextBytes, FoldedBytes, NodeSlots, PackageFolders, PackageFiles, FirstAssets,
-			FirstEntries, RespelledPackages, PathGrams, FirstGramBlocks, GramBlocks, AssetPackages, AssetNames, AssetClasses,
-			AssetOuters, AssetFlags, FirstTags, TagKeys, TagValues, OwnNamedAssets, EntryCategories, EntryTexts, EntryComments,
-			EntryDepths, IndexedAssets, FirstUses, Uses, TrigramKeys, TrigramListStarts, TrigramLists, ClassParents,
-			FirstClassAssets, ClassAssets, FirstClassChildren, ClassChildren, FirstDependencies, DependencyTargets,
-			DependencyFlags, FirstReferencers, ReferencerSources, ReferencerFlags, FilePackages, FileStamps, FileExtensions,
-			FileSources, RootNames, RootFolders, FirstRootFiles);
+			FirstEntries, RespelledPackages, NameTrigrams.Keys, NameTrigrams.Starts, NameTrigrams.Lists, AssetPackages,
+			AssetNames, AssetClasses, AssetOuters, AssetFlags, FirstTags, TagKeys, TagValues, OwnNamedAssets, EntryCategories,
+			EntryTexts, EntryComments, EntryDepths, IndexedAssets, FirstUses, Uses, EntryTrigrams.Keys, EntryTrigrams.Starts,
+			EntryTrigrams.Lists, ClassParents, FirstClassAssets, ClassAssets, FirstClassChildren, ClassChildren,
+			FirstDependencies, DependencyTargets, DependencyFlags, FirstReferencers, ReferencerSources, ReferencerFlags,
+			FilePackages, FileStamps, FileExtensions, FileSources, RootNames, RootFolders, FirstRootFiles);
 	}
 	template <class TVisit>
 	void ForEach(TVisit&& Visit)

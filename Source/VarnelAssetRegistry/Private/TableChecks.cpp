@@ -1,7 +1,5 @@
 #include "TableChecks.h"
 
-#include "PathGrams.h"
-
 #include <algorithm>
 #include <bit>
 
@@ -96,14 +94,6 @@ bool AreAssetsSound(const FRegistryTables& Tables)
 		AreIds(Tables.OwnNamedAssets, Tables.OwnNamedAssets.size(), NumAssets) && IsStrictlyAscending(Tables.OwnNamedAssets);
 }
 
-bool AreGramsSound(const FRegistryTables& Tables)
-{
-	const std::size_t NumBlocks = (Tables.PackageFolders.size() + PathGrams::BlockPackages - 1) / PathGrams::BlockPackages;
-	return IsStrictlyAscending(Tables.PathGrams) &&
-		AreRanges(Tables.FirstGramBlocks, Tables.PathGrams.size(), Tables.GramBlocks.size()) &&
-		AreIds(Tables.GramBlocks, Tables.GramBlocks.size(), NumBlocks);
-}
-
 bool AreEntriesSound(const FRegistryTables& Tables)
 {
 	const std::size_t NumEntries = Tables.EntryTexts.size();
@@ -116,11 +106,11 @@ bool AreEntriesSound(const FRegistryTables& Tables)
 }
 
 /** What the lists hold is checked where they are read: looking into each would make opening slower than searching. */
-bool AreTrigramsSound(const FRegistryTables& Tables)
+bool AreTrigramsSound(const TTrigramColumns<TColumnSpan>& Trigrams)
 {
-	const std::span<const uint64> Starts = Tables.TrigramListStarts;
-	return Starts.size() == Tables.TrigramKeys.size() + 1 && Starts.front() == 0 && Starts.back() == Tables.TrigramLists.size() &&
-		IsStrictlyAscending(Starts) && IsStrictlyAscending(Tables.TrigramKeys);
+	return Trigrams.Starts.size() == Trigrams.Keys.size() + 1 && Trigrams.Starts.front() == 0 &&
+		Trigrams.Starts.back() == Trigrams.Lists.size() && IsStrictlyAscending(Trigrams.Starts) &&
+		IsStrictlyAscending(Trigrams.Keys);
 }
 
 /** Walks from every class up to the first one that is known to end. */
@@ -196,6 +186,6 @@ bool AreFilesSound(const FRegistryTables& Tables)
 bool AreTablesSound(const FRegistryTables& Tables)
 {
 	return AreTextsSound(Tables) && AreSlotsSound(Tables.NodeSlots, Tables.NumTexts(EZone::Nodes)) && ArePackagesSound(Tables) &&
-		AreGramsSound(Tables) && AreAssetsSound(Tables) && AreEntriesSound(Tables) && AreTrigramsSound(Tables) &&
-		AreClassesSound(Tables) && IsGraphSound(Tables) && AreFilesSound(Tables);
+		AreTrigramsSound(Tables.NameTrigrams) && AreAssetsSound(Tables) && AreEntriesSound(Tables) &&
+		AreTrigramsSound(Tables.EntryTrigrams) && AreClassesSound(Tables) && IsGraphSound(Tables) && AreFilesSound(Tables);
 }

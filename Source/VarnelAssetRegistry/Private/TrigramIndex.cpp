@@ -1,16 +1,15 @@
 #include "TrigramIndex.h"
 
-#include "Core/TextFinder.h"
+#include "TextRun.h"
 
 #include <algorithm>
-#include <numeric>
-#include <string>
 
 namespace
 {
 constexpr std::size_t TrigramBytes = 3;
-// A block that is visited alone costs as much as this many in a scan of all texts.
-constexpr std::size_t ScanAdvantage = 8;
+constexpr std::size_t MaxTrigrams = 64; // of a long value; these alone leave hardly any block
+// Visiting a block alone costs as much as this many in a scan of all texts. A byte of a list stands for a block, mostly.
+constexpr std::size_t ScanAdvantage = 4;
 // Looking into a block costs as much as reading this many bytes of a list.
 constexpr std::size_t BlockCost = 32;
 
@@ -76,19 +75,6 @@ private:
 	uint64 Number = 0;
 };
 
-uint32 CountBlocks(const FRegistryTables& Tables)
-{
-	return (Tables.NumTexts(EZone::Entries) + TrigramIndex::BlockTexts - 1) / TrigramIndex::BlockTexts;
-}
-
-/** The folded texts from one id up to another, with the zero bytes between and behind them. */
-std::string_view GetFoldedRun(const FRegistryTables& Tables, uint32 Begin, uint32 End)
-{
-	const std::string_view First = Tables.GetFolded(EZone::Entries, Begin);
-	const std::string_view Last = Tables.GetFolded(EZone::Entries, End - 1);
-	return {First.data(), static_cast<std::size_t>(Last.data() + Last.size() + 1 - First.data())};
-}
-
 /**
  * Trigrams numbered densely: only bytes that occur count, so that the counters of all trigrams of usual texts fit a cache. A
  * trigram with a zero byte, as between two texts, is none.
@@ -140,14 +126,12 @@ private:
 
 /** Visits every trigram of every block once per block, with the difference to the block where it was last. */
 template <class TVisit>
-void VisitBlocks(const FRegistryTables& Tables, const FTrigramNumbers& Numbers, TVisit&& Visit)
+void VisitBlocks(const FRegistryTables& Tables, const FBlockedTexts& Texts, const FTrigramNumbers& Numbers, TVisit&& Visit)
 {
 	std::vector<uint32> LastBlocks(Numbers.Num(), NoId);
-	const uint32 NumTexts = Tables.NumTexts(EZone::Entries);
-	for (uint32 Block = 0; Block < CountBlocks(Tables); ++Block)
+	for (uint32 Block = 0; Block < Texts.NumBlocks(); ++Block)
 	{
-		const uint32 Begin = Block * TrigramIndex::BlockTexts;
-		Numbers.ForEach(GetFoldedRun(Tables, Begin, std::min(NumTexts, Begin + TrigramIndex::BlockTexts)),
+		Numbers.ForEach(FTextRun(Tables, true, Texts.Zone, Texts.GetBlock(Block)).Bytes,
 			[&](std::size_t Number)
 			{
 				uint32& Last = LastBlocks[Number];
@@ -159,54 +143,18 @@ void VisitBlocks(const FRegistryTables& Tables, const FTrigramNumbers& Numbers, 
 	}
 }
 
-/** The last text from Begin on, and before End, that starts at or before a place. Mostly a near one. */
-uint32 FindTextAt(const FRegistryTables& Tables, const char* Place, uint32 Begin, uint32 End)
-{
-	const auto StartsBefore = [&Tables, Place](uint32 Text) { return Tables.GetFolded(EZone::Entries, Text).data() <= Place; };
-	uint32 Step = 1;
-	for (; End - Begin > Step && StartsBefore(Begin + Step); Step *= 2)
-		Begin += Step;
-	uint32 Above = std::min(End - Begin, Step) + Begin;
-	while (Above - Begin > 1)
-	{
-		const uint32 Middle = Begin + (Above - Begin) / 2;
-		(StartsBefore(Middle) ? Begin : Above) = Middle;
-	}
-	return Begin;
-}
-
-/** Appends the ids of the texts between Begin and End that contain the finder's value, which is Length bytes long. */
-void FindInTexts(const FRegistryTables& Tables, const FTextFinder& Finder, std::size_t Length, uint32 Begin, uint32 End,
-	std::vector<uint32>& Out)
-{
-	const std::string_view Run = GetFoldedRun(Tables, Begin, End);
-	std::size_t From = 0;
-	while ((From = Finder.Find(Run, From)) != std::string_view::npos)
-	{
-		const char* const Place = Run.data() + From;
-		Begin = FindTextAt(Tables, Place, Begin, End);
-		const std::string_view Text = Tables.GetFolded(EZone::Entries, Begin);
-		const bool bInside = static_cast<std::size_t>(Text.data() + Text.size() - Place) >= Length; // not across a zero byte
-		if (bInside)
-			Out.push_back(Begin);
-		From = bInside ? static_cast<std::size_t>(Text.data() + Text.size() + 1 - Run.data()) : From + 1;
-		if (From >= Run.size())
-			return;
-	}
-}
-
 /** The lists of a value's trigrams, the shortest first; false when one of them occurs nowhere. */
-bool GatherLists(const FRegistryTables& Tables, std::string_view Value, std::vector<FByteSpan>& Out)
+bool GatherLists(const TTrigramColumns<TColumnSpan>& Trigrams, std::string_view Value, std::vector<FByteSpan>& Out)
 {
-	for (std::size_t Start = 0; Start + TrigramBytes <= Value.size(); ++Start)
+	for (std::size_t Start = 0; Start + TrigramBytes <= Value.size() && Start < MaxTrigrams; ++Start)
 	{
 		const uint32 Key = MakeKey(Value.substr(Start, TrigramBytes));
-		const auto Found = std::lower_bound(Tables.TrigramKeys.begin(), Tables.TrigramKeys.end(), Key);
-		if (Found == Tables.TrigramKeys.end() || *Found != Key)
+		const auto Found = std::lower_bound(Trigrams.Keys.begin(), Trigrams.Keys.end(), Key);
+		if (Found == Trigrams.Keys.end() || *Found != Key)
 			return false;
-		const auto Index = static_cast<std::size_t>(Found - Tables.TrigramKeys.begin());
-		const uint64 Begin = Tables.TrigramListStarts[Index];
-		Out.push_back(Tables.TrigramLists.subspan(Begin, Tables.TrigramListStarts[Index + 1] - Begin));
+		const auto Index = static_cast<std::size_t>(Found - Trigrams.Keys.begin());
+		const uint64 Begin = Trigrams.Starts[Index];
+		Out.push_back(Trigrams.Lists.subspan(Begin, Trigrams.Starts[Index + 1] - Begin));
 	}
 	std::sort(Out.begin(), Out.end(), [](FByteSpan A, FByteSpan B) { return A.size() < B.size(); });
 	return true;
@@ -237,17 +185,30 @@ std::vector<uint32> IntersectLists(const std::vector<FByteSpan>& Lists, uint32 N
 }
 }
 
-void TrigramIndex::Build(FRegistryDraft& Draft)
+FRowRange FBlockedTexts::GetBlock(uint32 Block) const
 {
-	Draft.TrigramListStarts = {0};
-	const FRegistryTables Tables = Draft.View();
-	const uint32 NumTexts = Tables.NumTexts(EZone::Entries);
-	if (NumTexts == 0)
-		return;
-	const FTrigramNumbers Numbers(GetFoldedRun(Tables, 0, NumTexts));
+	const uint32 Begin = Block * TextsPerBlock;
+	return {Begin, Begin + std::min(NumTexts - Begin, TextsPerBlock)};
+}
+
+FBlockedTexts TrigramIndex::GetPackageNames(const FRegistryTables& Tables)
+{
+	return {.Zone = EZone::Nodes, .NumTexts = static_cast<uint32>(Tables.PackageFolders.size())};
+}
+
+FBlockedTexts TrigramIndex::GetEntryTexts(const FRegistryTables& Tables)
+{
+	return {.Zone = EZone::Entries, .NumTexts = Tables.NumTexts(EZone::Entries)};
+}
+
+TTrigramColumns<TColumnVector> TrigramIndex::Build(const FRegistryTables& Tables, const FBlockedTexts& Texts)
+{
+	const FTrigramNumbers Numbers(FTextRun(Tables, true, Texts.Zone, {0, Texts.NumTexts}).Bytes);
 	std::vector<uint64> Places(Numbers.Num()); // lengths of the lists, then where the next number of each goes
-	VisitBlocks(
-		Tables, Numbers, [&Places](std::size_t Number, uint32 Difference) { Places[Number] += CountPackedBytes(Difference); });
+	VisitBlocks(Tables, Texts, Numbers,
+		[&Places](std::size_t Number, uint32 Difference) { Places[Number] += CountPackedBytes(Difference); });
+	TTrigramColumns<TColumnVector> Columns;
+	Columns.Starts = {0};
 	uint64 End = 0;
 	for (std::size_t Number = 0; Number < Places.size(); ++Number)
 	{
@@ -255,43 +216,34 @@ void TrigramIndex::Build(FRegistryDraft& Draft)
 		if (Length == 0)
 			continue;
 		End += Length;
-		Draft.TrigramKeys.push_back(Numbers.GetKey(Number));
-		Draft.TrigramListStarts.push_back(End);
+		Columns.Keys.push_back(Numbers.GetKey(Number));
+		Columns.Starts.push_back(End);
 	}
-	Draft.TrigramLists.resize(End);
-	uint8* const Lists = Draft.TrigramLists.data();
-	VisitBlocks(Tables, Numbers,
+	Columns.Lists.resize(End);
+	uint8* const Lists = Columns.Lists.data();
+	VisitBlocks(Tables, Texts, Numbers,
 		[&](std::size_t Number, uint32 Difference)
 		{ Places[Number] = static_cast<uint64>(WritePacked(Lists + Places[Number], Difference) - Lists); });
+	return Columns;
 }
 
-std::vector<uint32> TrigramIndex::FindTexts(const FRegistryTables& Tables, std::string_view FoldedValue)
+std::vector<FRowRange> TrigramIndex::FindRuns(
+	const TTrigramColumns<TColumnSpan>& Trigrams, const FBlockedTexts& Texts, std::string_view FoldedValue)
 {
-	std::vector<uint32> Found;
-	const uint32 NumTexts = Tables.NumTexts(EZone::Entries);
-	if (NumTexts == 0)
-		return Found;
-	if (FoldedValue.empty())
-	{
-		Found.resize(NumTexts);
-		std::iota(Found.begin(), Found.end(), 0);
-		return Found;
-	}
-	const FTextFinder Finder(FoldedValue, ESearchCase::CaseSensitive);
 	const bool bHasLists = FoldedValue.size() >= TrigramBytes && FoldedValue.find('\0') == std::string_view::npos;
 	std::vector<FByteSpan> Lists;
-	if (bHasLists && !GatherLists(Tables, FoldedValue, Lists))
-		return Found;
-	const uint32 NumBlocks = CountBlocks(Tables);
-	if (!bHasLists || Lists.front().size() > NumBlocks / ScanAdvantage)
+	if (bHasLists && !GatherLists(Trigrams, FoldedValue, Lists))
+		return {};
+	if (!bHasLists || Lists.front().size() > Texts.NumBlocks() / ScanAdvantage)
+		return {{0, Texts.NumTexts}};
+	std::vector<FRowRange> Runs;
+	for (const uint32 Block : IntersectLists(Lists, Texts.NumBlocks()))
 	{
-		FindInTexts(Tables, Finder, FoldedValue.size(), 0, NumTexts, Found);
-		return Found;
+		const FRowRange Run = Texts.GetBlock(Block);
+		if (!Runs.empty() && Run.Begin <= Runs.back().End)
+			Runs.back().End = Run.End;
+		else
+			Runs.push_back(Run);
 	}
-	for (const uint32 Block : IntersectLists(Lists, NumBlocks))
-	{
-		const uint32 Begin = Block * BlockTexts;
-		FindInTexts(Tables, Finder, FoldedValue.size(), Begin, std::min(NumTexts, Begin + BlockTexts), Found);
-	}
-	return Found;
+	return Runs;
 }

@@ -2,16 +2,32 @@
 
 #include "RegistryTables.h"
 
+/** Texts that an index covers: the first ones of a zone, in blocks of neighbours. */
+struct FBlockedTexts
+{
+	EZone Zone = EZone::Num;
+	uint32 NumTexts = 0;
+	uint32 TextsPerBlock = 16;
+
+	uint32 NumBlocks() const { return NumTexts / TextsPerBlock + (NumTexts % TextsPerBlock > 0 ? 1 : 0); }
+	FRowRange GetBlock(uint32 Block) const;
+};
+
 /**
- * Which folded texts of a zone may hold a value: for every run of three bytes the blocks of texts where it occurs. A block is
- * BlockTexts consecutive texts: lists stay short, and a block's bytes lie together, to be searched in one go.
+ * Where a folded text may stand: for every trigram, a run of three bytes, the blocks of texts where it occurs, as packed
+ * differences. Blocks keep the lists short, the more so where neighbours are alike, and a block's bytes lie together, to be
+ * searched in one go.
  */
 namespace TrigramIndex
 {
-inline constexpr uint32 BlockTexts = 16;
+/** What the columns NameTrigrams and EntryTrigrams cover. */
+FBlockedTexts GetPackageNames(const FRegistryTables& Tables);
+FBlockedTexts GetEntryTexts(const FRegistryTables& Tables);
 
-/** Fills the trigram columns from the folded texts of EZone::Entries. */
-void Build(FRegistryDraft& Draft);
-/** Ids, ascending, of the texts of EZone::Entries that contain a folded value. */
-std::vector<uint32> FindTexts(const FRegistryTables& Tables, std::string_view FoldedValue);
+/** Indexes the folded texts. */
+TTrigramColumns<TColumnVector> Build(const FRegistryTables& Tables, const FBlockedTexts& Texts);
+/** Runs of texts, ascending, outside of which no text contains a folded value; all texts in one run where looking at single
+ * blocks gains nothing. */
+std::vector<FRowRange> FindRuns(
+	const TTrigramColumns<TColumnSpan>& Trigrams, const FBlockedTexts& Texts, std::string_view FoldedValue);
 }

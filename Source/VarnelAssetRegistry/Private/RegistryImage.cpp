@@ -13,7 +13,7 @@
 namespace
 {
 constexpr std::array<char, 8> ImageMagic = {'V', 'A', 'R', 'N', 'R', 'E', 'G', '\n'};
-constexpr uint32 ImageVersion = 4; // counts up with every change to the columns, their meaning or their order
+constexpr uint32 ImageVersion = 5; // counts up with every change to the columns, their meaning or their order
 constexpr uint32 OwnByteOrder = 0x01020304;
 constexpr std::size_t ColumnAlignment = 64;
 

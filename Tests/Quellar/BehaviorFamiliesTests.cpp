@@ -139,9 +139,7 @@ TEST(BlackboardFamily, StopsAtTheHitCap)
 	Project.Asset("/Game/BB_A", "BlackboardData")
 		.Set("Keys", R"([{"EntryName": "Key1"}, {"EntryName": "Key2", "EntryDescription": "of Key2"}, {"EntryName": "Key1"}])");
 	Project.Asset("/Game/BB_B", "BlackboardData").Set("Keys", R"([{"EntryName": "Key3"}])");
-	FAssetSearchParams Params;
-	Params.Term = "Key";
-	Params.IncludeAssetFamilies = {"Blackboard"};
+	FAssetSearchParams Params = MakeParams("Blackboard", "Key");
 	Params.MaxTotalHits = 2;
 	EXPECT_EQ(Render(Project.Search(Params)), "BB_A: KeyName Key1 @Keys; KeyName Key2 @Keys")
 		<< "a later key would have been counted";

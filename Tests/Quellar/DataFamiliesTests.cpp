@@ -169,9 +169,7 @@ TEST(ObjectFamilies, LoadEachAssetOnceAndKeepIt)
 	FTestProject Project;
 	for (int32 Index = 0; Index < 300; ++Index)
 		Project.Asset("/Game/E_" + std::to_string(Index), "UserDefinedEnum").Set("Entries", R"([{"name": "Found"}])");
-	FAssetSearchParams Params;
-	Params.Term = "::Found";
-	Params.IncludeAssetFamilies = {"Enum"};
+	FAssetSearchParams Params = MakeParams("Enum", "::Found");
 	Params.MaxTotalHits = 1000;
 	Params.MaxHitsPerAssetType = 1000;
 	const std::string First = Render(Project.Search(Params));

@@ -126,9 +126,7 @@ TEST(DataTableFamily, FiltersByFolderAndExclusion)
 	for (const auto& Case : Cases)
 	{
 		SCOPED_TRACE(Case.Why);
-		FAssetSearchParams Params;
-		Params.Term = "Health";
-		Params.IncludeAssetFamilies = {"DataTable"};
+		FAssetSearchParams Params = MakeParams("DataTable", "Health");
 		Params.PathContains = Case.PathContains;
 		Params.bCaseSensitive = Case.bCaseSensitive;
 		Params.bExact = Case.bExact;
@@ -141,9 +139,7 @@ TEST(DataTableFamily, StopsAtTheHitCap)
 	FTestProject Project;
 	Project.Table("/Game/DT_A", "RowA").Column("Health", "int").Column("HealthMax", "int").Column("HealthMin", "int");
 	Project.Table("/Game/DT_B", "RowB").Column("Health", "int");
-	FAssetSearchParams Params;
-	Params.Term = "Health";
-	Params.IncludeAssetFamilies = {"DataTable"};
+	FAssetSearchParams Params = MakeParams("DataTable", "Health");
 	Params.MaxTotalHits = 2;
 	EXPECT_EQ(
 		Render(Project.Search(Params)), "DT_A: ColumnName Health:int @Schema/Columns; ColumnName HealthMax:int @Schema/Columns")

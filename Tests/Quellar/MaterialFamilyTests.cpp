@@ -144,15 +144,11 @@ TEST(MaterialFamily, StopsAtTheHitCap)
 	};
 	for (const auto& Case : Cases)
 	{
-		FAssetSearchParams Params;
-		Params.Term = "Wet";
-		Params.IncludeAssetFamilies = {"Material"};
+		FAssetSearchParams Params = MakeParams("Material", "Wet");
 		Params.MaxTotalHits = Case.MaxTotal;
 		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected) << Case.MaxTotal;
 	}
-	FAssetSearchParams Params;
-	Params.Term = "M_B";
-	Params.IncludeAssetFamilies = {"Material"};
+	FAssetSearchParams Params = MakeParams("Material", "M_B");
 	Params.MaxTotalHits = 1;
 	EXPECT_EQ(Render(Project.Search(Params)), "M_C: Parent M_B_Wet @Material/Parent");
 }
@@ -191,15 +187,11 @@ TEST(MaterialFamily, SurvivesWhatIsFaulty)
 	for (const auto& Case : Cases)
 	{
 		SCOPED_TRACE(Case.Why);
-		FAssetSearchParams Params;
-		Params.Term = Case.Term;
-		Params.IncludeAssetFamilies = {"Material"};
+		FAssetSearchParams Params = MakeParams("Material", Case.Term);
 		Params.bExact = true;
 		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected);
 	}
-	FAssetSearchParams Deep;
-	Deep.IncludeAssetFamilies = {"Material"};
-	Deep.Term = "D100_";
+	FAssetSearchParams Deep = MakeParams("Material", "D100_");
 	Deep.MaxHitsPerAssetType = 200;
 	EXPECT_EQ(Project.Search(Deep).Results.Num(), 65) << "D_100 and the 64 levels that see it";
 }

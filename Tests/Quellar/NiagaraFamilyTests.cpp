@@ -103,9 +103,7 @@ TEST(NiagaraFamily, StopsAtTheHitCap)
 	};
 	for (const auto& Case : Cases)
 	{
-		FAssetSearchParams Params;
-		Params.Term = "Glow";
-		Params.IncludeAssetFamilies = {"NiagaraSystem"};
+		FAssetSearchParams Params = MakeParams("NiagaraSystem", "Glow");
 		Params.MaxTotalHits = Case.MaxTotal;
 		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected) << Case.MaxTotal;
 	}

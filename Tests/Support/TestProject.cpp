@@ -247,10 +247,7 @@ FAssetSearchResult FTestProject::Search(const FAssetSearchParams& Params)
 
 FAssetSearchResult FTestProject::Search(const std::string& Family, const std::string& Term)
 {
-	FAssetSearchParams Params;
-	Params.Term = Term;
-	Params.IncludeAssetFamilies = {Family};
-	return Search(Params);
+	return Search(MakeParams(Family, Term));
 }
 
 std::string FTestProject::Check()
@@ -264,6 +261,14 @@ std::string FTestProject::Check()
 		Text += (Text.empty() ? "" : "\n") + GetShortName(Fault.File.ToStdString()) +
 			(Fault.Severity == EDiagnosticSeverity::Error ? " error " : " warning ") + Fault.Rule.ToStdString();
 	return Text;
+}
+
+FAssetSearchParams MakeParams(const std::string& Family, const std::string& Term)
+{
+	FAssetSearchParams Params;
+	Params.Term = Term;
+	Params.IncludeAssetFamilies = {Family};
+	return Params;
 }
 
 std::string Render(const FAssetSearchResult& Result)

@@ -122,6 +122,9 @@ private:
 	bool bOpen = false;
 };
 
+/** A search of one family with the default caps. */
+FAssetSearchParams MakeParams(const std::string& Family, const std::string& Term);
+
 /**
  * "DT_Items: ColumnName Name:string @Schema/Columns x2; RowCount 3 @Rows | Docs/Notes.md: ..." with "(truncated)" behind an asset
  * or at the end; package paths are cut to their last segment.

@@ -4,24 +4,27 @@
 
 namespace
 {
-/** The Blueprint index starts no query for an empty text and so never answers one. */
 bool IsEmptyBlueprintSearch(const FJsonObject& Arguments)
 {
 	FString Term;
-	if (!Arguments.TryGetStringField("term", Term) || !Term.IsEmpty())
+	if (!Arguments.TryGetStringField("term", Term))
 		return false;
+	TArray<FString> Names; // as the tool reads them: elements that are no texts are skipped
 	const FJsonArray* Families = nullptr;
-	if (!Arguments.TryGetArrayField("include_asset_families", Families))
-		return true;
-	TArray<FString> Names; // as the tool reads them: elements that are no texts are skipped, and an empty list means all
-	for (const FJsonValue& Family : *Families)
+	Arguments.TryGetArrayField("include_asset_families", Families);
+	for (const FJsonValue& Family : Families ? *Families : FJsonArray())
 	{
 		FString Name;
 		if (Family.TryGetString(Name))
 			Names.Add(Name);
 	}
-	return Names.IsEmpty() || Names.Contains("Blueprint");
+	return NeverEnds(Term, Names);
 }
+}
+
+bool NeverEnds(const FString& Term, const TArray<FString>& Families)
+{
+	return Term.IsEmpty() && (Families.IsEmpty() || Families.Contains("Blueprint"));
 }
 
 FString ExplainTimeOut(const Orivane::FToolCommand& Command)

@@ -7,6 +7,20 @@ namespace
 std::mutex CachedRegistryLock;
 IAssetRegistry* CachedRegistry = nullptr; // the registry object lives as long as the program once its module was loaded
 
+/** Makes each path once: comparisons are many. */
+TArray<FAssetData> SortByObjectPath(TArray<FAssetData> Assets)
+{
+	TArray<std::pair<FString, FAssetData>> Keyed;
+	Keyed.Reserve(Assets.Num());
+	for (FAssetData& Asset : Assets)
+		Keyed.Add({Asset.GetObjectPathString(), std::move(Asset)});
+	Keyed.StableSort([](const auto& A, const auto& B) { return A.first < B.first; });
+	Assets.Reset();
+	for (auto& [Path, Asset] : Keyed)
+		Assets.Add(std::move(Asset));
+	return Assets;
+}
+
 TArray<FAssetData> QueryByClassPaths(FARFilter Filter, bool bSorted)
 {
 	TArray<FAssetData> Assets;
@@ -15,10 +29,7 @@ TArray<FAssetData> QueryByClassPaths(FARFilter Filter, bool bSorted)
 		return Assets;
 	Filter.bRecursiveClasses = true;
 	Registry->GetAssets(Filter, Assets);
-	if (bSorted)
-		Assets.StableSort(
-			[](const FAssetData& A, const FAssetData& B) { return A.GetObjectPathString() < B.GetObjectPathString(); });
-	return Assets;
+	return bSorted ? SortByObjectPath(std::move(Assets)) : Assets;
 }
 }
 

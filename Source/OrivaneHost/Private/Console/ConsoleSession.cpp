@@ -3,10 +3,12 @@
 #include "Core/Console.h"
 #include "Core/File.h"
 #include "Core/Tasks.h"
+#include "CoreObject/Loader.h"
 #include "NearestWord.h"
 #include "OrivaneHost/Program.h"
 #include "PackageMemory.h"
 #include "Terminal.h"
+#include "TimeOutAdvice.h"
 #include "ToolOutput.h"
 
 #include <algorithm>
@@ -59,12 +61,6 @@ int Fail(const FString& Error)
 	Terminal::PrintError(Terminal::Sanitize(Error) + "\n");
 	return EExitCode::WrongUse;
 }
-
-bool HasTerm(const TArray<FString>& Words)
-{
-	return Words.ContainsByPredicate(
-		[](const FString& Word) { return Word.StartsWith("term=") && !Word.Mid(5).TrimQuotes().IsEmpty(); });
-}
 }
 
 const FConsoleSession::FOwnWord FConsoleSession::OwnWords[] = {
@@ -105,7 +101,9 @@ int FConsoleSession::Run(const FString& Line)
 		Words.RemoveAt(0);
 		return (this->*Own.Run)(Words);
 	}
-	return RunCommand(Line, Words);
+	const int ExitCode = RunCommand(Line, Words);
+	EvictLoadedPackages(); // back below --object-memory, as between an agent's calls
+	return ExitCode;
 }
 
 int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Words)
@@ -137,8 +135,10 @@ int FConsoleSession::WaitForSearch(int32 Number, const TArray<FString>& Words)
 	const double Seconds = std::chrono::duration<double>(TimeLimit).count();
 	FString Text =
 		FString("the search did not complete within ") + FString::SanitizeFloat(Seconds, 0) + " s; nothing was written";
-	Text += HasTerm(Words) ? "; allow more time with --time-limit"
-						   : "; a search of Blueprints never ends with an empty term: give term=, or families= without Blueprint";
+	const FAssetSearchParams Params = FConsoleSearches::ReadParams(Words[0], Words);
+	Text += NeverEnds(Params.Term, Params.IncludeAssetFamilies)
+		? "; a search of Blueprints never ends with an empty term: give term=, or families= without Blueprint"
+		: "; allow more time with --time-limit";
 	Terminal::PrintError(Text + "\n");
 	return EExitCode::NotFound;
 }

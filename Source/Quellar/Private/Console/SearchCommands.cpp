@@ -166,3 +166,9 @@ TArray<FString> FConsoleSearches::GetWords(const FString& Command)
 	Words.Append({"exact=", "max=", "summary="});
 	return Words;
 }
+
+FAssetSearchParams FConsoleSearches::ReadParams(const FString& Command, const TArray<FString>& Words)
+{
+	const FConsoleSearchTraits* Traits = FindTraits(Command);
+	return Traits ? ReadSearchWords(*Traits, Words) : FAssetSearchParams();
+}

@@ -27,4 +27,6 @@ public:
 
 	/** The words that a command understands ("term=", "path="); empty for a name that is no search command's. */
 	static TArray<FString> GetWords(const FString& Command);
+	/** What a command searches for with these words; an unset term and all families for a name that is no search command's. */
+	static FAssetSearchParams ReadParams(const FString& Command, const TArray<FString>& Words);
 };

@@ -1,4 +1,4 @@
-#include "AssetPathSearchJson.h"
+#include "Quellar/AssetPathSearchJson.h"
 #include "Quellar/AssetPathSearchOperation.h"
 #include "Quellar/AssetPathSearchTypes.h"
 #include "Support/TestProject.h"

@@ -87,9 +87,10 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 		{"numbers as text, fractions are cut", R"({"term": "12", "max_total_hits": "1.9"})",
 			"2 Found 1 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
 			"max_total_hits=1\n"},
-		{"a number out of range keeps the default",
+		{"a number out of range is the nearest one in range",
 			R"({"term": "12", "max_total_hits": 1e300, "max_hits_per_asset_type": -1e300})",
-			"2 Found 3 asset(s) matching '12' (mode: contains, case_sensitive: false)\n"},
+			"2 Found 2 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
+			"max_total_hits=2147483647\n"},
 		{"an integer of any length is a number", R"({"term": "12", "max_total_hits": 123456789012345678901234567890})",
 			"2 Found 3 asset(s) matching '12' (mode: contains, case_sensitive: false)\n"},
 		{"negative caps act as one", R"({"term": "12", "max_hits_per_asset_type": -2147483648})",

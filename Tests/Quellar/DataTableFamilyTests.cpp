@@ -134,6 +134,15 @@ TEST(DataTableFamily, FiltersByFolderAndExclusion)
 	}
 }
 
+TEST(DataTableFamily, NamesAssetsAsTheRegistryDoes)
+{
+	FTestProject Project;
+	Project.File("Content/DT_Items.vasset",
+		R"({"varnel_package": 1, "assets": [{"name": "DT_ITEMS", "class": "/Script/Engine.DataTable"}],)"
+		R"("objects": [{"path": "DT_items", "class": "/Script/Engine.DataTable", "properties": {}}]})");
+	EXPECT_EQ(Render(Project.Search("DataTable", "items")), "DT_ITEMS: AssetName DT_ITEMS @DataTable");
+}
+
 TEST(DataTableFamily, StopsAtTheHitCap)
 {
 	FTestProject Project;

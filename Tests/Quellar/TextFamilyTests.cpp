@@ -36,6 +36,7 @@ TEST(TextFamily, FindsFilesByContent)
 	Project.File("Source/Health.cpp", "int Health;");
 	Project.File("Saved/old.txt", "health in an excluded folder");
 	Project.File("Docs/broken.md", "\xFF\xC3 health \x80");
+	Project.File("Docs/caf\xE9.md", "health in a file whose name is not UTF-8");
 
 	const struct
 	{
@@ -46,7 +47,7 @@ TEST(TextFamily, FindsFilesByContent)
 		const char* Expected;
 	} Cases[] = {
 		{"any case, any encoding; excluded folders are searched, unlisted extensions are not", "Health", false, false,
-			"Content/Readme.md Docs/bom.md Docs/broken.md Docs/Notes.TXT Docs/wide.md Saved/old.txt"},
+			"Content/Readme.md Docs/bom.md Docs/broken.md Docs/caf\uFFFD.md Docs/Notes.TXT Docs/wide.md Saved/old.txt"},
 		{"same case only", "HEALTH", false, true, "Docs/wide.md"},
 		{"exact compares the whole content, without its byte-order mark", "Health", true, false, "Docs/bom.md"},
 		{"exact, same case", "Health", true, true, ""},

@@ -261,9 +261,10 @@ void AddConsole(CLI::App& Program, FConsoleArguments& Out)
 
 void AddInfo(CLI::App& Program, FInfoArguments& Out)
 {
-	CLI::App* Command = AddCommand(
-		Program, "info", "What was opened: counts, mounts, settings in force, cache, timings", "Example:\n  orivane info --json");
+	CLI::App* Command = AddCommand(Program, "info", "What was opened: counts, mounts, settings in force, cache, timings",
+		"Examples:\n  orivane info --json\n  orivane info --settings");
 	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	Command->add_flag("--settings", Out.bSettings, "Print every setting with its value and what it does");
 	Command->add_flag(
 		"--dump-registry", Out.bDumpRegistry, "Print every package, asset, tag and dependency that the registry holds");
 	AddProjectOptions(*Command, Out.Project);

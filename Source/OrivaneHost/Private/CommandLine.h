@@ -83,6 +83,7 @@ struct FInfoArguments
 {
 	FProjectOptions Project;
 	bool bJson = false;
+	bool bSettings = false;
 	bool bDumpRegistry = false;
 };
 

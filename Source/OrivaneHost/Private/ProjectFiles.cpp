@@ -165,6 +165,12 @@ void ProjectFiles::ReadSettings(const FString& Folder, FDiagnosticSink& Diagnost
 	LoadDeveloperSettings(File, SettingsFile, &Diagnostics);
 }
 
+TOptional<FFileStamp> ProjectFiles::GetSettingsStamp(const FString& Folder)
+{
+	FFileStamp Stamp;
+	return FProjectFolder(Folder).GetFileStamp(SettingsFile, Stamp) ? TOptional<FFileStamp>(Stamp) : TOptional<FFileStamp>();
+}
+
 TArray<FScriptModuleFile> ProjectFiles::ReadScriptModules(const FString& Folder, FDiagnosticSink& Diagnostics)
 {
 	TArray<FScriptModuleFile> Modules;

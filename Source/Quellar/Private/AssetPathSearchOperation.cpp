@@ -1,7 +1,7 @@
 #include "Quellar/AssetPathSearchOperation.h"
 
-#include "AssetPathSearchJson.h"
 #include "Core/Json.h"
+#include "Quellar/AssetPathSearchJson.h"
 #include "Quellar/AssetSearchService.h"
 
 #include <algorithm>
@@ -35,12 +35,10 @@ TArray<FString> ReadClassFilters(const FJsonObject& Args)
 	return Filters;
 }
 
-/** Truncates toward zero; numbers out of range become the nearest cap. */
 void ReadCap(const FJsonObject& Args, FStringView Key, int32& Out)
 {
-	double Number = 0;
-	if (Args.TryGetNumberField(Key, Number))
-		Out = static_cast<int32>(std::clamp(Number, 1.0, double{INT32_MAX}));
+	if (Args.TryGetNumberField(Key, Out))
+		Out = std::max(Out, 1);
 }
 
 FAssetPathSearchParams ReadParams(const FJsonObject& Args)
@@ -65,15 +63,23 @@ void FAssetPathSearchOperation::Execute(const FJsonObject& Args, Orivane::FToolR
 {
 	const FAssetPathSearchParams Params = ReadParams(Args);
 	if (Params.Term.IsEmpty())
-		return Result.AddErrorMessage("Missing required field 'term' (non-empty string)."), void();
+	{
+		Result.AddErrorMessage("Missing required field 'term' (non-empty string).");
+		return;
+	}
 	FAssetPathSearchResult Found;
 	UAssetSearchService::Get().AssetPathSearch(Params, Found);
 
 	FString Text;
 	OrivaneToolUtils::WriteAssetPathSearchJson(Found, Text, Params.DetailMode);
 	TSharedPtr<FJsonObject> Payload;
-	if (!Json::ParseObject(Text, Payload))
-		return Result.AddErrorMessage("asset_path_search: Failed to serialize JSON payload."), void();
+	FJsonError Error;
+	if (!Json::ParseObject(Text, Payload, &Error))
+	{
+		Log::Write(LogAssetPathSearchOperation, ELogVerbosity::Error, FString("the payload cannot be read back: ") + Error.Text);
+		Result.AddErrorMessage("asset_path_search: Failed to serialize JSON payload.");
+		return;
+	}
 	Result.SetData("asset_path_search", Payload);
 	Result.AddSuccessMessage(FString::Printf("Found %d matches across %d directories (truncated=%s).", Found.TotalHits,
 		Found.TotalDirectories, Found.bTruncated ? "true" : "false"));

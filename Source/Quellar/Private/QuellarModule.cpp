@@ -1,12 +1,15 @@
 #include "Quellar/QuellarModule.h"
 
 #include "Console/ExploreAssetGraphCommand.h"
+#include "Families/TextFamily.h"
+#include "OrivaneToolkit/AssetOperationBase.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/BlueprintFindUtils.h"
 #include "Quellar/ToolEntry.h"
 
 void FQuellarModule::StartupModule()
 {
+	FAssetOperationBase::SetTextFileRule(&IsSearchableTextFile);
 	RegisterTools();
 	RegisterExploreAssetGraphCommand();
 }

@@ -1,21 +1,13 @@
 #include "ClassTable.h"
 
 #include "Core/Unicode.h"
+#include "CoreObject/PackageName.h"
 
 #include <algorithm>
 #include <numeric>
 
 namespace
 {
-/** "/Script/Engine.Actor" from itself and from Class'/Script/Engine.Actor'. */
-std::string_view StripExportForm(std::string_view Text)
-{
-	const std::size_t Quote = Text.find('\'');
-	if (Quote == std::string_view::npos || Quote + 1 >= Text.size() || Text.back() != '\'')
-		return Text;
-	return Text.substr(Quote + 1, Text.size() - Quote - 2);
-}
-
 bool IsClassPath(std::string_view Text)
 {
 	const std::size_t Dot = Text.find('.');
@@ -88,9 +80,9 @@ void FClassTable::AddDeclared(const TArray<std::pair<FTopLevelAssetPath, FTopLev
 
 void FClassTable::AddGenerated(std::string_view Class, std::string_view Parent, std::string_view NativeParent)
 {
-	Class = StripExportForm(Class);
-	Parent = StripExportForm(Parent);
-	NativeParent = StripExportForm(NativeParent);
+	Class = FPackageName::ExportTextPathToObjectPath(Class);
+	Parent = FPackageName::ExportTextPathToObjectPath(Parent);
+	NativeParent = FPackageName::ExportTextPathToObjectPath(NativeParent);
 	if (!IsClassPath(Class))
 		return;
 	const uint32 Id = Paths.Add(Class);

@@ -1,6 +1,6 @@
 #include "RegistryCache.h"
 
-#include "Checksum.h"
+#include "Core/Checksum.h"
 #include "Core/File.h"
 #include "FolderText.h"
 
@@ -90,7 +90,7 @@ FRegistryCache::FRegistryCache(const FString& ProjectFolder, const FString& Cach
 	if (bInside)
 		FileName += "AssetRegistry.cache";
 	else
-		FileName += FString::Printf("AssetRegistry-%016llx.cache", static_cast<unsigned long long>(HashBytes(Project)));
+		FileName += FString::Printf("AssetRegistry-%016llx.cache", static_cast<unsigned long long>(ChecksumOf(Project)));
 }
 
 TSharedPtr<const FRegistryImage> FRegistryCache::Read(EImageState& OutState) const

@@ -1,10 +1,9 @@
 #include "RegistryImage.h"
 
 #include "AssetObjectPath.h"
-#include "Checksum.h"
+#include "Core/Checksum.h"
 #include "Core/Unicode.h"
 #include "TableChecks.h"
-#include "TextTable.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,7 +12,7 @@
 namespace
 {
 constexpr std::array<char, 8> ImageMagic = {'V', 'A', 'R', 'N', 'R', 'E', 'G', '\n'};
-constexpr uint32 ImageVersion = 5; // counts up with every change to the columns, their meaning or their order
+constexpr uint32 ImageVersion = 6; // counts up with every change to the columns, their meaning or their order
 constexpr uint32 OwnByteOrder = 0x01020304;
 constexpr std::size_t ColumnAlignment = 64;
 
@@ -46,7 +45,7 @@ uint64 AlignUp(uint64 Offset)
 uint64 HashHeader(FImageHeader Header)
 {
 	Header.Hash = 0;
-	return HashBytes(std::string_view(reinterpret_cast<const char*>(&Header), sizeof(Header)));
+	return ChecksumOf(std::string_view(reinterpret_cast<const char*>(&Header), sizeof(Header)));
 }
 
 template <class TColumn>
@@ -80,7 +79,7 @@ void CopyColumns(FRegistryDraft& Draft, FImageHeader& Header, char* Target)
 			std::memset(Target + End, 0, Place.Offset - End);
 			if (Place.NumBytes > 0)
 				std::memcpy(Target + Place.Offset, Column.data(), Place.NumBytes);
-			Place.Hash = HashBytes(std::string_view(Target + Place.Offset, Place.NumBytes));
+			Place.Hash = ChecksumOf(std::string_view(Target + Place.Offset, Place.NumBytes));
 			End = Place.Offset + Place.NumBytes;
 			Column = {};
 		});
@@ -129,7 +128,7 @@ bool ArePlacesSound(std::string_view Bytes, const FImageHeader& Header)
 bool AreHashesRight(std::string_view Bytes, const FImageHeader& Header)
 {
 	return std::all_of(Header.Columns.begin(), Header.Columns.end(),
-		[Bytes](const FColumnPlace& Place) { return HashBytes(Bytes.substr(Place.Offset, Place.NumBytes)) == Place.Hash; });
+		[Bytes](const FColumnPlace& Place) { return ChecksumOf(Bytes.substr(Place.Offset, Place.NumBytes)) == Place.Hash; });
 }
 }
 
@@ -174,7 +173,6 @@ TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 	Draft.TextStarts = {0};
 	Draft.NameTrigrams.Starts = {0};
 	Draft.EntryTrigrams.Starts = {0};
-	Draft.NodeSlots.resize(1);
 	for (std::vector<uint32>* First :
 		{&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstUses, &Draft.FirstTags, &Draft.FirstClassAssets,
 			&Draft.FirstClassChildren, &Draft.FirstDependencies, &Draft.FirstReferencers, &Draft.FirstRootFiles})
@@ -184,21 +182,21 @@ TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 
 uint32 FRegistryImage::FindNode(std::string_view Name) const
 {
-	return FindTextSlot(Tables.NodeSlots, Unicode::HashFolded(Name),
-		[this, Name](uint32 Node) { return Unicode::EqualsFolded(Tables.GetText(EZone::Nodes, Node), Name); });
+	const std::string Folded = Unicode::Fold(Name);
+	const uint32 Package = FindSorted(EZone::Nodes, {0, NumPackages()}, Folded);
+	return Package != NoId ? Package : FindSorted(EZone::Nodes, {NumPackages(), NumNodes()}, Folded);
 }
 
 uint32 FRegistryImage::FindPackage(std::string_view Name) const
 {
-	const uint32 Node = FindNode(Name);
-	return Node < NumPackages() ? Node : NoId;
+	return FindSorted(EZone::Nodes, {0, NumPackages()}, Unicode::Fold(Name));
 }
 
-/** First of the zone's Num sorted texts that is not below a folded text. */
-uint32 FRegistryImage::LowerBound(EZone Zone, uint32 Num, std::string_view Folded) const
+/** First of a zone's sorted texts that is not below a folded text; the end of the range when all are. */
+uint32 FRegistryImage::LowerBound(EZone Zone, FRowRange Sorted, std::string_view Folded) const
 {
-	uint32 Begin = 0;
-	while (Num > 0)
+	uint32 Begin = Sorted.Begin;
+	for (uint32 Num = Sorted.Num(); Num > 0;)
 	{
 		const uint32 Half = Num / 2;
 		const bool bBelow = Tables.GetFolded(Zone, Begin + Half) < Folded;
@@ -208,26 +206,31 @@ uint32 FRegistryImage::LowerBound(EZone Zone, uint32 Num, std::string_view Folde
 	return Begin;
 }
 
+uint32 FRegistryImage::FindSorted(EZone Zone, FRowRange Sorted, std::string_view Folded) const
+{
+	const uint32 Found = LowerBound(Zone, Sorted, Folded);
+	return Found < Sorted.End && Tables.GetFolded(Zone, Found) == Folded ? Found : NoId;
+}
+
 uint32 FRegistryImage::FindClass(std::string_view Path) const
 {
-	const std::string Folded = Unicode::Fold(Path);
-	const uint32 Found = LowerBound(EZone::Classes, NumClasses(), Folded);
-	return Found < NumClasses() && Tables.GetFolded(EZone::Classes, Found) == Folded ? Found : NoId;
+	return FindSorted(EZone::Classes, {0, NumClasses()}, Unicode::Fold(Path));
 }
 
 FRowRange FRegistryImage::FindPackagesBelow(std::string_view Folder) const
 {
 	std::string Prefix = Unicode::Fold(Folder) + '/';
-	const uint32 Begin = LowerBound(EZone::Nodes, NumPackages(), Prefix);
+	const FRowRange Packages = {0, NumPackages()};
+	const uint32 Begin = LowerBound(EZone::Nodes, Packages, Prefix);
 	Prefix.back() = '/' + 1;
-	return {Begin, std::max(Begin, LowerBound(EZone::Nodes, NumPackages(), Prefix))};
+	return {Begin, std::max(Begin, LowerBound(EZone::Nodes, Packages, Prefix))};
 }
 
 FRowRange FRegistryImage::FindFolders(std::string_view Folder) const
 {
 	const std::string Folded = Unicode::Fold(Folder);
 	const uint32 NumFolders = Tables.NumTexts(EZone::Folders);
-	const uint32 Begin = LowerBound(EZone::Folders, NumFolders, Folded);
+	const uint32 Begin = LowerBound(EZone::Folders, {0, NumFolders}, Folded);
 	uint32 End = Begin;
 	while (End < NumFolders && Tables.GetFolded(EZone::Folders, End) == Folded)
 		++End;

@@ -71,7 +71,9 @@ public:
 	FRegistryImage() = default; // for the functions above
 
 private:
-	uint32 LowerBound(EZone Zone, uint32 Num, std::string_view Folded) const;
+	uint32 LowerBound(EZone Zone, FRowRange Sorted, std::string_view Folded) const;
+	/** NoId when no text of the range equals the folded one. */
+	uint32 FindSorted(EZone Zone, FRowRange Sorted, std::string_view Folded) const;
 
 	FImageBytes Bytes;
 	FImageKey Key;

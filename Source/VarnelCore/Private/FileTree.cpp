@@ -6,6 +6,7 @@
 #include "SecureOpen.h"
 
 #include <cerrno>
+#include <chrono>
 
 namespace
 {
@@ -17,6 +18,13 @@ EFileRead ReadBeneath(const FFileHandle& Folder, std::string_view Path, std::str
 	Buffer.clear();
 	return SecureOpen::ToFileRead(errno);
 }
+}
+
+bool FFileStamp::IsSettled() const
+{
+	using namespace std::chrono;
+	constexpr nanoseconds Quiet = seconds(1);
+	return system_clock::now().time_since_epoch() - nanoseconds(ChangedNanoseconds) > Quiet;
 }
 
 FFileTree::FFileTree() = default;

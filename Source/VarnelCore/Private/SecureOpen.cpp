@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <dirent.h>
 #include <limits>
 #include <linux/openat2.h>
 #include <sys/stat.h>
@@ -11,6 +12,16 @@
 
 namespace
 {
+unsigned char ToEntryType(mode_t Mode)
+{
+	return S_ISREG(Mode) ? DT_REG : S_ISDIR(Mode) ? DT_DIR : DT_LNK;
+}
+
+int64 ToNanoseconds(const struct statx_timestamp& Time)
+{
+	return Time.tv_sec * 1'000'000'000 + Time.tv_nsec;
+}
+
 bool IsBeneath(std::string_view Path)
 {
 	if (Path.find('\0') != std::string_view::npos)
@@ -136,6 +147,20 @@ EFileRead SecureOpen::ToFileRead(int ErrorNumber)
 		default:
 			return EFileRead::Unreadable;
 	}
+}
+
+unsigned char SecureOpen::LookAt(const FFileHandle& Folder, const char* Name, FFileStamp& OutStamp)
+{
+	struct statx Status;
+	constexpr int Flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_EMPTY_PATH;
+	constexpr unsigned int Wanted = STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_CTIME | STATX_INO;
+	if (statx(Folder.Get(), Name, Flags, Wanted, &Status) != 0)
+		return DT_UNKNOWN;
+	OutStamp.Size = Status.stx_size;
+	OutStamp.ModifiedNanoseconds = ToNanoseconds(Status.stx_mtime);
+	OutStamp.ChangedNanoseconds = ToNanoseconds(Status.stx_ctime);
+	OutStamp.Inode = Status.stx_ino;
+	return ToEntryType(Status.stx_mode);
 }
 
 bool SecureOpen::IsRegularFile(const FFileHandle& File)

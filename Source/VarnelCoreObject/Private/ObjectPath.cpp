@@ -1,17 +1,10 @@
 #include "CoreObject/ObjectPath.h"
 
-#include <functional>
+#include "Core/SeededHash.h"
+#include "CoreObject/PackageName.h"
 
 namespace
 {
-/** The path inside the export form Class'/Game/A.A', where the class may be a path too; anything else as it is. */
-FStringView StripExportForm(FStringView Text)
-{
-	const std::size_t Quote = Text.find('\'');
-	const bool bExportForm = Quote != FStringView::npos && Quote + 1 < Text.size() && Text.back() == '\'';
-	return bExportForm ? Text.substr(Quote + 1, Text.size() - Quote - 2) : Text;
-}
-
 bool NamesPackage(FStringView Text)
 {
 	return Text.size() > 1 && Text.front() == '/' && Text.back() != '/';
@@ -46,12 +39,12 @@ FString FTopLevelAssetPath::ToString() const
 
 uint64 GetTypeHash(const FTopLevelAssetPath& Path)
 {
-	return GetTypeHash(Path.PackageName) * 31 + GetTypeHash(Path.AssetName);
+	return SeededHash::MixHash(GetTypeHash(Path.PackageName), GetTypeHash(Path.AssetName));
 }
 
 FSoftObjectPath::FSoftObjectPath(FStringView Text)
 {
-	Text = StripExportForm(Text);
+	Text = FPackageName::ExportTextPathToObjectPath(Text);
 	const FStringView PackagePart = Text.substr(0, Text.find_first_of(".:"));
 	if (!NamesPackage(PackagePart))
 		return;

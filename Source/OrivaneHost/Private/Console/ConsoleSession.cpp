@@ -7,6 +7,7 @@
 #include "NearestWord.h"
 #include "OrivaneHost/Program.h"
 #include "PackageMemory.h"
+#include "Project.h"
 #include "Terminal.h"
 #include "TimeOutAdvice.h"
 #include "ToolOutput.h"
@@ -101,6 +102,9 @@ int FConsoleSession::Run(const FString& Line)
 		Words.RemoveAt(0);
 		return (this->*Own.Run)(Words);
 	}
+	FDiagnosticSink Faults;
+	if (FProject::RefreshSettings(Faults) && !Faults.GetSorted().IsEmpty())
+		Terminal::PrintError("the settings were read again, with faults; see: orivane check\n");
 	const int ExitCode = RunCommand(Line, Words);
 	EvictLoadedPackages(); // back below --object-memory, as between an agent's calls
 	return ExitCode;

@@ -19,8 +19,6 @@
 
 namespace
 {
-DEFINE_LOG_CATEGORY(LogMcp);
-
 // From the end of a session on: what is under way may finish, what is answered is written, and then the process is gone, whatever
 // hangs.
 constexpr auto GraceTime = std::chrono::milliseconds(400);

@@ -7,6 +7,8 @@
 
 #include <utility>
 
+DEFINE_LOG_CATEGORY(LogMcp);
+
 namespace
 {
 /** A tool that no schema is kept for takes any object; nothing is promised about it. */
@@ -15,6 +17,13 @@ TSharedPtr<FJsonObject> MakeAnyObjectSchema()
 	auto Schema = MakeShared<FJsonObject>();
 	Schema->SetStringField("type", "object");
 	return Schema;
+}
+
+void RefreshSettings()
+{
+	FDiagnosticSink Faults;
+	if (FProject::RefreshSettings(Faults) && !Faults.GetSorted().IsEmpty())
+		Log::Write(LogMcp, ELogVerbosity::Warning, "the settings were read again, with faults; see: orivane check");
 }
 
 FMcpTool MakeTool(const FString& Name, const Orivane::ITool& Entry)
@@ -79,6 +88,7 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 /** The executor answers on other threads or later, so an answer finds the executor's id stored: it waits for the lock. */
 void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 {
+	AsyncTask(ENamedThreads::GameThread, RefreshSettings); // goes before the tool, which is queued behind it
 	Call.ExecutorId = Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut},
 		[WeakThis = weak_from_this(), Number](Orivane::FToolResult& Result)
 		{

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Log.h"
 #include "Mcp/McpToolHost.h"
 #include "OrivaneToolkit/ToolExecutor.h"
 #include "Project.h"
@@ -8,6 +9,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+
+DECLARE_LOG_CATEGORY(LogMcp);
 
 /**
  * Serves the registered tools to the protocol server. Calls that come before the project is open wait for it; when it cannot be

@@ -68,14 +68,14 @@ private:
 	void ReadWidgets();
 	void ReadWidgetBlueprint(const UWidgetBlueprint& Blueprint, FHitSink& Hits) const;
 	void ReadNames();
-	FAssetResult& FindOrAddResult(const FAssetData& Asset);
+	static FAssetResult MakeResult(const FAssetData& Asset);
 	bool IsFull() const { return OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
 
 	const FAssetSearchParams Params;
 	const FOnAssetSearchComplete OnDone;
 	int32 TotalHits = 0;					   // of the index and of widgets; names do not count
 	TMap<FString, FAssetResult> IndexResults;  // by object path
-	TMap<FString, FAssetResult> ObjectResults; // of widgets and names, by object path
+	TMap<FString, FAssetResult> ObjectResults; // by object path: those with widgets, then those found by their names alone
 };
 
 /** The Blueprints come with the delivery rather than from GetItemsFound: a query made since then may be filling that list. */
@@ -119,14 +119,13 @@ void FBlueprintSearch::Finish()
 	ReadWidgets();
 	ReadNames();
 	FAssetSearchResult Found;
-	for (const TMap<FString, FAssetResult>* Results : {&IndexResults, &ObjectResults})
+	for (const auto& [Path, Result] : IndexResults)
 	{
-		for (const auto& [Path, Result] : *Results)
-		{
-			if (!Result.Hits.IsEmpty())
-				Found.Results.Add(Result);
-		}
+		if (!Result.Hits.IsEmpty())
+			Found.Results.Add(Result);
 	}
+	for (const auto& [Path, Result] : ObjectResults)
+		Found.Results.Add(Result);
 	OnDone.ExecuteIfBound(Found);
 }
 
@@ -142,8 +141,11 @@ void FBlueprintSearch::ReadWidgets()
 			IsInScope(Asset, Params) ? Cast<UWidgetBlueprint>(ResolveAssetObject(Asset, ELoad::IfMissing)) : nullptr;
 		if (!Blueprint)
 			continue;
-		FHitSink Hits(FindOrAddResult(Asset), Params, TotalHits);
+		FAssetResult Result = MakeResult(Asset);
+		FHitSink Hits(Result, Params, TotalHits);
 		ReadWidgetBlueprint(*Blueprint, Hits);
+		if (Hits.HasHits())
+			ObjectResults.Add(Asset.GetObjectPathString(), std::move(Result));
 	}
 }
 
@@ -177,22 +179,20 @@ void FBlueprintSearch::ReadNames()
 		const FString Name = Asset.AssetName.ToString();
 		if (!OrivaneSearchUtils::TermMatches(Name, Params) || !PassesPathFilter(Asset.PackagePath.ToString(), Params))
 			continue;
+		FAssetResult& Result = ObjectResults.FindOrAdd(Asset.GetObjectPathString());
+		if (Result.Hits.IsEmpty())
+			Result = MakeResult(Asset);
 		int32 NoHitsYet = 0; // this pass is capped by its assets, not by the hits of the search
-		OrivaneSearchUtils::AppendHitWithCaps(FindOrAddResult(Asset), "AssetName", Name, "", Params, NoHitsYet);
+		OrivaneSearchUtils::AppendHitWithCaps(Result, "AssetName", Name, "", Params, NoHitsYet);
 		if (OrivaneSearchUtils::HasReachedCap(++NumReported, Params.MaxTotalHits))
 			return;
 	}
 }
 
-FAssetResult& FBlueprintSearch::FindOrAddResult(const FAssetData& Asset)
+FAssetResult FBlueprintSearch::MakeResult(const FAssetData& Asset)
 {
-	FAssetResult& Result = ObjectResults.FindOrAdd(Asset.GetObjectPathString());
-	if (Result.AssetPath.IsEmpty())
-	{
-		Result.AssetPath = Asset.GetSoftObjectPath().ToString();
-		Result.AssetClass = AssetTypeFromClassName(Asset.AssetClassPath.AssetName);
-	}
-	return Result;
+	return {
+		.AssetPath = Asset.GetSoftObjectPath().ToString(), .AssetClass = AssetTypeFromClassName(Asset.AssetClassPath.AssetName)};
 }
 }
 

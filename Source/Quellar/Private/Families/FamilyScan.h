@@ -109,6 +109,6 @@ void ScanFamily(
 			Result.AssetClass = Traits.ClassText;
 			ReadAsset(*Object, Hits);
 			if (!Hits.HasHits())
-				Hits.Add("AssetName", Object->GetName(), Traits.NameContainer);
+				Hits.Add("AssetName", Asset.AssetName.ToString(), Traits.NameContainer);
 		});
 }

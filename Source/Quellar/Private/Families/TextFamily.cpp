@@ -71,7 +71,9 @@ public:
 private:
 	bool IsCandidate(const FString& Prefix, FStringView RelativeToRoot) const
 	{
-		return IsSearchableTextFile(RelativeToRoot) && Unicode::IsValidUtf8(RelativeToRoot) &&
+		if (!Unicode::IsValidUtf8(RelativeToRoot))
+			return IsCandidate(Prefix, FString::FromExternal(RelativeToRoot));
+		return IsSearchableTextFile(RelativeToRoot) &&
 			(Params.PathContains.IsEmpty() || PassesPathFilter(Prefix + RelativeToRoot, Params));
 	}
 
@@ -112,7 +114,7 @@ private:
 			for (int32 Index = Begin; Index < End && Found.Results.Num() < MaxFiles; ++Index)
 			{
 				if (Matches[static_cast<std::size_t>(Index)])
-					AddResult(Prefix + Files.GetRelativePath(Index));
+					AddResult(Prefix + FString::FromExternal(Files.GetRelativePath(Index)));
 			}
 			return Found.Results.Num() < MaxFiles;
 		};

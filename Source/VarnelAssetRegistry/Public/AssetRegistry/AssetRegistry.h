@@ -89,6 +89,7 @@ public:
 	void GetAssetsByPackageName(FName PackageName, TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets,
 		bool bSkipARFilteredAssets) const override;
 	bool HasPackage(FName PackageName) const override;
+	FName FindPackage(FStringView LongName) const override;
 	bool GetDependencies(FName PackageName, TArray<FPackageDependency>& OutDependencies) const override;
 	bool GetReferencers(FName PackageName, TArray<FPackageDependency>& OutReferencers) const override;
 	int32 GetNumDependencies(FName PackageName) const override;

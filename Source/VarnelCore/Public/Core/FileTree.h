@@ -19,6 +19,9 @@ struct FFileStamp
 	uint64 Inode = 0;
 
 	friend bool operator==(const FFileStamp&, const FFileStamp&) = default;
+	/** What bears the stamp has been quiet for a while (a second), so that every later change gives another stamp: the kernel's
+	 * tick is the grain of its times. */
+	bool IsSettled() const;
 };
 
 enum class EFileRead : uint8

@@ -24,6 +24,7 @@ std::string Tell(const std::string& ArgumentsJson)
 
 void DescribeProject(FTestProject& Project)
 {
+	Project.Links("/Game/Start", {"Start World"}, {"/Game/Map"});
 	Project.Links("/Game/Map", {"Map World"}, {"/Game/Hero", "/Game/Items editor"});
 	Project.Links("/Game/Hero", {"Hero Blueprint"}, {"/Game/Items"});
 	Project.Links("/Game/Items", {"Items DataTable"}, {});
@@ -89,6 +90,12 @@ TEST(AssetGraphOperation, ReadsItsArguments)
 		{"success, then the warning, with the number as given", R"({"asset_path": "/Game/Map", "max_nodes": -4})",
 			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 1, relations: 1)\n"
 			"1 Graph truncated at max_nodes=-4\n"},
+		{"a second level spends the budget", R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1})",
+			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"
+			"1 Graph truncated at max_nodes=1\n"},
+		{"unless its fan-out is above the limit",
+			R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1, "max_fanout_per_node": 1})",
+			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"},
 		{"a text file exists, but names no package", R"({"asset_path": "Docs/Notes", "relation": "Both"})",
 			"2 Explored asset graph for 'Docs/Notes' (direction: Both, depth: 1, dependencies: 0, referencers: 0)\n"},
 	};

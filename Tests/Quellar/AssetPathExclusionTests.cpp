@@ -1,4 +1,5 @@
 #include "Quellar/AssetPathExclusion.h"
+#include "Quellar/QuellarSettings.h"
 #include "Support/TestProject.h"
 
 namespace
@@ -61,4 +62,28 @@ TEST(AssetPathExclusion, ReadsTheSettingsInForce)
 	Project.Settings("bExcludeEnginePlugins=False");
 	Project.Open();
 	ExpectAll({{"the plugin rule can be switched off", "/Plugins/FogSystem/X", false}});
+}
+
+TEST(QuellarSettings, NamesAndDefaults)
+{
+	FTestProject Project;
+	Project.Open();
+	UClass& Class = *UQuellarSettings::StaticClass();
+	const auto& Settings = *Class.GetDefaultObject<UQuellarSettings>();
+	std::string Names;
+	for (const FProperty* Property : PropertiesOf(Class))
+		Names += Property->GetName().ToStdString() + " ";
+	EXPECT_EQ(Names,
+		"ExcludedDirectories bExcludeEnginePlugins ExcludedPluginNames TextSearchExtensions bEnableHighSignalFiltering "
+		"DefaultMaxReferences DefaultMaxGraphNodes DefaultMaxFanoutPerNode ");
+	EXPECT_EQ(Join({Class.GetPathName(), Settings.GetCategoryName(), Settings.GetSectionName()}, "|"),
+		"/Script/Quellar.QuellarSettings|Plugins|Orivane Settings");
+	EXPECT_EQ(
+		Join(Settings.ExcludedDirectories), "Intermediate DerivedDataCache Saved Binaries .git .svn .vs .idea node_modules");
+	EXPECT_EQ(Join(Settings.ExcludedPluginNames), "Niagara Water GeometryCollectionPlugin ChaosSolverPlugin");
+	EXPECT_EQ(Join(Settings.TextSearchExtensions), "uproject uplugin txt md bat py xml yaml yml html css js ts config ini cfg");
+	EXPECT_TRUE(Settings.bExcludeEnginePlugins && Settings.bEnableHighSignalFiltering);
+	EXPECT_EQ(Settings.DefaultMaxReferences, 200);
+	EXPECT_EQ(Settings.DefaultMaxGraphNodes, 150);
+	EXPECT_EQ(Settings.DefaultMaxFanoutPerNode, 50);
 }

@@ -98,6 +98,26 @@ TEST(BlueprintFindUtils, AnEmptyTermStartsNothing)
 	EXPECT_EQ(Queries.Take(), "health:1 health0:1");
 }
 
+TEST(BlueprintFindUtils, IsLookedAtUntilItsSearchHasEnded)
+{
+	FTestProject Project;
+	AddBlueprint(Project, "BP_A", 100000);
+	Project.Open();
+	const auto Look = [] { return FBlueprintFindUtils::Get().UpdateSearchResults(0, 0); };
+	FQueries Queries;
+	EXPECT_EQ(Look(), EActiveTimerReturnType::Stop) << "nothing to look at";
+	bool bContinued = false;
+	for (int32 Round = 0; Round < 20 && !bContinued; ++Round) // a search may have ended before the first look, not every time
+	{
+		Queries.Make("health");
+		while (FBlueprintFindUtils::Get().IsSearchInProgress())
+			bContinued |= Look() == EActiveTimerReturnType::Continue;
+		EXPECT_EQ(Look(), EActiveTimerReturnType::Stop);
+		ASSERT_TRUE(Queries.Wait());
+	}
+	EXPECT_TRUE(bContinued);
+}
+
 TEST(BlueprintFindUtils, ASupersededQueryNeverHearsBack)
 {
 	FTestProject Project;

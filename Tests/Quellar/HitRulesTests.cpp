@@ -86,6 +86,19 @@ TEST(HitRules, ManyHitsAreKeptApartAndCounted)
 	}
 }
 
+TEST(HitRules, AnotherContainerIsAnotherHit)
+{
+	const FAssetSearchParams Params{.MaxHitsPerKind = 2};
+	FAssetResult Result;
+	int32 TotalHits = 0;
+	for (const char* Container : {"Graph", "", "GRAPH", "Other"})
+		AppendHitWithCaps(Result, "Node", "Set Health", Container, Params, TotalHits);
+	ASSERT_EQ(Result.Hits.Num(), 2);
+	EXPECT_EQ(Result.Hits[0].Count, 2);
+	EXPECT_EQ(Result.Hits[1].Count, 1);
+	EXPECT_TRUE(Result.bTruncated) << "a third container weighs on the cap of its kind";
+}
+
 TEST(HitRules, CapsPerKindAndInTotal)
 {
 	const struct

@@ -1,5 +1,6 @@
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/QuellarModule.h"
+#include "Quellar/ToolEntry.h"
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
@@ -33,13 +34,18 @@ TEST(ToolEntry, IsRegisteredWithItsFixedTexts)
 	{
 		const char* Tool;
 		const char* Metadata;
-		const char* DescriptionStart;
-		const char* DescriptionEnd;
+		const char* Description;
 	} Cases[] = {
 		{"asset_search", R"({"operation_type": "search","data_type": "asset","execution_mode": "sequential"})",
-			"Search Varnel assets (Blueprints, DataAssets,", "identifying asset usage patterns."},
+			"Search Varnel assets (Blueprints, DataAssets, DataTables, Enums, Structs, Text files, etc.) for names/values "
+			"without loading assets. Returns per-asset hit lists with kind/name/container context. Supports AssetRegistry + "
+			"Editor FindInBlueprints index for BP sub-elements. Use for: finding BP variables/functions, discovering DataAsset "
+			"properties, locating text content, identifying asset usage patterns."},
 		{"explore_asset_graph", R"({"operation_type": "search","data_type": "asset"})",
-			"Explore asset dependency/referencer graph via AssetRegistry (no loading).", "relationships, architecture analysis."},
+			"Explore asset dependency/referencer graph via AssetRegistry (no loading). Returns nested relations with "
+			"Runtime/Editor classification based on Hard dependency Game flags. Supports BFS traversal with fanout protection "
+			"and high-signal filtering. Use for: understanding asset dependencies, finding referencer chains, discovering "
+			"runtime vs editor-only relationships, architecture analysis."},
 	};
 	for (const auto& Case : Cases)
 	{
@@ -50,22 +56,38 @@ TEST(ToolEntry, IsRegisteredWithItsFixedTexts)
 		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
 		Tool->InvalidateMetadata();
 		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
-		EXPECT_TRUE(Tool->GetDescription().View().starts_with(Case.DescriptionStart));
-		EXPECT_TRUE(Tool->GetDescription().View().ends_with(Case.DescriptionEnd));
+		EXPECT_EQ(Tool->GetDescription().View(), Case.Description);
 	}
 }
 
 TEST(QuellarModule, RegistersTwoToolsAndTakesThemBack)
 {
-	FTestProject Project;
-	const auto Executor = FOrivaneToolkitModule::GetToolExecutor();
-	EXPECT_FALSE(Executor->FindTool("asset_path_search")) << "its operation is public, but no tool of the module";
-	const auto Kept = Executor->FindTool("explore_asset_graph");
-	Executor->RegisterTool("asset_path_search", Kept);
+	std::string Removed; // outlives every entry
+	const FHeadlessEngine Engine;
 	FModuleManager::Get().UnloadModule("Quellar");
-	for (const char* Name : {"asset_search", "explore_asset_graph", "asset_path_search"})
-		EXPECT_FALSE(Executor->FindTool(Name)) << Name;
-	EXPECT_EQ(Kept->GetSchema().View(), "{}") << "an entry lives as long as somebody holds it";
+	auto Executor = FOrivaneToolkitModule::GetToolExecutor();
+	const auto Kept = MakeShared<FAssetGraphTool>();
+	FQuellarModule Module;
+	for (int32 Round = 0; Round < 2; ++Round)
+	{
+		Module.StartupModule();
+		EXPECT_EQ(Join(Executor->GetToolNames()), "asset_search explore_asset_graph");
+		const std::weak_ptr<Orivane::ITool> Own = Executor->FindTool("asset_search");
+		for (const char* Name : {"asset_path_search", "explore_asset_graph", "asset_search"})
+			Executor->RegisterTool(Name, {Kept.get(), [&Removed, Name](Orivane::ITool*) { Removed += std::string(Name) + " "; }});
+		EXPECT_FALSE(Own.expired()) << "the module keeps its entry";
+		Module.ShutdownModule();
+		EXPECT_EQ(std::exchange(Removed, {}), "asset_search explore_asset_graph asset_path_search ");
+		EXPECT_TRUE(Own.expired());
+		Module.ShutdownModule();
+	}
+
+	Module.StartupModule();
+	const std::weak_ptr<Orivane::ITool> Own = Executor->FindTool("explore_asset_graph");
+	Executor.reset();
+	FModuleManager::Get().UnloadModule("OrivaneToolkit");
+	Module.ShutdownModule();
+	EXPECT_FALSE(Own.expired()) << "without an executor the entries stay";
 }
 
 TEST(ToolEntry, ChecksTheArgumentText)

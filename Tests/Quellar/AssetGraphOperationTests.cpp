@@ -91,21 +91,18 @@ TEST(AssetGraphOperation, ReadsItsArguments)
 		{"success, then the warning, with the number as given", R"({"asset_path": "/Game/Map", "max_nodes": -4})",
 			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 1, relations: 1)\n"
 			"1 Graph truncated at max_nodes=-4\n"},
-<<<<<<< HEAD
 		{"a number out of range is the nearest one", R"({"asset_path": "/Game/Map", "depth": 3000000000, "max_nodes": 1e99})",
 			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 2, relations: 2)\n"},
 		{"export form", R"({"asset_path": "World'/Game/Map.Map'"})",
 			"2 Explored asset graph for 'World'/Game/Map.Map'' (direction: Dependencies, depth: 1, relations: 2)\n"},
 		{"an absolute file", R"({"asset_path": ")" + MapFile + R"("})",
 			"2 Explored asset graph for '" + MapFile + "' (direction: Dependencies, depth: 1, relations: 2)\n"},
-=======
 		{"a second level spends the budget", R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1})",
 			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"
 			"1 Graph truncated at max_nodes=1\n"},
 		{"unless its fan-out is above the limit",
 			R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1, "max_fanout_per_node": 1})",
 			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"},
->>>>>>> h3
 		{"a text file exists, but names no package", R"({"asset_path": "Docs/Notes", "relation": "Both"})",
 			"2 Explored asset graph for 'Docs/Notes' (direction: Both, depth: 1, dependencies: 0, referencers: 0)\n"},
 	};

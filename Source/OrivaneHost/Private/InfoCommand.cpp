@@ -190,7 +190,7 @@ FString DescribeValue(const FJsonValue& Value)
 	{
 		FString Text;
 		Value.TryGetString(Text);
-		return Terminal::Sanitize(Text);
+		return Terminal::Sanitize(Text.Replace("\n", " "));
 	}
 	FString List;
 	for (const FJsonValue& Element : *Array)

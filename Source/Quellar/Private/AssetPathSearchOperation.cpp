@@ -2,6 +2,7 @@
 
 #include "AssetPathSearchJson.h"
 #include "Core/Json.h"
+#include "Core/StopToken.h"
 #include "Quellar/AssetSearchService.h"
 
 #include <algorithm>
@@ -68,6 +69,8 @@ void FAssetPathSearchOperation::Execute(const FJsonObject& Args, Orivane::FToolR
 		return Result.AddErrorMessage("Missing required field 'term' (non-empty string)."), void();
 	FAssetPathSearchResult Found;
 	UAssetSearchService::Get().AssetPathSearch(Params, Found);
+	if (IsStopRequested())
+		return;
 
 	FString Text;
 	OrivaneToolUtils::WriteAssetPathSearchJson(Found, Text, Params.DetailMode);

@@ -1,5 +1,6 @@
 #include "Families/BlueprintFamily.h"
 
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 #include "CoreObject/PackageName.h"
 #include "Engine/WidgetBlueprint.h"
@@ -41,7 +42,7 @@ TArray<FAssetData> GatherAssets(const TArray<UClass*>& Classes, EOrder Order)
 	return Assets;
 }
 
-/** One search of the family, from the query to the report. */
+/** One search of the family, from the query to the report. It goes on in posted tasks, under the stop token it began with. */
 class FBlueprintSearch : public std::enable_shared_from_this<FBlueprintSearch>
 {
 public:
@@ -56,6 +57,7 @@ public:
 		FBlueprintFindUtils::Get().MakeSearchQuery(Params.Term, QueryOptions,
 			[This = shared_from_this()](TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints)
 			{
+				const FStopScope Scope(This->StopToken);
 				This->ReadIndex(Blueprints);
 				AsyncTask(ENamedThreads::GameThread, [This] { This->Finish(); });
 			});
@@ -69,10 +71,11 @@ private:
 	void ReadWidgetBlueprint(const UWidgetBlueprint& Blueprint, FHitSink& Hits) const;
 	void ReadNames();
 	FAssetResult& FindOrAddResult(const FAssetData& Asset);
-	bool IsFull() const { return OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
+	bool IsFull() const { return IsStopRequested() || OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
 
 	const FAssetSearchParams Params;
 	const FOnAssetSearchComplete OnDone;
+	const std::stop_token StopToken = GetStopToken();
 	int32 TotalHits = 0;					   // of the index and of widgets; names do not count
 	TMap<FString, FAssetResult> IndexResults;  // by object path
 	TMap<FString, FAssetResult> ObjectResults; // of widgets and names, by object path
@@ -116,6 +119,7 @@ bool FBlueprintSearch::ConvertEntry(const FFindInBlueprintsResult& Entry, const 
 
 void FBlueprintSearch::Finish()
 {
+	const FStopScope Scope(StopToken);
 	ReadWidgets();
 	ReadNames();
 	FAssetSearchResult Found;
@@ -174,6 +178,8 @@ void FBlueprintSearch::ReadNames()
 	const TArray<UClass*> Classes = {UBlueprint::StaticClass(), UWidgetBlueprint::StaticClass(), UAnimBlueprint::StaticClass()};
 	for (const FAssetData& Asset : GatherAssets(Classes, EOrder::Registry))
 	{
+		if (IsStopRequested())
+			return;
 		const FString Name = Asset.AssetName.ToString();
 		if (!OrivaneSearchUtils::TermMatches(Name, Params) || !PassesPathFilter(Asset.PackagePath.ToString(), Params))
 			continue;

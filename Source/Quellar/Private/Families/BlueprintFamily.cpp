@@ -57,9 +57,12 @@ public:
 		FBlueprintFindUtils::Get().MakeSearchQuery(Params.Term, QueryOptions,
 			[This = shared_from_this()](TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints)
 			{
-				const FStopScope Scope(This->StopToken);
+				const bool bAbandoned = IsStopRequested();
 				This->ReadIndex(Blueprints);
-				AsyncTask(ENamedThreads::GameThread, [This] { This->Finish(); });
+				if (bAbandoned)
+					This->Report();
+				else
+					AsyncTask(ENamedThreads::GameThread, [This] { This->Finish(); });
 			});
 	}
 
@@ -67,6 +70,7 @@ private:
 	void ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints);
 	bool ConvertEntry(const FFindInBlueprintsResult& Entry, const FString& BlueprintPath);
 	void Finish();
+	void Report();
 	void ReadWidgets();
 	void ReadWidgetBlueprint(const UWidgetBlueprint& Blueprint, FHitSink& Hits) const;
 	void ReadNames();
@@ -84,6 +88,7 @@ private:
 /** The Blueprints come with the delivery rather than from GetItemsFound: a query made since then may be filling that list. */
 void FBlueprintSearch::ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints)
 {
+	const FStopScope Scope(StopToken);
 	const FAssetSearchParams PathParams{.Term = Params.PathContains, .bCaseSensitive = Params.bCaseSensitive};
 	for (const TSharedPtr<FImaginaryFiBData>& Blueprint : Blueprints)
 	{
@@ -122,6 +127,12 @@ void FBlueprintSearch::Finish()
 	const FStopScope Scope(StopToken);
 	ReadWidgets();
 	ReadNames();
+	Report();
+}
+
+void FBlueprintSearch::Report()
+{
+	const FStopScope Scope(StopToken);
 	FAssetSearchResult Found;
 	for (const TMap<FString, FAssetResult>* Results : {&IndexResults, &ObjectResults})
 	{

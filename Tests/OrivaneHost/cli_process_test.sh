@@ -38,6 +38,8 @@ expect "a mistyped command" 2 "did you mean 'search'" "$orivane" serach Health
 expect "a mistyped option" 2 "did you mean '--family'" "$orivane" search x --famly Text
 expect "a missing term" 2 'TERM is required' "$orivane" search
 expect "a number that is none" 2 'max-total-hits' "$orivane" search x --max-total-hits many
+expect "a time that is not a number" 2 "time-limit: 'nan' is not a time from 0.001 to 86400 seconds" "$orivane" search x --time-limit nan
+expect "more time than there is" 2 "deadline: '1e30' is not a time" "$orivane" mcp --deadline 1e30
 expect "memory for nothing" 2 'object-memory' "$orivane" search x --object-memory 0
 expect "no command" 2 'orivane --help' "$orivane"
 expect "help has examples" 0 'Examples:' "$orivane" search --help
@@ -130,6 +132,32 @@ expect "a search mentions the faults" 0 'orivane check' "$orivane" search Health
 printf '{"term":"Health"}' | "$orivane" call asset_search - -p "$project" 2>/dev/null | grep -q '"success":true' ||
 	{ echo "FAILED: arguments from standard input"; failures=$((failures + 1)); }
 "$orivane" search Health -p "$project" 2>/dev/null | grep -q $'\033' && { echo "FAILED: colour in a pipe"; failures=$((failures + 1)); }
+
+# Text to search for seconds in little room: one file under many names.
+mkdir "$scratch/Long"
+echo '{}' >"$scratch/Long/Long.uproject"
+yes 'nothing is to be found in this line' | head -c 32M | iconv -t UTF-16 >"$scratch/Long/0.txt"
+for number in $(seq 200); do ln "$scratch/Long/0.txt" "$scratch/Long/$number.txt"; done
+
+# ends_soon WHY EXIT_CODE PATTERN COMMAND...   a command that would take long, stopped by "limit" (its own) or a signal after half a second
+ends_soon() {
+	local why=$1 code=$2 pattern=$3 signal=$4 start=$EPOCHREALTIME process actual
+	shift 4
+	"$@" >"$scratch/output" 2>&1 </dev/null &
+	process=$!
+	[ "$signal" = limit ] || { sleep 0.5; kill -"$signal" "$process"; }
+	wait "$process"
+	actual=$?
+	local took=$(((${EPOCHREALTIME/./} - ${start/./}) / 1000))
+	if [ "$actual" -ne "$code" ] || [ "$took" -gt 2500 ] || { [ -n "$pattern" ] && ! grep -qE -- "$pattern" "$scratch/output"; }; then
+		echo "FAILED: $why: exit $actual (expected $code) after $took ms"
+		head -20 "$scratch/output"
+		failures=$((failures + 1))
+	fi
+}
+ends_soon "a search ends at its limit" 1 'did not complete within 1 s: narrow the search' limit "$orivane" search absent --time-limit 0.5 -p "$scratch/Long"
+ends_soon "a search ends at once on Ctrl-C" 130 '' INT "$orivane" search absent -p "$scratch/Long"
+ends_soon "and when it is terminated" 130 '' TERM "$orivane" call asset_search '{"term":"absent"}' -p "$scratch/Long"
 
 echo "$failures failure(s)"
 exit $((failures > 0))

@@ -1,4 +1,6 @@
+#include "Core/Tasks.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "Quellar/BlueprintFindUtils.h"
 #include "Quellar/QuellarModule.h"
 #include "Quellar/ToolEntry.h"
 #include "Support/TestProject.h"
@@ -121,9 +123,74 @@ TEST(ToolEntry, ChecksTheArgumentText)
 	}
 }
 
+namespace
+{
+/** A Blueprint whose entries take a while to search, and a text file. */
+void AddDoor(FTestProject& Project)
+{
+	std::string Entries = R"({"category":"Var","text":"Health"})";
+	for (int32 Index = 0; Index < 200000; ++Index)
+		Entries += R"(,{"category":"Var","text":"Health)" + std::to_string(Index) + "\"}";
+	Project.File("Content/BP_Door.vasset",
+		R"({"varnel_package":1,"assets":[{"name":"BP_Door","class":"/Script/Engine.Blueprint"}],"blueprint_index":[)" + Entries +
+			R"(],"objects":[]})");
+	Project.File("Docs/Door.txt", "Health");
+	Project.Open();
+}
+
+/** A call of asset_search for what AddDoor describes, and how often it has completed. */
+struct FDoorCall
+{
+	explicit FDoorCall(Orivane::ITool& Tool)
+	{
+		Tool.Execute(Command, Result, [this](Orivane::FToolResult&) { ++NumCompletions; });
+	}
+	/** Runs what is posted until it has completed; how often it has by then. */
+	int32 Finish()
+	{
+		FGameThread::Get().RunUntil([this] { return NumCompletions > 0; }, std::chrono::seconds(60));
+		return NumCompletions;
+	}
+
+	const Orivane::FToolCommand Command{"1", "asset_search", R"({"term":"Health"})"};
+	const TSharedPtr<Orivane::FToolResult> Result = MakeShared<Orivane::FToolResult>(Command);
+	int32 NumCompletions = 0;
+};
+}
+
+TEST(QuellarModule, EndsWhatIsUnderWayWhenItIsShutDown)
+{
+	FTestProject Project;
+	AddDoor(Project);
+	const auto Tool = FOrivaneToolkitModule::GetToolExecutor()->FindTool("asset_search");
+	FDoorCall UnderWay(*Tool);
+	EXPECT_EQ(UnderWay.NumCompletions, 0) << "the Blueprint index is searched by another thread";
+	FModuleManager::Get().UnloadModule("Quellar");
+	EXPECT_EQ(UnderWay.Finish(), 1);
+	EXPECT_TRUE(RenderMessages(*UnderWay.Result).starts_with("Found ")) << RenderMessages(*UnderWay.Result);
+
+	FDoorCall Late(*Tool);
+	EXPECT_EQ(Late.NumCompletions, 1);
+	EXPECT_EQ(RenderMessages(*Late.Result), "Tool 'asset_search' is not available any more: its module is shut down");
+	EXPECT_FALSE(FBlueprintFindUtils::Get().IsSearchInProgress());
+	while (FGameThread::Get().Pump() > 0)
+	{
+	}
+	EXPECT_EQ(UnderWay.NumCompletions, 1);
+}
+
 TEST(QuellarModule, RunsWithoutAnExecutor)
 {
-	FQuellarModule Module;
-	Module.StartupModule();
-	Module.ShutdownModule();
+	FTestProject Project;
+	AddDoor(Project);
+	const auto Tool = FOrivaneToolkitModule::GetToolExecutor()->FindTool("asset_search");
+	FModuleManager::Get().UnloadModule("OrivaneToolkit");
+	FQuellarModule Another;
+	Another.StartupModule();
+	FDoorCall UnderWay(*Tool);
+	Another.ShutdownModule();
+	FModuleManager::Get().UnloadModule("Quellar");
+	EXPECT_EQ(UnderWay.Finish(), 1) << "nothing is shut down";
+	EXPECT_TRUE(RenderMessages(*UnderWay.Result).starts_with("Found 2")) << RenderMessages(*UnderWay.Result);
+	EXPECT_EQ(FDoorCall(*Tool).Finish(), 1);
 }

@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -119,9 +120,21 @@ CLI::Option* AddCap(CLI::App& App, const char* Name, TOptional<int32>& Out, cons
 		->type_name("N");
 }
 
-CLI::Option* AddSeconds(CLI::App& App, const char* Name, double& Out, const char* Help)
+CLI::Option* AddSeconds(CLI::App& App, const char* Name, std::chrono::milliseconds& Out, const char* Help)
 {
-	return App.add_option(Name, Out, Help)->check(CLI::Range(0.001, 86400.0))->type_name("SECONDS")->capture_default_str();
+	constexpr double Shortest = 0.001;
+	constexpr double Longest = 86400;
+	const auto Check = [](const std::string& Text) -> std::string
+	{
+		double Seconds = 0;
+		const bool bInRange = CLI::detail::lexical_cast(Text, Seconds) && Seconds >= Shortest && Seconds <= Longest; // no "nan"
+		return bInRange ? "" : "'" + Text + "' is not a time from 0.001 to 86400 seconds";
+	};
+	const auto Take = [&Out](const double& Seconds) { Out = std::chrono::milliseconds(std::llround(Seconds * 1000)); };
+	return App.add_option_function<double>(Name, Take, Help)
+		->check(Check)
+		->type_name("SECONDS")
+		->default_str(std::to_string(std::chrono::duration_cast<std::chrono::seconds>(Out).count()));
 }
 
 void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
@@ -159,7 +172,7 @@ void AddCall(CLI::App& Program, FCallArguments& Out)
 		AddCommand(Program, "call", "Call a tool and print its answer as one JSON object, for programs", CallExamples);
 	AddText(*Command, "TOOL", Out.Tool, "Name of the tool, such as asset_search")->required();
 	AddText(*Command, "JSON", Out.ArgumentsJson, "Arguments, a JSON object; '-' reads them from standard input");
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -185,7 +198,7 @@ void AddSearch(CLI::App& Program, FSearchArguments& Out)
 	AddCap(*Command, "--max-per-type", Out.MaxHitsPerAssetType, "Assets per asset type [25]");
 	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
 	AddColor(*Command, Out.Color);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -225,7 +238,7 @@ void AddGraph(CLI::App& Program, FGraphArguments& Out)
 	Command->add_flag("-a,--all-kinds", Out.bAllKinds, "Also materials, meshes, textures and other kinds that tell little");
 	AddGraphFormat(*Command, Out);
 	AddColor(*Command, Out.Color);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -246,7 +259,7 @@ void AddPaths(CLI::App& Program, FPathsArguments& Out)
 	AddCap(*Command, "--max-per-directory", Out.MaxFilesPerDirectory, "Assets listed in a directory [10]");
 	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
 	AddColor(*Command, Out.Color);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -255,7 +268,7 @@ void AddConsole(CLI::App& Program, FConsoleArguments& Out)
 	CLI::App* Command =
 		AddCommand(Program, "console", "Run Orivane.* console commands, by hand or from a script", ConsoleExamples);
 	AddTexts(*Command, "-c,--command", Out.Lines, "Run this line and exit (may be repeated)")->type_name("LINE")->delimiter('\0');
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Wait this long for a search, then go on");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Wait this long for a search, then go on");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -282,8 +295,8 @@ void AddMcp(CLI::App& Program, FMcpArguments& Out)
 {
 	CLI::App* Command =
 		AddCommand(Program, "mcp", "Serve AI agents: Model Context Protocol on standard input and output", McpExamples);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Time a tool may take once it runs");
-	AddSeconds(*Command, "--deadline", Out.DeadlineSeconds, "Time until a call is answered, waiting included");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Time a tool may take once it runs");
+	AddSeconds(*Command, "--deadline", Out.Deadline, "Time until a call is answered, waiting included");
 	Command->add_option("--max-answer-bytes", Out.MaxAnswerBytes, "Longer answers are cut, and say so")
 		->check(CLI::Range(int64{16 * 1024}, int64{8 * 1024 * 1024}))
 		->type_name("BYTES")

@@ -4,6 +4,7 @@
 #include "Project.h"
 #include "Terminal.h"
 
+#include <chrono>
 #include <variant>
 
 struct FCallArguments
@@ -11,7 +12,7 @@ struct FCallArguments
 	FProjectOptions Project;
 	FString Tool;
 	FString ArgumentsJson = "{}"; // "-": standard input
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FSearchArguments
@@ -28,7 +29,7 @@ struct FSearchArguments
 	TOptional<int32> MaxHitsPerAssetType;
 	bool bJson = false;
 	EColor Color = EColor::Auto;
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 enum class EGraphFormat : uint8
@@ -52,7 +53,7 @@ struct FGraphArguments
 	EGraphFormat Format = EGraphFormat::Tree;
 	FString OutputFile; // "": standard output
 	EColor Color = EColor::Auto;
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FPathsArguments
@@ -69,14 +70,14 @@ struct FPathsArguments
 	TOptional<int32> MaxFilesPerDirectory;
 	bool bJson = false;
 	EColor Color = EColor::Auto;
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FConsoleArguments
 {
 	FProjectOptions Project;
 	TArray<FString> Lines; // to run instead of asking for some
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FInfoArguments
@@ -97,8 +98,8 @@ struct FCheckArguments
 struct FMcpArguments
 {
 	FProjectOptions Project;
-	double TimeLimitSeconds = 30;
-	double DeadlineSeconds = 50;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
+	std::chrono::milliseconds Deadline = std::chrono::seconds(50);
 	int64 MaxAnswerBytes = 2 * 1024 * 1024;
 	bool bPathSearch = true;
 };

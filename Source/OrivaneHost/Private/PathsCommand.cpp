@@ -85,6 +85,6 @@ int RunPaths(const FPathsArguments& Arguments)
 {
 	const FHeadlessEngine Engine;
 	RegisterPathSearchTool();
-	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "asset_path_search", MakeToolArguments(Arguments),
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, "asset_path_search", MakeToolArguments(Arguments),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

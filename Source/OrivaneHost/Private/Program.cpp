@@ -68,14 +68,13 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 	return true;
 }
 
-int CallToolOfProject(const FProjectOptions& Project, double TimeLimitSeconds, const FString& Tool, const FString& ArgumentsJson,
-	const std::function<int(const Orivane::FToolResult&)>& Print)
+int CallToolOfProject(const FProjectOptions& Project, std::chrono::milliseconds TimeLimit, const FString& Tool,
+	const FString& ArgumentsJson, const std::function<int(const Orivane::FToolResult&)>& Print)
 {
 	FDiagnosticSink Diagnostics;
 	int ExitCode = EExitCode::Found;
 	if (!OpenProjectForCommand(Project, Diagnostics, true, ExitCode))
 		return ExitCode;
-	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(TimeLimitSeconds * 1000));
 	const bool bAnswered =
 		CallToolAndWait(Tool, ArgumentsJson, TimeLimit, [&](const Orivane::FToolResult& Result) { ExitCode = Print(Result); });
 	return bAnswered ? ExitCode : EExitCode::Interrupted;

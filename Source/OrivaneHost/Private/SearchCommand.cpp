@@ -114,6 +114,6 @@ int RunSearch(const FSearchArguments& Arguments)
 	if (!AreFamiliesKnown(Arguments.Families))
 		return EExitCode::WrongUse;
 	const FHeadlessEngine Engine;
-	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "asset_search", MakeToolArguments(Arguments),
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, "asset_search", MakeToolArguments(Arguments),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

@@ -1,6 +1,7 @@
 #include "Quellar/AssetGraphOperation.h"
 
 #include "AssetGraphJson.h"
+#include "Core/StopToken.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 
 namespace
@@ -68,6 +69,8 @@ void FAssetGraphOperation::Execute(const FJsonObject& Args, Orivane::FToolResult
 	}
 	FExploreAssetGraphResult Found;
 	UAssetGraphService::ExploreGraph(Params, Found);
+	if (IsStopRequested())
+		return;
 	Result.AddSuccessMessage(DescribeSuccess(Params, Found));
 	if (Found.bTruncated)
 		Result.AddWarningMessage(FString::Printf("Graph truncated at max_nodes=%d", Params.MaxNodes));

@@ -1,6 +1,7 @@
 #include "Quellar/AssetPathSearchOperation.h"
 
 #include "Core/Json.h"
+#include "Core/StopToken.h"
 #include "Quellar/AssetPathSearchJson.h"
 #include "Quellar/AssetSearchService.h"
 
@@ -69,6 +70,8 @@ void FAssetPathSearchOperation::Execute(const FJsonObject& Args, Orivane::FToolR
 	}
 	FAssetPathSearchResult Found;
 	UAssetSearchService::Get().AssetPathSearch(Params, Found);
+	if (IsStopRequested())
+		return;
 
 	FString Text;
 	OrivaneToolUtils::WriteAssetPathSearchJson(Found, Text, Params.DetailMode);

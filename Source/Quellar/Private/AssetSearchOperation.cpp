@@ -1,6 +1,7 @@
 #include "Quellar/AssetSearchOperation.h"
 
 #include "AssetSearchJson.h"
+#include "Core/StopToken.h"
 #include "CoreObject/PackageName.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Quellar/AssetSearchService.h"
@@ -48,6 +49,8 @@ FAssetSearchResult KeepExisting(const FAssetSearchResult& Found)
 	FAssetSearchResult Kept{.bTruncated = Found.bTruncated};
 	for (const FAssetResult& Asset : Found.Results)
 	{
+		if (IsStopRequested())
+			break;
 		if (FAssetOperationBase::AssetExists(FPackageName::ObjectPathToPackageName(Asset.AssetPath)))
 			Kept.Results.Add(Asset);
 	}

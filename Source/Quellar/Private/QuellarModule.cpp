@@ -5,7 +5,6 @@
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/BlueprintFindUtils.h"
-#include "Quellar/ToolEntry.h"
 
 void FQuellarModule::StartupModule()
 {
@@ -27,13 +26,19 @@ void FQuellarModule::RegisterTools()
 
 void FQuellarModule::ShutdownModule()
 {
-	FBlueprintFindUtils::Get().Abandon();
 	const TSharedPtr<Orivane::IToolExecutor> Executor = FOrivaneToolkitModule::GetToolExecutor();
 	if (!Executor)
 		return;
 	Executor->UnregisterTool("asset_search");
 	Executor->UnregisterTool("explore_asset_graph");
 	Executor->UnregisterTool("asset_path_search");
+	// Calls that wait keep their entries; those under way are completed here, and the threads behind them end.
+	for (const TSharedPtr<FToolEntry>& Entry : {AssetSearchEntry, AssetGraphEntry, AssetPathSearchEntry})
+	{
+		if (Entry)
+			Entry->Close();
+	}
+	FBlueprintFindUtils::Get().Abandon();
 	AssetSearchEntry.reset();
 	AssetGraphEntry.reset();
 	AssetPathSearchEntry.reset();

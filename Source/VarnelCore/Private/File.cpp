@@ -1,5 +1,6 @@
 #include "Core/File.h"
 
+#include "Core/TextDecoder.h"
 #include "Core/Unicode.h"
 #include "PathResolver.h"
 #include "SecureOpen.h"
@@ -12,9 +13,6 @@
 
 namespace
 {
-constexpr FStringView Utf8Mark = "\xEF\xBB\xBF";
-constexpr FStringView Utf16LittleMark = "\xFF\xFE";
-constexpr FStringView Utf16BigMark = "\xFE\xFF";
 constexpr int32 MaxTemporaryNames = 100; // tried before saving gives up
 
 bool MatchesEveryName(FStringView Wildcard)
@@ -181,17 +179,11 @@ bool FFileHelper::LoadFileToString(FString& Out, const FString& Path)
 
 FStringView FFileHelper::DecodeText(std::string_view Bytes, std::string& Scratch)
 {
-	if (Bytes.starts_with(Utf16LittleMark) || Bytes.starts_with(Utf16BigMark))
-	{
-		const bool bBigEndian = Bytes.starts_with(Utf16BigMark);
-		Scratch = Unicode::Utf16ToUtf8(Bytes.substr(Utf16LittleMark.size()), bBigEndian);
-		return Scratch;
-	}
-	if (Bytes.starts_with(Utf8Mark))
-		Bytes.remove_prefix(Utf8Mark.size());
-	if (Unicode::IsValidUtf8(Bytes))
+	const ETextEncoding Encoding = TakeByteOrderMark(Bytes);
+	if (Encoding == ETextEncoding::Utf8 && Unicode::IsValidUtf8(Bytes))
 		return Bytes;
-	Scratch = Unicode::RepairUtf8(Bytes);
+	Scratch = Encoding == ETextEncoding::Utf8 ? Unicode::RepairUtf8(Bytes)
+											  : Unicode::Utf16ToUtf8(Bytes, Encoding == ETextEncoding::Utf16Big);
 	return Scratch;
 }
 

@@ -93,11 +93,11 @@ std::optional<FFolderWalk::FPendingFolder> FFolderWalk::TakePending()
 	return Taken;
 }
 
-void FFolderWalk::FinishPending()
+FFolderWalk::FFinishPending::~FFinishPending()
 {
-	const std::lock_guard Guard(Lock);
-	if (--NumActive == 0)
-		Changed.notify_all();
+	const std::lock_guard Guard(Walk.Lock);
+	if (--Walk.NumActive == 0)
+		Walk.Changed.notify_all();
 }
 
 void FFolderWalk::AddPending(std::vector<FPendingFolder>& Found)
@@ -116,8 +116,8 @@ void FFolderWalk::RunWorker(FWorker& Worker)
 {
 	while (const std::optional<FPendingFolder> Taken = TakePending())
 	{
+		const FFinishPending Finish(*this); // also when reading throws: the others wait for it
 		ReadFolder(*Taken, Worker);
-		FinishPending();
 	}
 }
 

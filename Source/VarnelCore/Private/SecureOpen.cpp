@@ -83,6 +83,17 @@ ssize_t ReadSome(int Descriptor, char* Into, std::size_t Count)
 	return Got;
 }
 
+EFileRead LookAtRegularFile(const FFileHandle& File, uint64 MaxBytes, uint64& OutSize)
+{
+	struct stat Status;
+	if (fstat(File.Get(), &Status) != 0)
+		return EFileRead::Unreadable;
+	if (!S_ISREG(Status.st_mode))
+		return EFileRead::Missing;
+	OutSize = static_cast<uint64>(Status.st_size);
+	return OutSize > MaxBytes ? EFileRead::TooLarge : EFileRead::Ok;
+}
+
 EFileRead ReadToEnd(int Descriptor, std::string& Buffer, std::size_t ExpectedSize, uint64 MaxBytes, std::size_t Padding)
 {
 	std::size_t Filled = 0;
@@ -171,17 +182,31 @@ bool SecureOpen::IsRegularFile(const FFileHandle& File)
 
 EFileRead SecureOpen::ReadRegularFile(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
 {
-	struct stat Status;
-	EFileRead Result = EFileRead::Ok;
-	if (fstat(File.Get(), &Status) != 0)
-		Result = EFileRead::Unreadable;
-	else if (!S_ISREG(Status.st_mode))
-		Result = EFileRead::Missing;
-	else if (static_cast<uint64>(Status.st_size) > MaxBytes)
-		Result = EFileRead::TooLarge;
-	else
-		Result = ReadToEnd(File.Get(), Buffer, static_cast<std::size_t>(Status.st_size), MaxBytes, Padding);
+	uint64 Size = 0;
+	EFileRead Result = LookAtRegularFile(File, MaxBytes, Size);
+	if (Result == EFileRead::Ok)
+		Result = ReadToEnd(File.Get(), Buffer, Size, MaxBytes, Padding);
 	if (Result != EFileRead::Ok)
 		Buffer.clear();
 	return Result;
+}
+
+EFileRead SecureOpen::ReadInPieces(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
+	const std::function<bool(std::string_view Piece)>& Take)
+{
+	uint64 Size = 0;
+	if (const EFileRead Result = LookAtRegularFile(File, MaxBytes, Size); Result != EFileRead::Ok)
+		return Result;
+	Buffer.resize(PieceBytes);
+	for (uint64 NumRead = 0;;)
+	{
+		const ssize_t Got = ReadSome(File.Get(), Buffer.data(), PieceBytes);
+		if (Got < 0)
+			return EFileRead::Unreadable;
+		NumRead += static_cast<uint64>(Got);
+		if (NumRead > MaxBytes)
+			return EFileRead::TooLarge;
+		if (Got == 0 || !Take(std::string_view(Buffer.data(), static_cast<std::size_t>(Got))))
+			return EFileRead::Ok;
+	}
 }

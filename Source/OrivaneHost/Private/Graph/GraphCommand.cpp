@@ -117,6 +117,6 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 int RunGraph(const FGraphArguments& Arguments)
 {
 	const FHeadlessEngine Engine;
-	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "explore_asset_graph", MakeToolArguments(Arguments),
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, "explore_asset_graph", MakeToolArguments(Arguments),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

@@ -134,6 +134,20 @@ void FMcpProjectHost::CancelCall(FMcpCallNumber Number)
 		Executor->Cancel(ExecutorId);
 }
 
+void FMcpProjectHost::CancelCalls()
+{
+	std::map<FMcpCallNumber, FCall> Cancelled;
+	{
+		std::lock_guard Guard(Lock);
+		Cancelled.swap(Calls);
+	}
+	for (const auto& [Number, Call] : Cancelled)
+	{
+		if (Call.ExecutorId != 0)
+			Executor->Cancel(Call.ExecutorId);
+	}
+}
+
 FMcpCallProgress FMcpProjectHost::GetCallProgress(FMcpCallNumber) const
 {
 	std::lock_guard Guard(Lock);

@@ -27,6 +27,8 @@ public:
 	// One of the two, once.
 	void OnProjectOpened();
 	void OnProjectFailed(const FString& Reason);
+	/** Nobody waits for any answer any more; what runs is asked to stop. Any thread. */
+	void CancelCalls();
 
 	TArray<FMcpTool> GetTools() const override;
 	void StartCall(FMcpCallNumber Number, const FString& ToolName, const FString& ArgumentsJson, FOnAnswer OnAnswer) override;

@@ -1,7 +1,9 @@
 #include "Families/TextFamily.h"
 
 #include "Core/File.h"
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
+#include "Core/TextDecoder.h"
 #include "Core/TextFinder.h"
 #include "Core/Unicode.h"
 #include "Families/FamilyScan.h"
@@ -14,6 +16,10 @@ namespace
 {
 constexpr int32 DefaultMaxFiles = 200; // where the total cap is below 1
 constexpr int32 FilesPerChunk = 32;
+// Larger files are read and searched in pieces of this size: they take little memory, and a stop is heeded between two of them.
+constexpr std::size_t PieceBytes = 1024 * 1024;
+constexpr std::size_t MaxCharacterBytes = 4;
+constexpr std::size_t MaxMarkBytes = 4; // a byte-order mark, and an odd byte at the end
 
 const TSet<FString>& GetDefaultExtensions()
 {
@@ -28,6 +34,7 @@ class FContentMatcher
 public:
 	FContentMatcher(const FAssetSearchParams& Params, bool bExact, bool bCaseSensitive)
 		: Term(Params.Term)
+		, MaxTermBytes(static_cast<std::size_t>(Params.Term.Len()) * MaxCharacterBytes)
 		, Case(bCaseSensitive ? ESearchCase::CaseSensitive : ESearchCase::IgnoreCase)
 		, bWhole(bExact)
 		, Finder(Params.Term, Case)
@@ -35,15 +42,60 @@ public:
 	}
 
 	bool Matches(FStringView Content) const { return bWhole ? Term.Equals(Content, Case) : Finder.IsFoundIn(Content); }
+	bool ComparesWhole() const { return bWhole; }
+	/** A text that is the term, or the place of one, has no more bytes, however it is spelled and encoded. */
+	std::size_t GetMaxTermBytes() const { return MaxTermBytes; }
 
 private:
 	const FString& Term;
+	std::size_t MaxTermBytes;
 	ESearchCase Case;
 	bool bWhole;
 	FTextFinder Finder;
 };
 
-/** One search of the family: the roots are visited in order, files in ascending byte order, until the cap is reached. */
+/** Looks for the term in a text that comes in pieces. */
+class FPiecewiseSearch
+{
+public:
+	/** Window is scratch. */
+	FPiecewiseSearch(const FContentMatcher& InMatcher, std::string& InWindow) : Matcher(InMatcher), Window(InWindow)
+	{
+		Window.clear();
+	}
+
+	/** False once no more pieces are wanted. */
+	bool Take(std::string_view Piece)
+	{
+		DropSearched();
+		Decoder.Append(Piece, Window);
+		bFound = Matcher.Matches(Window);
+		return !bFound && !IsStopRequested();
+	}
+	/** After the last piece. */
+	bool Finish()
+	{
+		const std::size_t NumSearched = Window.size();
+		Decoder.Finish(Window);
+		return bFound || (Window.size() > NumSearched && Matcher.Matches(Window));
+	}
+
+private:
+	/** Keeps what the term may begin in. */
+	void DropSearched()
+	{
+		if (Window.size() > Matcher.GetMaxTermBytes())
+			Window.erase(0, Window.size() - Matcher.GetMaxTermBytes());
+	}
+
+	const FContentMatcher& Matcher;
+	std::string& Window;
+	FTextDecoder Decoder;
+	bool bFound = false;
+};
+
+/** One search of the family: the roots are visited in order, files in ascending byte order, until the cap is reached or a stop is
+ * requested. */
 class FTextScan
 {
 public:
@@ -88,8 +140,21 @@ private:
 
 	bool IsMatch(FFileReader& File, int32 Index) const
 	{
-		return File.Reader.Read(Index, File.Bytes, FFileHelper::MaxTextFileBytes) == EFileRead::Ok &&
+		const bool bWhole = Matcher.ComparesWhole() && !Params.Term.IsEmpty();
+		const std::size_t MaxBytes = bWhole ? Matcher.GetMaxTermBytes() + MaxMarkBytes : PieceBytes;
+		const EFileRead Outcome = File.Reader.Read(Index, File.Bytes, MaxBytes);
+		if (Outcome == EFileRead::TooLarge && !bWhole)
+			return IsMatchInPieces(File, Index);
+		return Outcome == EFileRead::Ok &&
 			(Params.Term.IsEmpty() || Matcher.Matches(FFileHelper::DecodeText(File.Bytes, File.Scratch)));
+	}
+
+	bool IsMatchInPieces(FFileReader& File, int32 Index) const
+	{
+		FPiecewiseSearch Search(Matcher, File.Scratch);
+		const EFileRead Outcome = File.Reader.ReadInPieces(Index, File.Bytes, FFileHelper::MaxTextFileBytes, PieceBytes,
+			[&](std::string_view Piece) { return !Params.Term.IsEmpty() && Search.Take(Piece); });
+		return Outcome == EFileRead::Ok && (Params.Term.IsEmpty() || Search.Finish());
 	}
 
 	void ScanRoot(const FString& Root)
@@ -98,6 +163,7 @@ private:
 			Root.Replace(FPaths::ProjectDir(), ""); // turns paths relative to the root into ones relative to the project
 		FFileTreeOptions Options;
 		Options.KeepFile = [&](std::string_view Path) { return IsCandidate(Prefix, Path); };
+		Options.Stop = GetStopToken();
 		const FFileTree Files = FFileTree::List(Root, Options);
 
 		std::deque<FFileReader> Readers;
@@ -106,7 +172,7 @@ private:
 		std::vector<uint8> Matches(static_cast<std::size_t>(Files.Num()));
 		const auto Test = [&](int32 Begin, int32 End, int32 Worker)
 		{
-			for (int32 Index = Begin; Index < End; ++Index)
+			for (int32 Index = Begin; Index < End && !IsStopRequested(); ++Index)
 				Matches[static_cast<std::size_t>(Index)] = IsMatch(Readers[static_cast<std::size_t>(Worker)], Index);
 		};
 		const auto Report = [&](int32 Begin, int32 End)
@@ -116,7 +182,7 @@ private:
 				if (Matches[static_cast<std::size_t>(Index)])
 					AddResult(Prefix + FString::FromExternal(Files.GetRelativePath(Index)));
 			}
-			return Found.Results.Num() < MaxFiles;
+			return Found.Results.Num() < MaxFiles && !IsStopRequested();
 		};
 		if (Found.Results.Num() < MaxFiles)
 			ParallelForOrdered(Files.Num(), FilesPerChunk, Test, Report);

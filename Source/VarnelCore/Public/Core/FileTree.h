@@ -105,8 +105,14 @@ public:
 
 	/** As FFileTree::Read. */
 	EFileRead Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding = 0);
+	/** Reads a file of any size in pieces of PieceBytes, the last one shorter, and hands them to Take until that returns false.
+	 * Buffer holds the piece. */
+	EFileRead ReadInPieces(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
+		const std::function<bool(std::string_view Piece)>& Take);
 
 private:
+	FFileHandle Open(int32 Index);
+
 	const FFileTree& Tree;
 	std::unique_ptr<FFileHandle> Folder; // of the last file read
 	std::string_view FolderPath;

@@ -106,6 +106,11 @@ expect "systems in memory" 0 'EmitterName +Sparks' "$orivane" search Sparks -f N
 expect "every command brings packages into memory" 0 '"preloaded":6' "$orivane" info --json -p "$project" --preload /Game/FX
 expect "a path that is not there" 2 "preload: the project has no package or folder '/Game/Fx/NS_X'" \
 	"$orivane" call asset_search '{"term":"x"}' -p "$project" --preload /Game/Fx/NS_X
+expect "settings with what they do" 0 'about +Additional directories to exclude' "$orivane" info --settings -p "$project"
+truncate -s 257M "$project/Docs/Huge.md"
+expect "a text file that is too large" 0 'Docs/Huge\.md: warning: .*256 MiB.* \[text-too-large\]' "$orivane" check -p "$project"
+expect "is not passed over in silence" 0 'warning: 1 text file.* Docs/Huge\.md' "$orivane" search Health -f Text -p "$project"
+rm "$project/Docs/Huge.md"
 expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game
 
 mkdir -p "$project/Content/Broken"

@@ -2,6 +2,7 @@
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
 #include "Quellar/AssetSearchService.h"
+#include "Quellar/TextSearch.h"
 #include "ToolOutput.h"
 
 #include <algorithm>
@@ -86,9 +87,23 @@ private:
 	FString Out;
 };
 
+/** Files that might have held the term. */
+void PrintGaps()
+{
+	const FTextSearchGaps& Gaps = GetTextSearchGaps();
+	const int32 Num = Gaps.TooLarge.Num() + Gaps.Unreadable.Num();
+	if (Num == 0)
+		return;
+	const FString& Example = Gaps.TooLarge.IsEmpty() ? Gaps.Unreadable[0] : Gaps.TooLarge[0];
+	Terminal::PrintError(FString::Printf("orivane search: warning: %d text file(s) or folder(s) are too large or cannot be read, "
+										 "such as %s; see: orivane check\n",
+		Num, *Terminal::Sanitize(Example)));
+}
+
 int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
 {
 	PrintProblems("search", Result);
+	PrintGaps();
 	const TSharedPtr<FJsonObject> Content = GetContent(Result);
 	if (!Content)
 		return EExitCode::NotFound;

@@ -119,8 +119,17 @@ public:
 		}
 		return std::move(Found);
 	}
+	FTextSearchGaps TakeGaps() { return std::move(Gaps); }
 
 private:
+	enum class EOutcome : uint8
+	{
+		NoMatch,
+		Match,
+		TooLarge,
+		Unreadable,
+	};
+
 	bool IsCandidate(const FString& Prefix, FStringView RelativeToRoot) const
 	{
 		if (!Unicode::IsValidUtf8(RelativeToRoot))
@@ -138,23 +147,41 @@ private:
 		std::string Scratch;
 	};
 
-	bool IsMatch(FFileReader& File, int32 Index) const
+	EOutcome TestFile(FFileReader& File, int32 Index) const
 	{
 		const bool bWhole = Matcher.ComparesWhole() && !Params.Term.IsEmpty();
 		const std::size_t MaxBytes = bWhole ? Matcher.GetMaxTermBytes() + MaxMarkBytes : PieceBytes;
-		const EFileRead Outcome = File.Reader.Read(Index, File.Bytes, MaxBytes);
-		if (Outcome == EFileRead::TooLarge && !bWhole)
-			return IsMatchInPieces(File, Index);
-		return Outcome == EFileRead::Ok &&
-			(Params.Term.IsEmpty() || Matcher.Matches(FFileHelper::DecodeText(File.Bytes, File.Scratch)));
+		const EFileRead Read = File.Reader.Read(Index, File.Bytes, MaxBytes);
+		if (Read == EFileRead::TooLarge)
+			return bWhole ? EOutcome::NoMatch : TestFileInPieces(File, Index);
+		return ToOutcome(
+			Read, [&] { return Params.Term.IsEmpty() || Matcher.Matches(FFileHelper::DecodeText(File.Bytes, File.Scratch)); });
 	}
 
-	bool IsMatchInPieces(FFileReader& File, int32 Index) const
+	EOutcome TestFileInPieces(FFileReader& File, int32 Index) const
 	{
 		FPiecewiseSearch Search(Matcher, File.Scratch);
-		const EFileRead Outcome = File.Reader.ReadInPieces(Index, File.Bytes, FFileHelper::MaxTextFileBytes, PieceBytes,
+		const EFileRead Read = File.Reader.ReadInPieces(Index, File.Bytes, FFileHelper::MaxTextFileBytes, PieceBytes,
 			[&](std::string_view Piece) { return !Params.Term.IsEmpty() && Search.Take(Piece); });
-		return Outcome == EFileRead::Ok && (Params.Term.IsEmpty() || Search.Finish());
+		return ToOutcome(Read, [&] { return Params.Term.IsEmpty() || Search.Finish(); });
+	}
+
+	/** A file that has gone meanwhile is no gap. */
+	template <class TMatches>
+	static EOutcome ToOutcome(EFileRead Read, TMatches&& Matches)
+	{
+		switch (Read)
+		{
+			case EFileRead::TooLarge:
+				return EOutcome::TooLarge;
+			case EFileRead::Unreadable:
+				return EOutcome::Unreadable;
+			case EFileRead::Missing:
+				return EOutcome::NoMatch;
+			case EFileRead::Ok:
+				break;
+		}
+		return Matches() ? EOutcome::Match : EOutcome::NoMatch;
 	}
 
 	void ScanRoot(const FString& Root)
@@ -169,23 +196,33 @@ private:
 		std::deque<FFileReader> Readers;
 		for (int32 Worker = 0; Worker < GetNumWorkers(); ++Worker)
 			Readers.emplace_back(Files);
-		std::vector<uint8> Matches(static_cast<std::size_t>(Files.Num()));
+		for (const std::string& Folder : Files.GetUnreadableFolders())
+			Gaps.Unreadable.Add(Prefix + FString::FromExternal(Folder) + "/");
+		std::vector<EOutcome> Outcomes(static_cast<std::size_t>(Files.Num()));
 		const auto Test = [&](int32 Begin, int32 End, int32 Worker)
 		{
 			for (int32 Index = Begin; Index < End && !IsStopRequested(); ++Index)
-				Matches[static_cast<std::size_t>(Index)] = IsMatch(Readers[static_cast<std::size_t>(Worker)], Index);
+				Outcomes[static_cast<std::size_t>(Index)] = TestFile(Readers[static_cast<std::size_t>(Worker)], Index);
 		};
 		const auto Report = [&](int32 Begin, int32 End)
 		{
 			for (int32 Index = Begin; Index < End && Found.Results.Num() < MaxFiles; ++Index)
 			{
-				if (Matches[static_cast<std::size_t>(Index)])
-					AddResult(Prefix + FString::FromExternal(Files.GetRelativePath(Index)));
+				if (const EOutcome Outcome = Outcomes[static_cast<std::size_t>(Index)]; Outcome != EOutcome::NoMatch)
+					Add(Outcome, Prefix + FString::FromExternal(Files.GetRelativePath(Index)));
 			}
 			return Found.Results.Num() < MaxFiles && !IsStopRequested();
 		};
 		if (Found.Results.Num() < MaxFiles)
 			ParallelForOrdered(Files.Num(), FilesPerChunk, Test, Report);
+	}
+
+	void Add(EOutcome Outcome, FString RelativePath)
+	{
+		if (Outcome == EOutcome::Match)
+			AddResult(std::move(RelativePath));
+		else
+			(Outcome == EOutcome::TooLarge ? Gaps.TooLarge : Gaps.Unreadable).Add(std::move(RelativePath));
 	}
 
 	void AddResult(FString RelativePath)
@@ -202,7 +239,19 @@ private:
 	int32 MaxFiles;
 	TSet<FString> Reported; // two files whose paths differ only in case are one
 	FAssetSearchResult Found;
+	FTextSearchGaps Gaps;
 };
+
+FTextSearchGaps& GetLastGaps()
+{
+	static FTextSearchGaps Gaps;
+	return Gaps;
+}
+}
+
+const FTextSearchGaps& GetTextSearchGaps()
+{
+	return GetLastGaps();
 }
 
 bool IsSearchableTextFile(FStringView Path)
@@ -221,5 +270,8 @@ bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params
 
 void SearchTextFiles(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
-	OnDone.ExecuteIfBound(FTextScan(Params).Run());
+	FTextScan Scan(Params);
+	const FAssetSearchResult Found = Scan.Run();
+	GetLastGaps() = Scan.TakeGaps();
+	OnDone.ExecuteIfBound(Found);
 }

@@ -170,7 +170,7 @@ TEST_F(EngineClasses, ReadAssetsOfObjects)
 	ASSERT_TRUE(System);
 	std::string Types;
 	for (const FNiagaraUserParameter& Parameter : System->GetUserParameters())
-		Types += *(Parameter.GetName().ToString() + ":" + Parameter.GetTypeName().ToString() + " ");
+		Types += *(Parameter.GetName().ToString() + ":" + Parameter.Type.GetPath().Asset.AssetName.ToString() + " ");
 	EXPECT_EQ(Types, "User.Tint:Tint User.Mesh:StaticMesh User.Made:BP_Absent_C User.Speed:None ");
 	EXPECT_EQ(FindPackage("/Game/ET"), nullptr) << "nothing is loaded before it is asked for";
 	EXPECT_EQ(System->GetEffectType()->GetName(), "ET");

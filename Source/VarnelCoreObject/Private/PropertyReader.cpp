@@ -124,7 +124,9 @@ TOptional<FObjectPtr> FPropertyReader::ReadReference(const FJsonRef& Json, const
 	const bool bInPackage = Package && Path.Asset.PackageName == Package->GetFName();
 	const UObject* const Object = bInPackage ? Package->FindInside(GetInnerPath(Path)) : FObjectPtr(Path).GetIfLoaded();
 	const bool bMustExist = Path.Asset.PackageName.View().starts_with(ScriptRoot);
-	if ((Object || bMustExist) && !CheckReference(Object, Json, Property))
+	const bool bFits = !(Object || bMustExist) || CheckReference(Object, Json, Property);
+	// What is read must not depend on whether another package is in memory: its objects are looked at for the report alone.
+	if (!bFits && (bInPackage || bMustExist))
 		return std::nullopt;
 	if (!bInPackage && !Path.IsNull() && IsHard(Property.GetKind()))
 		NoteReferenceToPackage(Path.Asset.PackageName);

@@ -44,8 +44,8 @@ public:
 	bool ReadObjectPath(const FJsonRef& Json, FSoftObjectPath& Out);
 	/**
 	 * The reference to the object at such a path, unresolved where the object lies in another package. None and a diagnostic
-	 * where it is no object that the property may refer to, as far as that can be told: objects of other packages are looked at
-	 * when they are in memory.
+	 * where it is no object that the property may refer to. One of another package is kept all the same: it reads as null once
+	 * it is resolved.
 	 */
 	TOptional<FObjectPtr> ReadReference(const FJsonRef& Json, const FObjectPropertyBase& Property);
 	/** Reports references into the package being read that no object was made for. Called once all its objects are made. */

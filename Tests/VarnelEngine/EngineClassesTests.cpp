@@ -206,6 +206,7 @@ TEST_F(EngineClasses, CombineMaterialParametersAlongTheirParents)
 	Instance("/Game/Alone", "null", R"({"Name":"A","Value":1},{"Name":"A","Value":2})");
 	Instance("/Game/Loop1", R"("/Game/Loop2.Loop2")", R"({"Name":"A","Value":1})");
 	Instance("/Game/Loop2", R"("/Game/Loop1.Loop1")", R"({"Name":"A","Value":2},{"Name":"B","Value":2})");
+	Instance("/Game/OfLoop", R"("/Game/Loop2.Loop2")", R"({"Name":"C","Value":3})");
 	Instance("/Game/Self", R"("/Game/Self.Self")", R"({"Name":"A","Value":1})");
 	const struct
 	{
@@ -218,8 +219,10 @@ TEST_F(EngineClasses, CombineMaterialParametersAlongTheirParents)
 		{"the nearest override counts", "/Game/Low.Low", "Rough=0.25 Wet=? Old=4.0 Added=2.0 Last=3.0"},
 		{"a parent that is not there", "/Game/Lost.Lost", "A=1.0"},
 		{"a name is listed once", "/Game/Alone.Alone", "A=1.0"},
-		{"cycles end", "/Game/Loop1.Loop1", "A=1.0 B=2.0"},
+		{"materials in a ring inherit nothing", "/Game/Loop1.Loop1", "A=1.0"},
+		{"", "/Game/Loop2.Loop2", "A=2.0 B=2.0"},
 		{"", "/Game/Self.Self", "A=1.0"},
+		{"what derives from one of them has its parameters", "/Game/OfLoop.OfLoop", "A=2.0 B=2.0 C=3.0"},
 	};
 	for (const auto& Case : Cases)
 	{
@@ -249,6 +252,38 @@ TEST_F(EngineClasses, CombineMaterialParametersAlongTheirParents)
 		"/Game/V:4:45: error: 'Name' of type name takes a string, not a number [property-type]\n"
 		"/Game/V:4:70: error: 'Value' of type float takes a number, not a string [property-type]\n"
 		"/Game/V:4:74: warning: 'Kind' is not a key that is known here; it is ignored [unknown-key]\n");
+}
+
+TEST_F(EngineClasses, FollowLongLinesOfMaterialParents)
+{
+	constexpr int32 NumLevels = 200;
+	const auto PathOf = [](int32 Level) { return "/Game/M" + std::to_string(Level) + ".M" + std::to_string(Level); };
+	for (int32 Level = 0; Level < NumLevels; ++Level)
+	{
+		const std::string Number = std::to_string(Level);
+		AddAsset("/Game/M" + Number, "MaterialInstanceConstant",
+			R"("Parent":")" + (Level > 0 ? PathOf(Level - 1) : "/Game/None.None") +
+				R"(","ScalarParameters":[{"Name":"Shared","Value":)" + Number + R"(},{"Name":"P)" + Number + R"(","Value":1}])");
+	}
+	const auto ExpectAll = [&](int32 Level)
+	{
+		std::string Expected = "Shared=" + std::to_string(Level) + ".0";
+		for (int32 Above = 0; Above <= Level; ++Above)
+			Expected += " P" + std::to_string(Above) + "=1.0";
+		const auto* const Material = LoadObject<UMaterialInterface>(PathOf(Level));
+		ASSERT_TRUE(Material);
+		EXPECT_EQ(Scalars(*Material), Expected);
+		float Value = -1;
+		EXPECT_TRUE(Material->GetScalarParameterValue({"Shared"}, Value)) << "asked for by name alone";
+		EXPECT_EQ(Value, static_cast<float>(Level));
+		EXPECT_FALSE(Material->GetScalarParameterValue({FName("P" + FString::FromInt(Level + 1))}, Value));
+	};
+	for (const int32 Level : {NumLevels - 1, 0, 63, 64, 65, 128, NumLevels - 1})
+		ExpectAll(Level);
+	UnloadPackage(FindPackage("/Game/M100"));
+	AddAsset("/Game/M100", "MaterialInstanceConstant", R"("Parent":null,"ScalarParameters":[{"Name":"New","Value":5}])");
+	const std::string Seen = Scalars(*LoadObject<UMaterialInterface>(PathOf(102)));
+	EXPECT_EQ(Seen, "New=5.0 Shared=102.0 P101=1.0 P102=1.0") << "a parent that was loaded anew";
 }
 
 TEST_F(EngineClasses, GenerateClassesFromBlueprints)

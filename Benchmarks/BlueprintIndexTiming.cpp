@@ -100,7 +100,7 @@ public:
 		return true;
 	}
 	void ParseBody(std::string&) override {}
-	bool ReadBody(const FString&, UPackage&, FDiagnosticSink*) override { return false; }
+	TUniquePtr<IPackageBody> OpenBody(const FString&, UPackage&, FDiagnosticSink*) override { return nullptr; }
 
 private:
 	const uint32 NumEntries;

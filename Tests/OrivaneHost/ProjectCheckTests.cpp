@@ -30,27 +30,47 @@ TEST(ProjectCheck, NamesFaultsOfMaterials)
 		"M_Odd.vasset:1:258: error: the number is out of range for 'Value' of type float [property-range]\n"
 		"M_Odd.vasset:1:274: warning: the list has a parameter 'a' already; the first one counts [repeated-parameter]\n"
 		"M_Odd.vasset:1:376: error: the number is out of range for 'R' of type float [property-range]\n"
-		"MI_2.vasset: error: parents of a material instance lead back to it: /Game/mi_2.mi_2 -> /Game/MI_3.MI_3 -> "
-		"/Game/mi_2.mi_2 [parent-cycle]\n"
+		"MI_2.vasset: error: parents of a material instance lead back to it: /Game/MI_2.MI_2 -> /Game/MI_3.MI_3 -> "
+		"/Game/MI_2.MI_2 [parent-cycle]\n"
 		"MI_Lost.vasset:1:333: error: there is no object /Game/MI_Gone.MI_Gone [bad-reference]\n"
 		"MI_Self.vasset: error: parents of a material instance lead back to it: /Game/MI_Self.MI_Self -> "
 		"/Game/MI_Self.MI_Self [parent-cycle]\n");
 }
 
-TEST(ProjectCheck, NamesLongLinesOfParentsOnce)
+TEST(ProjectCheck, NamesRingsThatCrossPackages)
 {
-	for (const int32 NumInstances : {64, 65, 70})
+	FTestProject Project;
+	const auto Tree = [&Project](const std::string& Name, const std::string& SubTrees)
 	{
-		FTestProject Project;
-		Project.Material("/Game/M_0");
-		for (int32 Level = 1; Level <= NumInstances; ++Level)
-			Project.MaterialInstance("/Game/M_" + std::to_string(Level), "/Game/M_" + std::to_string(Level - 1));
-		EXPECT_EQ(Check(Project),
-			NumInstances == 64
-				? ""
-				: "M_65.vasset: warning: a material instance has more than 64 parents above it; parameters of those "
-				  "beyond are not seen [long-parents]\n");
-	}
+		Project.Asset("/Game/" + Name, "BehaviorTree")
+			.Set("RootNode", R"("^Root")")
+			.Inner("Root", "BTComposite_Sequence",
+				R"("Children": [{"ChildTask": "^Root.Run"}, {"ChildTask": "^Root.Other"}, {"ChildTask": "^Root.Run"}])")
+			.Inner("Root.Run", "BTTask_RunBehavior", R"("BehaviorAsset": )" + SubTrees)
+			.Inner("Root.Other", "BTTask_RunBehavior", R"("BehaviorAsset": "/Game/BT_Leaf.BT_Leaf")")
+			.Inner("Unused", "BTTask_RunBehavior", R"("BehaviorAsset": "/Game/BT_A.BT_A")");
+	};
+	Tree("BT_A", R"("/Game/BT_B.BT_B")");
+	Tree("BT_B", R"("/Game/BT_C.BT_C")");
+	Tree("BT_C", R"("/Game/BT_A.BT_A")");
+	Tree("BT_Out", R"("/Game/BT_C.BT_C")");
+	Tree("BT_Self", R"("/Game/BT_Self.BT_Self")");
+	Project.Asset("/Game/BT_Leaf", "BehaviorTree");
+	Project.Asset("/Game/BB_A", "BlackboardData").Set("Parent", R"("/Game/BB_B.BB_B")");
+	Project.Asset("/Game/BB_B", "BlackboardData").Set("Parent", R"("/Game/BB_A.BB_A")");
+	Project.Asset("/Game/S_A", "UserDefinedStruct").Set("SuperStruct", R"("/Game/S_B.S_B")");
+	Project.Asset("/Game/S_B", "UserDefinedStruct").Set("SuperStruct", R"("/Game/S_A.S_A")");
+	EXPECT_EQ(Check(Project),
+		"BB_A.vasset: error: parents of a blackboard lead back to it: /Game/BB_A.BB_A -> /Game/BB_B.BB_B -> /Game/BB_A.BB_A "
+		"[parent-cycle]\n"
+		"BT_A.vasset: warning: trees that a behaviour tree runs lead back to it: /Game/BT_A.BT_A -> /Game/BT_B.BT_B -> "
+		"/Game/BT_C.BT_C -> /Game/BT_A.BT_A [subtree-cycle]\n"
+		"BT_Self.vasset: warning: trees that a behaviour tree runs lead back to it: /Game/BT_Self.BT_Self -> "
+		"/Game/BT_Self.BT_Self [subtree-cycle]\n"
+		"S_A.vasset:1:255: error: the parent /Game/S_B.S_B is left out: parents and values lead in a ring: /Game/S_A.S_A -> "
+		"/Game/S_B.S_B -> /Game/S_A.S_A [parent-cycle]\n"
+		"S_B.vasset:1:255: error: the parent /Game/S_A.S_A is left out: parents and values lead in a ring: /Game/S_A.S_A -> "
+		"/Game/S_B.S_B -> /Game/S_A.S_A [parent-cycle]\n");
 }
 
 TEST(ProjectCheck, NamesFaultsOfParticleSystems)

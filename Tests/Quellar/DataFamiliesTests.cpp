@@ -65,8 +65,33 @@ TEST(StructFamily, SurvivesCyclesOfParents)
 	Project.Asset("/Game/S_B", "UserDefinedStruct").Set("SuperStruct", R"("/Game/S_A.S_A")");
 	Project.Asset("/Game/S_Self", "UserDefinedStruct").Set("SuperStruct", R"("/Game/S_Self.S_Self")");
 	EXPECT_EQ(Render(Project.Search("Struct", "S_")),
-		"S_A: SuperStruct S_B @Struct | S_B: AssetName S_B @Struct | S_Self: AssetName S_Self @Struct");
-	EXPECT_EQ(Project.Check(), "S_B.vasset error declaration\nS_Self.vasset error bad-reference");
+		"S_A: AssetName S_A @Struct | S_B: AssetName S_B @Struct | S_Self: AssetName S_Self @Struct");
+	EXPECT_EQ(Project.Check(), "S_A.vasset error parent-cycle\nS_B.vasset error parent-cycle\nS_Self.vasset error parent-cycle");
+}
+
+/** Fields, columns and properties alike: place, name and type are shown, values are not read. */
+TEST(StructFamily, ShowsTypesThatNothingDeclares)
+{
+	FTestProject Project;
+	Project.Asset("/Game/S_Odd", "UserDefinedStruct")
+		.Set("Fields", R"([{"name": "Shape_1", "authored": "Shape", "type": "struct</Game/S_Gone.S_Gone>"},
+			{"name": "Count_2", "type": "int"}])");
+	Project.Asset("/Game/DT_Odd", "DataTable")
+		.Set("RowStruct", R"("/Game/S_Odd.S_Odd")")
+		.Set("Rows", R"({"A": {"Shape_1": {"X": 1}, "Count_2": 3}})");
+	Project.Asset("/Game/BP_Odd", "Blueprint")
+		.Tags(R"("GeneratedClass": "/Game/BP_Odd.BP_Odd_C", "ParentClass": "/Script/Engine.DataAsset")")
+		.Set("ParentClass", R"("/Script/Engine.DataAsset")")
+		.Set("NewVariables", R"([{"name": "Shape", "type": "/Game/S_Gone.S_Gone", "default": "text"}])");
+	Project.Asset("/Game/DA_Odd", "/Game/BP_Odd.BP_Odd_C").Set("Shape", "7");
+	EXPECT_EQ(Render(Project.Search("Struct", "")),
+		"S_Odd: PropertyName Shape_1 @Properties; PropertyType struct</Game/S_Gone.S_Gone> @Properties; PropertyName Count_2 "
+		"@Properties; PropertyType IntProperty @Properties");
+	EXPECT_EQ(
+		Render(Project.Search("DataTable", "shape")), "DT_Odd: ColumnName Shape:struct</Game/S_Gone.S_Gone> @Schema/Columns");
+	EXPECT_EQ(Render(Project.Search("DataAsset", "")), "DA_Odd: ClassName BP_Odd_C @Class; PropertyName Shape @Properties");
+	EXPECT_EQ(Project.Check(),
+		"BP_Odd.vasset warning unknown-type\nS_Odd.vasset warning no-such-package\nS_Odd.vasset warning unknown-type");
 }
 
 TEST(StructFamily, LendsItsStructuresToTables)

@@ -60,6 +60,9 @@ TEST(DataTableFamily, NamesColumnTypes)
 		{"delegate", "DelegateProperty"},
 		{"multicast_delegate", "MulticastDelegateProperty"},
 		{"field_path", "FieldPathProperty"},
+		{"vector", "vector"}, // nothing declares it, as the next ones
+		{"array< struct</Game/S_Gone.S_Gone>>", "array< struct</Game/S_Gone.S_Gone>>"},
+		{"enum</Script/Test.EGone>", "enum</Script/Test.EGone>"},
 	};
 	FTestProject Project;
 	Project.Table("/Game/DT_Inner", "Inner").Column("Unused", "int");
@@ -97,9 +100,9 @@ TEST(DataTableFamily, ReadsTenColumns)
 	FTestProject Project;
 	FTestTable& Table = Project.Table("/Game/DT_Wide", "WideRow");
 	for (int32 Column = 1; Column <= 15; ++Column)
-		Table.Column("Field" + std::to_string(Column) + "_", "int");
+		Table.Column("Field" + std::to_string(Column) + "_", Column == 3 ? "struct</Script/Test.Gone>" : "int");
 	EXPECT_EQ(Render(Project.Search("DataTable", "Field10_")), "DT_Wide: ColumnName Field10_:int @Schema/Columns");
-	EXPECT_EQ(Render(Project.Search("DataTable", "Field12_")), "");
+	EXPECT_EQ(Render(Project.Search("DataTable", "Field11_")), "") << "a column of an undeclared type is one of the ten";
 }
 
 TEST(DataTableFamily, FiltersByFolderAndExclusion)

@@ -66,9 +66,8 @@ TEST(NiagaraFamily, ReadsSystemsInMemory)
 			"@Niagara/Renderer; RendererType SpriteRenderer @Niagara/Renderer x2; RendererName GlowHalo @Niagara/Renderer; "
 			"EmitterName Lost @Niagara/Emitter; UserParamName User.Tint @Niagara/UserParameters; UserParamType Colour "
 			"@Niagara/UserParameters; UserParamName User.Rate @Niagara/UserParameters; UserParamType Invalid "
-			"@Niagara/UserParameters; UserParamName User.Target @Niagara/UserParameters; UserParamType BP_Lamp_C "
-			"@Niagara/UserParameters"},
-		{"a type that is no class or structure", "invalid", "NS_Sparks: UserParamType Invalid @Niagara/UserParameters"},
+			"@Niagara/UserParameters x2; UserParamName User.Target @Niagara/UserParameters"},
+		{"a type that is no class or structure", "invalid", "NS_Sparks: UserParamType Invalid @Niagara/UserParameters x2"},
 		{"the own name only when nothing else matched", "NS_", "NS_Sparks: AssetName NS_Sparks @Niagara"},
 	};
 	for (const auto& Case : Cases)
@@ -79,6 +78,73 @@ TEST(NiagaraFamily, ReadsSystemsInMemory)
 	EXPECT_EQ(FindPackage("/Game/ET_Fire"), nullptr) << "reading a system loads nothing";
 	SetMode(2);
 	EXPECT_EQ(Render(Project.Search("NiagaraSystem", "")), "");
+}
+
+TEST(NiagaraFamily, ResolvesReferencesByTheRegistryWhateverIsInMemory)
+{
+	const struct
+	{
+		const char* Why;
+		const char* Path;
+		const char* Type;	// what a user parameter shows
+		const char* Effect; // what the system shows as its effect type
+	} Cases[] = {
+		{"a declared structure", "/Script/FX.Colour", "Colour", "Colour"},
+		{"nothing declares it", "/Script/FX.Gone", "Invalid", ""},
+		{"the class of a Blueprint, spelled like its file", "/game/types/bp_lamp.BP_LAMP_c", "BP_Lamp_C", "BP_Lamp_C"},
+		{"a Blueprint is no class itself", "/Game/Types/BP_Lamp.BP_Lamp", "Invalid", "BP_Lamp"},
+		{"an asset without a class of its own", "/Game/Types/ET.ET_C", "Invalid", ""},
+		{"a structure that is an asset", "/Game/Types/S_Tint.S_Tint", "S_Tint", "S_Tint"},
+		{"an asset of another class", "/Game/Types/ET.ET", "Invalid", "ET"},
+		{"no such package", "/Game/Types/Gone.Gone", "Invalid", ""},
+		{"no such asset in the package", "/Game/Types/ET.Gone", "Invalid", ""},
+		{"of a class that nothing declares", "/Game/Types/ET_Odd.ET_Odd", "Invalid", ""},
+		{"of a Blueprint's class", "/Game/Types/ET_Made.ET_Made", "Invalid", "ET_Made"},
+		{"of a class that no Blueprint makes", "/Game/Types/ET_Lost.ET_Lost", "Invalid", ""},
+		{"an asset inside an asset", "/Game/Types/ET.ET:Listed", "Invalid", "Listed"},
+		{"an object inside an asset that the registry does not list", "/Game/Types/ET.ET:Inner", "Invalid", ""},
+		{"the registry's word counts where the body has another class", "/Game/Types/Liar.Liar", "Liar", "Liar"},
+		{"an object in the system's own package", "NS_Asks:Inner", "Invalid", "Inner"},
+		{"no object in the system's own package", "NS_Asks:Gone", "Invalid", ""},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		FTestProject Project;
+		Describe(Project);
+		Project.Asset("/Game/Types/BP_Lamp", "Blueprint").Set("ParentClass", R"("/Script/Engine.DataAsset")");
+		Project.Asset("/Game/Types/S_Tint", "UserDefinedStruct");
+		Project.File(
+			"Content/Types/ET.vasset", R"({"varnel_package": 1, "assets": [{"name": "ET", "class": "/Script/FX.EffectKind"},
+			{"name": "Listed", "class": "/Script/FX.EffectKind", "outer": "/Game/Types/ET.ET"}],
+			"objects": [{"path": "ET", "class": "/Script/FX.EffectKind"}, {"path": "ET:Inner", "class": "/Script/FX.EffectKind"},
+			{"path": "ET:Listed", "class": "/Script/FX.EffectKind"}]})");
+		Project.Objects(
+			"/Game/Types/Liar", "/Script/Engine.UserDefinedStruct", R"({"path": "Liar", "class": "/Script/FX.EffectKind"})");
+		Project.Asset("/Game/Types/ET_Odd", "/Script/FX.Undeclared");
+		Project.Asset("/Game/Types/ET_Made", "/Game/Types/BP_Lamp.BP_Lamp_C");
+		Project.Asset("/Game/Types/ET_Lost", "/Game/Types/BP_Gone.BP_Gone_C");
+		Project.Asset("/Game/NS_Asks", "NiagaraSystem")
+			.Inner("Inner", "/Script/Engine.DataAsset")
+			.Set("EffectType", '"' + std::string(Case.Path) + '"')
+			.Set("UserParameters", R"([{"Name": "P", "Type": ")" + std::string(Case.Path) + R"("}])");
+		Project.Open();
+		SetMode(1);
+		Load("/Game/NS_Asks");
+		const std::string Effect = *Case.Effect ? std::string("EffectType ") + Case.Effect + " @Niagara; " : "";
+		const std::string Expected = "NS_Asks: " + Effect + "UserParamName P @Niagara/UserParameters; UserParamType " +
+			Case.Type + " @Niagara/UserParameters";
+		EXPECT_EQ(Render(Project.Search("NiagaraSystem", "")), Expected);
+		EXPECT_EQ(FindPackage("/Game/Types/ET"), nullptr) << "nothing is loaded";
+
+		Load("/Game/Types");
+		EXPECT_EQ(Render(Project.Search("NiagaraSystem", "")), Expected) << "with all of it in memory";
+		PackageMemory::Forget();
+		UnloadAllLoadedPackages();
+		Load("/Game/Types");
+		Load("/Game/NS_Asks");
+		EXPECT_EQ(Render(Project.Search("NiagaraSystem", "")), Expected) << "in memory when the system was read";
+	}
 }
 
 TEST(NiagaraFamily, StopsAtTheHitCap)

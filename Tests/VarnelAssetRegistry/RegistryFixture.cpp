@@ -37,7 +37,7 @@ public:
 		return true;
 	}
 	void ParseBody(std::string&) override {}
-	bool ReadBody(const FString&, UPackage&, FDiagnosticSink*) override { return false; }
+	TUniquePtr<IPackageBody> OpenBody(const FString&, UPackage&, FDiagnosticSink*) override { return nullptr; }
 
 private:
 	static bool ReadLine(std::string_view Word, std::string_view Line, FPackageHeader& Out)

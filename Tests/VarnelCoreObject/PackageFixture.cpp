@@ -24,6 +24,11 @@ UClass* UTestBlueprint::StaticClass()
 	return Class;
 }
 
+void UTestBlueprint::MakeTypes(const FJsonRef&, FPropertyReader&)
+{
+	NewObject(UClass::StaticClass(), GetPackage(), FName(GetName() + "_C"));
+}
+
 bool UTestBlueprint::ReadCustomProperty(FStringView Key, const FJsonRef&, FPropertyReader&)
 {
 	return Key == "ParentClass" || Key == "NewVariables";
@@ -34,10 +39,29 @@ void UTestBlueprint::PostReadProperties(const FJsonRef& Properties, FPropertyRea
 	const FJsonRef Parent = Properties.Find("ParentClass");
 	UClass* const ParentClass = Parent ? LoadObject<UClass>(Parent.Text()) : nullptr;
 	if (!ParentClass)
-		return Reader.Report(Properties, EDiagnosticSeverity::Error, "no-parent", "the parent class cannot be had");
-	auto* const Generated = static_cast<UClass*>(NewObject(UClass::StaticClass(), GetPackage(), FName(GetName() + "_C")));
+		Reader.Report(Properties, EDiagnosticSeverity::Error, "no-parent", "the parent class cannot be had");
+	auto* const Generated = static_cast<UClass*>(StaticFindObjectFast(nullptr, GetPackage(), FName(GetName() + "_C")));
 	Generated->SetSuperStruct(ParentClass);
-	Reader.ReadDeclarations(*Generated, Properties.Find("NewVariables"));
+	Reader.AddDeclarations(*Generated, Properties.Find("NewVariables"), Parent);
+}
+
+bool ReadBody(IPackageReader& Reader, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
+{
+	const TUniquePtr<IPackageBody> Body = Reader.OpenBody(FileName, Package, Diagnostics);
+	if (!Body)
+		return false;
+	std::vector<UStruct*> Types;
+	Body->DeclareTypes(Types);
+	for (UStruct* const Type : LinkTypes(Types))
+		Body->CompleteType(*Type);
+	Body->FillObjects();
+	return true;
+}
+
+void DeclareAlone(FPropertyReader& Reader, UStruct& Type, const FJsonRef& Declarations)
+{
+	Reader.AddDeclarations(Type, Declarations, Declarations);
+	Reader.FinishDeclarations(Type);
 }
 
 FPackageFiles::FPackageFiles()
@@ -48,8 +72,10 @@ FPackageFiles::FPackageFiles()
 	SetPackageLocator(
 		[this](FName Name) -> TOptional<FPackageFile>
 		{
-			const auto Found = std::find_if(
-				Files.begin(), Files.end(), [Name](const auto& File) { return FName(FStringView(File.first)) == Name; });
+			auto Found = Files.find(Name.ToString().ToStdString());
+			if (Found == Files.end()) // spelled otherwise, perhaps
+				Found = std::find_if(
+					Files.begin(), Files.end(), [Name](const auto& File) { return FName(FStringView(File.first)) == Name; });
 			if (Found == Files.end())
 				return std::nullopt;
 			FFile& File = Found->second;

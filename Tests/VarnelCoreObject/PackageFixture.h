@@ -27,9 +27,15 @@ class UTestBlueprint : public UObject
 {
 public:
 	static UClass* StaticClass();
+	void MakeTypes(const FJsonRef& Properties, FPropertyReader& Reader) override;
 	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
 	void PostReadProperties(const FJsonRef& Properties, FPropertyReader& Reader) override;
 };
+
+/** Goes through the steps of reading a package's body one after another; false where it is malformed. */
+bool ReadBody(IPackageReader& Reader, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics);
+/** Declares a type, links it and completes it. */
+void DeclareAlone(FPropertyReader& Reader, UStruct& Type, const FJsonRef& Declarations);
 
 /** Packages in memory, found by the loader as files. */
 class FPackageFiles : public testing::Test

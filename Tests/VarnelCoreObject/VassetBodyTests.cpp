@@ -129,8 +129,8 @@ TEST_F(VassetBody, LeavesOutFaultyObjectsAlone)
 		{"keys unknown and repeated", R"({"path":"A","class":"/Script/Test.Node",^"x":0,"properties":{"Number":1,^"Number":2}})",
 			"A Node", "warning unknown-key\nwarning repeated-key"},
 		{"no properties at all", R"({"path":"A","class":"/Script/Test.Node"})", "A Node", ""},
-		{"no properties where a class depends on them", R"({"path":"BP","class":"/Script/Engine.Blueprint"})", "BP Blueprint",
-			"1:1 error no-parent"},
+		{"no properties where a class depends on them", R"({"path":"BP","class":"/Script/Engine.Blueprint"})",
+			"BP Blueprint\nBP_C Class", "1:1 error no-parent"},
 	};
 	for (const auto& Case : Cases)
 	{
@@ -180,7 +180,7 @@ TEST_F(VassetBody, ReportsWhatTheHeaderHasNotSeen)
 		FDiagnosticSink Sink;
 		EXPECT_TRUE(Reader->ReadHeader(Bytes, "P.vasset", Header, &Sink));
 		Reader->ParseBody(Bytes);
-		EXPECT_TRUE(Reader->ReadBody("P.vasset", *Package, &Sink));
+		EXPECT_TRUE(ReadBody(*Reader, "P.vasset", *Package, &Sink));
 		EXPECT_EQ(RenderFaults(Sink), Marked.Place(Case.Faults));
 		UnloadPackage(Package);
 	}
@@ -202,7 +202,7 @@ TEST_F(VassetBody, LeavesNothingBehindAMalformedBody)
 		std::string Bytes = Text;
 		FDiagnosticSink Sink;
 		Reader->ParseBody(Bytes);
-		EXPECT_FALSE(Reader->ReadBody("P.vasset", *Package, &Sink)) << Text;
+		EXPECT_FALSE(ReadBody(*Reader, "P.vasset", *Package, &Sink)) << Text;
 		EXPECT_EQ(Sink.NumErrors(), 1) << Text;
 	}
 	EXPECT_EQ(List(Package), "");

@@ -121,7 +121,7 @@ protected:
 		UPackage* const Package = FindPackage("/Game/Fuzz", true);
 		FDiagnosticSink Sink;
 		Reader->ParseBody(Bytes);
-		const bool bRead = Reader->ReadBody("Fuzz.vasset", *Package, &Sink);
+		const bool bRead = ::ReadBody(*Reader, "Fuzz.vasset", *Package, &Sink);
 		EXPECT_TRUE(bRead || List(Package).empty());
 		EXPECT_TRUE(bRead || Sink.NumErrors() > 0);
 		UnloadPackage(Package);

@@ -2,9 +2,9 @@
 
 #include "Core/File.h"
 #include "CoreObject/Loader.h"
-#include "ParentCheck.h"
 #include "Project.h"
 #include "Quellar/TextSearch.h"
+#include "RingCheck.h"
 
 #include <algorithm>
 #include <vector>
@@ -118,7 +118,7 @@ void CheckObjects(const UPackage& Package, FDiagnosticSink& Diagnostics)
 		Object->CheckData(Report);
 }
 
-void LoadEveryPackage(FParentCheck& Parents, FDiagnosticSink& Diagnostics, const std::stop_token& Stop)
+void LoadEveryPackage(FRingCheck& Rings, FDiagnosticSink& Diagnostics, const std::stop_token& Stop)
 {
 	const TArray<FName> Packages = FProject::ListPackages();
 	const FPackagePrefetch Prefetch(
@@ -133,7 +133,7 @@ void LoadEveryPackage(FParentCheck& Parents, FDiagnosticSink& Diagnostics, const
 		if (!Package)
 			continue;
 		CheckObjects(*Package, Diagnostics);
-		Parents.Add(*Package);
+		Rings.Add(*Package);
 	}
 }
 }
@@ -173,10 +173,10 @@ void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop)
 	FReferenceCheck References(Diagnostics);
 	SetLoadDiagnostics(&Diagnostics);
 	SetReferenceListener([&References](const FForeignReference& Reference) { References.Add(Reference); });
-	FParentCheck Parents;
-	LoadEveryPackage(Parents, Diagnostics, Stop);
+	FRingCheck Rings;
+	LoadEveryPackage(Rings, Diagnostics, Stop);
 	SetReferenceListener(nullptr);
 	SetLoadDiagnostics(nullptr);
 	References.Settle(Stop);
-	Parents.Report(Diagnostics);
+	Rings.Report(Diagnostics);
 }

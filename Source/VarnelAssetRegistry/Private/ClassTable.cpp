@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace
 {
@@ -34,18 +35,18 @@ void GroupByRow(const std::vector<uint32>& RowOf, std::size_t NumRows, std::vect
 	}
 }
 
-/** Takes the parent away where following the parents would come back to a class that was passed. */
+/** Takes the parent away from every class that is among its own parents, as objects of such classes have it. */
 void CutCircles(std::vector<uint32>& Parents)
 {
 	std::vector<uint32> PassedFrom(Parents.size(), NoId); // the class whose walk came by first
 	for (uint32 Class = 0; Class < Parents.size(); ++Class)
 	{
-		for (uint32 At = Class; At != NoId && PassedFrom[At] == NoId; At = Parents[At])
-		{
+		uint32 At = Class;
+		for (; At != NoId && PassedFrom[At] == NoId; At = Parents[At])
 			PassedFrom[At] = Class;
-			if (Parents[At] != NoId && PassedFrom[Parents[At]] == Class)
-				Parents[At] = NoId;
-		}
+		const bool bCameBack = At != NoId && PassedFrom[At] == Class;
+		while (bCameBack && At != NoId)
+			At = std::exchange(Parents[At], NoId);
 	}
 }
 }

@@ -20,7 +20,7 @@ public:
 
 	/**
 	 * Sorts the classes, gives those in Draft.AssetClasses their final ids, and fills the columns by class. Where parents form a
-	 * circle, one of its classes loses its parent. The sorted paths are appended to OutPaths.
+	 * circle, each of its classes loses its parent. The sorted paths are appended to OutPaths.
 	 */
 	void Finish(FRegistryDraft& Draft, FTextTable& OutPaths);
 

@@ -4,6 +4,8 @@
 
 namespace
 {
+constexpr int32 MaxNamedMembers = 8;
+
 /** Total order: faults that differ only in the case of their file's name do not depend on who reported first either. */
 bool IsBefore(const FDiagnostic& A, const FDiagnostic& B)
 {
@@ -38,6 +40,16 @@ FString FDiagnostic::ToString() const
 	if (!Rule.IsEmpty())
 		Out += " [" + Rule + "]";
 	return Out;
+}
+
+FString DescribeRing(const TArray<FString>& Members)
+{
+	FString Out;
+	for (int32 Index = 0; Index < Members.Num() && Index < MaxNamedMembers; ++Index)
+		Out += Members[Index] + " -> ";
+	if (Members.Num() > MaxNamedMembers)
+		Out += "... -> ";
+	return Out + Members[0];
 }
 
 void FDiagnosticSink::Add(FDiagnostic Diagnostic)

@@ -56,69 +56,51 @@ FProperty* UStruct::AddProperty(TUniquePtr<FProperty> Property)
 
 bool UStruct::SetSuperStruct(UStruct* InSuper)
 {
-	if (IsLinked())
-		return false;
-	int32 NumParents = 0;
-	for (const UStruct* Parent = InSuper; Parent; Parent = Parent->Super)
-		if (Parent == this || ++NumParents > MaxStructDepth)
-			return false;
-	Super = InSuper;
-	return true;
+	if (!IsLinked())
+		DeclaredSuper = InSuper;
+	return !IsLinked();
 }
 
-void UStruct::Link(TArray<FString>* OutFaults)
+void UStruct::Link(TArray<FLinkFault>* OutFaults)
 {
-	if (LinkState != ELinkState::Linked)
-		Layout();
+	LinkTypes({this});
 	if (OutFaults)
-		OutFaults->Append(std::exchange(UnreportedFaults, {}));
+		OutFaults->Append(std::exchange(LinkFaults, {}));
 }
 
-void UStruct::BeginLayout()
+void UStruct::LoseParent(const char* Rule, const FString& Why)
 {
-	if (LinkState == ELinkState::Open)
-		LinkState = ELinkState::Linking;
+	LinkFaults.Add({.Rule = Rule, .Text = "the parent " + DeclaredSuper->GetPathName() + " is left out: " + Why});
+	DeclaredSuper = nullptr;
+}
+
+void UStruct::LoseValue(int32 Index, const char* Rule, const FString& Why)
+{
+	TUniquePtr<FProperty>& Property = Properties[static_cast<std::size_t>(Index)];
+	auto Unread = MakeUnique<FUnreadProperty>(Property->GetFName(), Property->GetTypeText());
+	LinkFaults.Add({Index, Rule,
+		"values of property '" + Property->GetName() + "' of type " + Property->GetTypeText() + " are not read: " + Why});
+	Unread->SetOwnerStruct(this);
+	Unread->SetDeprecated(Property->IsDeprecated());
+	Unread->SetAuthoredName(Property->GetAuthoredName());
+	Property = std::move(Unread);
 }
 
 void UStruct::Layout()
 {
-	LinkState = ELinkState::Linking;
 	PlaceParent();
-	const std::size_t NumDropped =
-		std::erase_if(Properties, [this](const TUniquePtr<FProperty>& Property) { return !PlaceProperty(*Property); });
-	if (NumDropped > 0)
-		PropertyIndices.Empty();
-	for (std::size_t Index = 0; NumDropped > 0 && Index < Properties.size(); ++Index)
-		PropertyIndices.Add(Properties[Index]->GetFName(), static_cast<int32>(Index));
+	for (int32 Index = 0; Index < static_cast<int32>(Properties.size()); ++Index)
+		PlaceProperty(Index);
+	DropPropertiesOfParents();
 	PropertiesSize = std::max(AlignUp(PropertiesSize, Alignment), 1);
-	LinkState = ELinkState::Linked;
-}
-
-/** Links another structure that this one waits for; false when that one cannot be complete now. */
-bool UStruct::LinkOther(UStruct& Other)
-{
-	static int32 NumWaiting = 0;
-	if (Other.LinkState == ELinkState::Open && Other.CanBeLinkedByOthers() && NumWaiting < MaxStructDepth)
-	{
-		++NumWaiting;
-		Other.Layout();
-		--NumWaiting;
-	}
-	return Other.IsLinked();
+	bLinked = true;
 }
 
 void UStruct::PlaceParent()
 {
-	const char* Fault = nullptr;
-	if (Super && !LinkOther(*Super))
-		Fault = "it is not complete itself";
-	else if (Super && Super->Depth >= MaxStructDepth)
-		Fault = "it has too many parents itself";
-	if (Fault)
-	{
-		UnreportedFaults.Add("the parent '" + Super->GetName() + "' is left out: " + Fault);
-		Super = nullptr;
-	}
+	if (DeclaredSuper && DeclaredSuper->Depth >= MaxStructDepth)
+		LoseParent("too-deep", "it has too many parents itself");
+	Super = DeclaredSuper;
 	if (!Super && IsA<UClass>())
 		Super = UObject::StaticClass();
 	if (!Super)
@@ -129,34 +111,44 @@ void UStruct::PlaceParent()
 	ValueDepth = Super->ValueDepth;
 }
 
+void UStruct::DropPropertiesOfParents()
+{
+	if (std::erase(Properties, nullptr) == 0)
+		return;
+	PropertyIndices.Empty();
+	for (std::size_t Index = 0; Index < Properties.size(); ++Index)
+		PropertyIndices.Add(Properties[Index]->GetFName(), static_cast<int32>(Index));
+}
+
 /** Why values of the property cannot lie in this structure; null when they can. */
-const char* UStruct::FindFault(const FProperty& Property)
+const char* UStruct::FindFault(const FProperty& Property) const
 {
 	const auto* const Holder = CastField<FStructProperty>(&Property);
-	if (Holder && !LinkOther(Holder->GetStruct()))
-		return Holder->GetStruct().LinkState == ELinkState::Linking ? "the structure would hold itself"
-																	: "the structure is not complete";
 	if (Holder && Holder->GetStruct().ValueDepth >= MaxStructDepth)
 		return "too many structures lie inside each other";
 	if (Property.GetSize() > MaxInstanceBytes - AlignUp(PropertiesSize, Property.GetAlignment()))
-		return "values would take too much memory";
+		return "they would take too much memory";
 	return nullptr;
 }
 
-bool UStruct::PlaceProperty(FProperty& Property)
+/** Leaves nothing in the place of a property that a parent has too. */
+void UStruct::PlaceProperty(int32 Index)
 {
-	if (const char* const Fault = FindFault(Property))
+	TUniquePtr<FProperty>& Property = Properties[static_cast<std::size_t>(Index)];
+	if (const FProperty* const Earlier = Super ? Super->FindPropertyByName(Property->GetFName()) : nullptr)
 	{
-		UnreportedFaults.Add(
-			"property '" + Property.GetName() + "' of type " + Property.GetTypeText() + " is left out: " + Fault);
-		return false;
+		LinkFaults.Add({Index, "repeated-property",
+			"'" + Property->GetName() + "' is a property of " + Earlier->GetOwnerStruct()->GetName() + " already"});
+		Property = nullptr;
+		return;
 	}
-	if (const auto* const Holder = CastField<FStructProperty>(&Property))
+	if (const char* const Fault = FindFault(*Property))
+		LoseValue(Index, "declaration", Fault);
+	if (const auto* const Holder = CastField<FStructProperty>(Property.get()))
 		ValueDepth = std::max(ValueDepth, Holder->GetStruct().ValueDepth + 1);
-	Property.SetOffset(AlignUp(PropertiesSize, Property.GetAlignment()));
-	PropertiesSize = Property.GetOffset() + Property.GetSize();
-	Alignment = std::max(Alignment, Property.GetAlignment());
-	return true;
+	Property->SetOffset(AlignUp(PropertiesSize, Property->GetAlignment()));
+	PropertiesSize = Property->GetOffset() + Property->GetSize();
+	Alignment = std::max(Alignment, Property->GetAlignment());
 }
 
 bool UStruct::ReadDefault(FProperty&, const FJsonRef&, FPropertyReader&)

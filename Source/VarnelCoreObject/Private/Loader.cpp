@@ -3,21 +3,40 @@
 #include "LoadedPackages.h"
 #include "ParseAhead.h"
 
+#include <deque>
+#include <iterator>
+#include <unordered_map>
 #include <vector>
 
 namespace
 {
-/** Packages that wait for one another's classes while they load. Each takes some stack. */
-constexpr std::size_t MaxNestedLoads = 64;
+/** Packages that load others while they are being filled. Each takes some stack; beyond, filling waits until there is room. */
+constexpr int32 MaxNestedFills = 16;
 
-/** A package whose file is being read. */
+/** A package on its way into memory. */
 struct FRunningLoad
 {
-	FName PackageName;
-	FString FileName;
+	FRunningLoad(FName InName, UPackage& InPackage, TUniquePtr<FPackageText> InText)
+		: PackageName(InName)
+		, Package(InPackage)
+		, Text(std::move(InText))
+	{
+	}
+
+	FName PackageName; // as it was asked for
+	UPackage& Package;
+	TUniquePtr<FPackageText> Text;
+	TUniquePtr<IPackageBody> Body;
+	std::vector<UStruct*> Types;   // declared by the body
 	std::vector<FName> References; // packages that it refers to, so far
 };
+using FRunningLoads = std::deque<TUniquePtr<FRunningLoad>>;
 
+/**
+ * Loads packages in steps. What a package's types need is opened and declared with it, package after package, so that neither the
+ * depth of such chains nor the package that one begins with matters; then all of these types are linked and completed at once;
+ * then each package is filled, which may load others in the same way.
+ */
 class FLoader
 {
 public:
@@ -37,14 +56,25 @@ public:
 
 private:
 	UPackage* LoadFromFile(FName PackageName);
+	UPackage* Open(FName PackageName, TUniquePtr<FPackageText> Text);
+	void DeclareOpened();
+	void CompleteDeclared();
+	void FillCompleted();
+	void Finish(TUniquePtr<FRunningLoad> Load);
 	TUniquePtr<FPackageText> GetParsed(FName PackageName);
-	bool IsRunning(FName PackageName) const;
 	void Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text);
 	FString WhereNeeded(FName PackageName) const;
 
 	FPackageLocator Locator;
 	FDiagnosticSink* Diagnostics = nullptr;
-	std::vector<FRunningLoad> Running; // outermost first
+	THashSet<FName, FKeyHash> Running;
+	FRunningLoads Opened;			 // to be declared
+	FRunningLoads Declared;			 // to be completed
+	FRunningLoads Completed;		 // to be filled
+	FRunningLoad* Current = nullptr; // whose file is being read
+	bool bDeclaring = false;
+	int32 NumCompleting = 0; // levels of CompleteDeclared
+	int32 NumFilling = 0;	 // levels of FillCompleted
 	FLoadedPackages Loaded;
 	FParseAhead* Ahead = nullptr;
 	TSet<FName> Failed;
@@ -66,21 +96,11 @@ UPackage* FLoader::Load(FName PackageName)
 {
 	NoteReference(PackageName); // whoever loads it while being read needs it
 	UPackage* const InMemory = FindPackage(PackageName);
-	if (InMemory && (InMemory->IsFullyLoaded() || IsRunning(PackageName)))
-		return InMemory;
-	if (PackageName.IsNone() || Failed.Contains(PackageName))
-		return InMemory;
-	if (Running.size() >= MaxNestedLoads)
-	{
-		Report(EDiagnosticSeverity::Error, Running.back().FileName, "load-depth",
-			"package " + PackageName.ToString() +
-				" is not loaded: too many packages need the next one's classes while they load");
-		return nullptr;
-	}
-	return LoadFromFile(PackageName);
+	const bool bIsThere = InMemory && (InMemory->IsFullyLoaded() || Running.contains(PackageName));
+	return bIsThere || PackageName.IsNone() || Failed.Contains(PackageName) ? InMemory : LoadFromFile(PackageName);
 }
 
-/** The package as it is in memory where it has no file. */
+/** The package as it is in memory where it has no file; while others are being declared, as it is once opened. */
 UPackage* FLoader::LoadFromFile(FName PackageName)
 {
 	TUniquePtr<FPackageText> Text = GetParsed(PackageName);
@@ -93,25 +113,102 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 				"there is no package " + PackageName.ToString());
 		return InMemory;
 	}
+	FRunningLoad* const Asking = Current;
+	UPackage* const Package = Open(PackageName, std::move(Text));
+	if (!bDeclaring)
+	{
+		DeclareOpened();
+		CompleteDeclared();
+		FillCompleted();
+	}
+	Current = Asking;
+	return Package;
+}
+
+/** Null, and nothing is left, where the file is faulty. */
+UPackage* FLoader::Open(FName PackageName, TUniquePtr<FPackageText> Text)
+{
 	const FPackageFile& File = Text->GetFile();
 	UPackage* const Package = FindPackage(File.PackageName.IsNone() ? PackageName : File.PackageName, true);
-	Running.push_back({PackageName, File.FileName, {}});
-	const bool bRead = Text->BuildObjects(*Package, Diagnostics);
-	std::vector<FName> References = std::move(Running.back().References);
-	Running.pop_back();
-	if (bRead)
+	auto Load = MakeUnique<FRunningLoad>(PackageName, *Package, std::move(Text));
+	Current = Load.get();
+	Load->Body = Load->Text->OpenBody(*Package, Diagnostics);
+	if (Load->Body)
 	{
-		Package->MarkAsFullyLoaded();
-		Loaded.Add(*Package, Text->NumBytes(), std::move(References));
+		Running.insert(PackageName);
+		Opened.push_back(std::move(Load));
+		return Package;
 	}
-	else
-	{
-		Failed.Add(PackageName);
-		UnloadPackage(Package);
-	}
+	Failed.Add(PackageName);
+	UnloadPackage(Package);
 	if (Ahead)
-		Ahead->Recycle(std::move(Text));
-	return bRead ? Package : nullptr;
+		Ahead->Recycle(std::move(Load->Text));
+	return nullptr;
+}
+
+/** Also what is opened meanwhile. */
+void FLoader::DeclareOpened()
+{
+	bDeclaring = true;
+	while (!Opened.empty())
+	{
+		Declared.push_back(std::move(Opened.front()));
+		Opened.pop_front();
+		Current = Declared.back().get();
+		Current->Body->DeclareTypes(Current->Types);
+	}
+	bDeclaring = false;
+}
+
+void FLoader::CompleteDeclared()
+{
+	FRunningLoads Group = std::exchange(Declared, {});
+	std::vector<UStruct*> Types;
+	std::unordered_map<const UStruct*, FRunningLoad*> Owners;
+	for (const TUniquePtr<FRunningLoad>& Load : Group)
+	{
+		for (UStruct* const Type : Load->Types)
+			Owners.emplace(Type, Load.get());
+		Types.insert(Types.end(), Load->Types.begin(), Load->Types.end());
+	}
+	++NumCompleting;
+	for (UStruct* const Type : LinkTypes(Types))
+	{
+		const auto Owner = Owners.find(Type);
+		if (Owner == Owners.end())
+			continue;
+		Current = Owner->second;
+		Current->Body->CompleteType(*Type);
+	}
+	--NumCompleting;
+	std::move(Group.begin(), Group.end(), std::back_inserter(Completed));
+}
+
+/** What is left for lack of room is filled by whoever is filling already. */
+void FLoader::FillCompleted()
+{
+	if (NumCompleting > 0 || NumFilling >= MaxNestedFills)
+		return;
+	++NumFilling;
+	while (!Completed.empty())
+	{
+		TUniquePtr<FRunningLoad> Load = std::move(Completed.front());
+		Completed.pop_front();
+		Current = Load.get();
+		Load->Body->FillObjects();
+		Finish(std::move(Load));
+	}
+	--NumFilling;
+}
+
+void FLoader::Finish(TUniquePtr<FRunningLoad> Load)
+{
+	Load->Body = nullptr; // it looks into the text
+	Load->Package.MarkAsFullyLoaded();
+	Loaded.Add(Load->Package, Load->Text->NumBytes(), std::move(Load->References));
+	Running.erase(Load->PackageName);
+	if (Ahead)
+		Ahead->Recycle(std::move(Load->Text));
 }
 
 /** The package's file, parsed; null when it has none. */
@@ -179,18 +276,11 @@ int32 FLoader::Evict()
 
 void FLoader::NoteReference(FName PackageName)
 {
-	if (Running.empty())
+	if (!Current)
 		return;
-	FRunningLoad& Load = Running.back();
-	const bool bIsNew = Load.References.empty() || !(Load.References.back() == PackageName);
-	if (bIsNew && !(Load.PackageName == PackageName))
-		Load.References.push_back(PackageName);
-}
-
-bool FLoader::IsRunning(FName PackageName) const
-{
-	return std::any_of(
-		Running.begin(), Running.end(), [PackageName](const FRunningLoad& Load) { return Load.PackageName == PackageName; });
+	const bool bIsNew = Current->References.empty() || !(Current->References.back() == PackageName);
+	if (bIsNew && !(Current->PackageName == PackageName))
+		Current->References.push_back(PackageName);
 }
 
 void FLoader::Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text)
@@ -202,7 +292,7 @@ void FLoader::Report(EDiagnosticSeverity Severity, const FString& FileName, cons
 /** The file that asks for a package; the package's own name where nobody knows. */
 FString FLoader::WhereNeeded(FName PackageName) const
 {
-	return Running.empty() ? PackageName.ToString() : Running.back().FileName;
+	return Current ? Current->Text->GetFile().FileName : PackageName.ToString();
 }
 
 /** A path that is not full is one inside Outer. */

@@ -24,7 +24,7 @@ void FClassRegistrar::FillStruct(UStruct& Struct, FNativeTypeDraft& Draft, UStru
 	Struct.PropertiesSize = Draft.Size;
 	Struct.Alignment = Draft.Alignment;
 	Struct.Depth = Super ? Super->Depth + 1 : 0;
-	Struct.LinkState = UStruct::ELinkState::Linked;
+	Struct.bLinked = true;
 	Struct.bNative = true;
 }
 

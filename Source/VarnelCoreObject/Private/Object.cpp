@@ -148,3 +148,8 @@ void DestroyObjects(const TArray<UObject*>& Objects)
 {
 	FObjectTable::Get().Destroy(Objects);
 }
+
+uint64 GetNumDestructions()
+{
+	return FObjectTable::Get().GetNumDestructions();
+}

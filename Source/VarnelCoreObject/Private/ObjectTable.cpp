@@ -167,6 +167,7 @@ void FObjectTable::MoveToEnd(UObject& Outer, const std::vector<UObject*>& Childr
 void FObjectTable::Destroy(const TArray<UObject*>& Roots)
 {
 	const std::vector<UObject*> Doomed = CollectWithNested(Roots);
+	NumDestructions += std::any_of(Doomed.begin(), Doomed.end(), [](const UObject* Object) { return Object->GetOuter(); });
 	std::unordered_map<UObject*, std::vector<UObject*>> RootsByOuter;
 	for (UObject* const Root : Roots)
 		if (Root && Root->OuterPrivate)

@@ -33,6 +33,7 @@ public:
 	const std::vector<UStruct*>& GetTypes() const { return Types; }
 
 	void Destroy(const TArray<UObject*>& Roots);
+	uint64 GetNumDestructions() const { return NumDestructions; }
 
 private:
 	struct FSlot
@@ -62,6 +63,7 @@ private:
 	std::vector<int32> FreeSlots;
 	THashMap<FOuterAndName, UObject*, FPlaceHash> ObjectsByName;
 	std::vector<UStruct*> Types;
+	uint64 NumDestructions = 0;	   // that took more than empty packages
 	std::vector<UStruct*> Retired; // destroyed classes and structures that survivors still need
 };
 

@@ -41,12 +41,12 @@ void FPackageText::Parse()
 		Reader->ParseBody(Bytes);
 }
 
-bool FPackageText::BuildObjects(UPackage& Package, FDiagnosticSink* Diagnostics)
+TUniquePtr<IPackageBody> FPackageText::OpenBody(UPackage& Package, FDiagnosticSink* Diagnostics)
 {
 	if (Outcome == EFileRead::Ok)
-		return Reader->ReadBody(File.FileName, Package, Diagnostics);
+		return Reader->OpenBody(File.FileName, Package, Diagnostics);
 	const FReadFault Fault = Describe(Outcome, File.Source->GetMaxFileBytes());
 	if (Diagnostics)
 		Diagnostics->Add({File.FileName, 0, 0, EDiagnosticSeverity::Error, Fault.Text, Fault.Rule});
-	return false;
+	return nullptr;
 }

@@ -16,8 +16,8 @@ public:
 	/** Of buffers that reuse would keep. */
 	std::size_t GetCapacity() const { return Bytes.capacity(); }
 	const FPackageFile& GetFile() const { return File; }
-	/** Once parsed: fills the package, as IPackageReader::ReadBody does. Game thread. */
-	bool BuildObjects(UPackage& Package, FDiagnosticSink* Diagnostics);
+	/** Once parsed: as IPackageReader::OpenBody does. The body goes before another file is set. Game thread. */
+	TUniquePtr<IPackageBody> OpenBody(UPackage& Package, FDiagnosticSink* Diagnostics);
 
 private:
 	FPackageFile File;

@@ -42,6 +42,7 @@ constexpr FUnreadRow UnreadKinds[] = {
 	{{"DelegateProperty", EFieldCast::Property | EFieldCast::Delegate}, "delegate"},
 	{{"MulticastDelegateProperty", EFieldCast::Property | EFieldCast::MulticastDelegate}, "multicast_delegate"},
 	{{"FieldPathProperty", EFieldCast::Property | EFieldCast::FieldPath}, "field_path"},
+	{{"UndeclaredProperty", EFieldCast::Property | EFieldCast::Undeclared}, ""},
 };
 
 const FUnreadRow& RowOf(EUnreadKind Kind)
@@ -148,7 +149,15 @@ FString FTextProperty::GetTypeText() const
 	return "text";
 }
 
-FUnreadProperty::FUnreadProperty(EUnreadKind InKind, FName InName) : FProperty(RowOf(InKind).Class, InName), Kind(InKind)
+FUnreadProperty::FUnreadProperty(EUnreadKind InKind, FName InName)
+	: FProperty(RowOf(InKind).Class, InName)
+	, TypeText(RowOf(InKind).Word)
+{
+}
+
+FUnreadProperty::FUnreadProperty(FName InName, FString InTypeText)
+	: FProperty(RowOf(EUnreadKind::Undeclared).Class, InName)
+	, TypeText(std::move(InTypeText))
 {
 }
 
@@ -159,5 +168,5 @@ bool FUnreadProperty::ReadValue(void*, const FJsonRef&, FPropertyReader&) const
 
 FString FUnreadProperty::GetTypeText() const
 {
-	return RowOf(Kind).Word;
+	return TypeText;
 }

@@ -1,3 +1,4 @@
+#include "CoreObject/Properties.h"
 #include "CoreObject/PropertyReader.h"
 #include "JsonFaults.h"
 
@@ -57,17 +58,18 @@ TUniquePtr<FProperty> MakeDeclared(
 	const FStringView TypeText = RequireText(Declaration, Type, "type", Reader);
 	if (PropertyName.IsNone() || TypeText.empty())
 		return nullptr;
-	if (const FProperty* const Earlier = Struct.FindPropertyByName(PropertyName))
+	if (Struct.FindOwnProperty(PropertyName))
 	{
 		Reader.Report(Name, EDiagnosticSeverity::Error, "repeated-property",
-			"'" + PropertyName.ToString() + "' is a property of " + Earlier->GetOwnerStruct()->GetName() + " already");
+			"'" + PropertyName.ToString() + "' is a property of " + Struct.GetName() + " already");
 		return nullptr;
 	}
 	FString Fault;
 	TUniquePtr<FProperty> Property = MakeProperty(TypeText, PropertyName, Fault);
-	if (!Property)
-		Reader.Report(Type, EDiagnosticSeverity::Error, "unknown-type", std::move(Fault));
-	return Property;
+	if (Property)
+		return Property;
+	Reader.Report(Type, EDiagnosticSeverity::Warning, "unknown-type", Fault + "; the property's values are not read");
+	return MakeUnique<FUnreadProperty>(PropertyName, FString(TypeText));
 }
 
 void ReadRemarks(FProperty& Property, const FJsonRef& Authored, const FJsonRef& Deprecated, FPropertyReader& Reader)
@@ -83,43 +85,46 @@ void ReadRemarks(FProperty& Property, const FJsonRef& Authored, const FJsonRef& 
 }
 }
 
-void FPropertyReader::ReadDeclarations(UStruct& Struct, const FJsonRef& Declarations)
-{
-	Struct.BeginLayout();
-	AddDeclarations(Struct, Declarations);
-	FinishDeclarations(Struct, Declarations);
-}
-
-void FPropertyReader::AddDeclarations(UStruct& Struct, const FJsonRef& Declarations)
+void FPropertyReader::AddDeclarations(UStruct& Struct, const FJsonRef& Declarations, const FJsonRef& Super)
 {
 	constexpr std::array<FStringView, 5> Keys = {"name", "type", "authored", "default", "deprecated"};
-	std::vector<FPendingDefault>& Defaults = PendingDefaults[&Struct];
+	DeclaredTypes.push_back(&Struct);
+	PendingTypes[&Struct].Super = Super;
 	ForEachObject(Declarations, *this,
-		[this, &Struct, &Defaults, &Keys](const FJsonRef& Declaration)
+		[this, &Struct, &Keys](const FJsonRef& Declaration)
 		{
 			const auto [Name, Type, Authored, Default, Deprecated] = TakeMembers(Declaration, Keys, *this);
 			TUniquePtr<FProperty> Property = MakeDeclared(Struct, Declaration, Name, Type, *this);
 			if (!Property)
 				return;
 			ReadRemarks(*Property, Authored, Deprecated, *this);
-			if (Default)
-				Defaults.push_back({Property->GetFName(), Default});
-			Struct.AddProperty(std::move(Property));
+			if (Struct.AddProperty(std::move(Property)))
+				PendingTypes[&Struct].Properties.push_back(Declaration);
 		});
 }
 
-void FPropertyReader::FinishDeclarations(UStruct& Struct, const FJsonRef& Declarations)
+void FPropertyReader::FinishDeclarations(UStruct& Struct)
 {
-	TArray<FString> Faults;
-	Struct.Link(&Faults);
-	for (FString& Fault : Faults)
-		Report(Declarations, EDiagnosticSeverity::Error, "declaration", std::move(Fault));
-	const auto Defaults = PendingDefaults.extract(&Struct);
-	if (Defaults.empty())
+	const auto Pending = PendingTypes.extract(&Struct);
+	if (Pending.empty())
 		return;
-	for (const FPendingDefault& Default : Defaults.mapped())
-		if (FProperty* const Property = Struct.FindOwnProperty(Default.Property))
-			Struct.ReadDefault(*Property, Default.Value, *this);
+	const FPendingType& Declared = Pending.mapped();
+	TArray<FLinkFault> Faults;
+	Struct.Link(&Faults);
+	for (FLinkFault& Fault : Faults)
+	{
+		const bool bIsParent = Fault.Property == INDEX_NONE;
+		const FJsonRef At =
+			bIsParent ? Declared.Super : Declared.Properties[static_cast<std::size_t>(Fault.Property)].Find("name");
+		Report(At, EDiagnosticSeverity::Error, Fault.Rule, std::move(Fault.Text));
+	}
+	for (const FJsonRef& Declaration : Declared.Properties)
+	{
+		const FJsonRef Default = Declaration.Find("default");
+		FProperty* const Property = Default ? Struct.FindOwnProperty(FName(Declaration.Find("name").Text())) : nullptr;
+		if (Property)
+			Struct.ReadDefault(*Property, Default, *this);
+	}
 }
 
 TArray<UEnum::FEntry> FPropertyReader::ReadEnumEntries(const FJsonRef& List, FStringView EnumName)

@@ -40,6 +40,13 @@ FString GetInnerPath(const FSoftObjectPath& Path)
 	return Path.SubPath.IsEmpty() ? Asset : Asset + ":" + Path.SubPath;
 }
 
+/** The object at a path; null also as long as its package is being loaded. */
+const UObject* FindComplete(const FSoftObjectPath& Path)
+{
+	const UObject* const Object = FObjectPtr(Path).GetIfLoaded();
+	return Object && Object->GetPackage()->IsFullyLoaded() ? Object : nullptr;
+}
+
 /** Where the last member of each key stands. Asked for only where a document repeats keys at all, which is rare. */
 class FLastMembers
 {
@@ -123,9 +130,11 @@ TOptional<FObjectPtr> FPropertyReader::ReadReference(const FJsonRef& Json, const
 	// Paths inside the package are not made into references where an object is there: a name would be kept for good for each of
 	// them.
 	const bool bInPackage = Package && Path.Asset.PackageName == Package->GetFName();
-	const UObject* const Object = bInPackage ? Package->FindInside(GetInnerPath(Path)) : FObjectPtr(Path).GetIfLoaded();
+	const UObject* const Object = bInPackage ? Package->FindInside(GetInnerPath(Path)) : FindComplete(Path);
 	const bool bMustExist = Path.Asset.PackageName.View().starts_with(ScriptRoot);
-	if ((Object || bMustExist) && !CheckReference(Object, Json, Property))
+	const bool bFits = !(Object || bMustExist) || CheckReference(Object, Json, Property);
+	// What is read must not depend on whether another package is in memory: its objects are looked at for the report alone.
+	if (!bFits && (bInPackage || bMustExist))
 		return std::nullopt;
 	if (!bInPackage && !Path.IsNull() && IsHard(Property.GetKind()))
 		NoteReferenceToPackage(Path.Asset.PackageName);

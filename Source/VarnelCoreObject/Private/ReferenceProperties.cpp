@@ -41,7 +41,7 @@ bool FObjectPropertyBase::Accepts(const UObject& Object) const
 	if (!GetReferenceKind(Kind).bToClass)
 		return Object.IsA(Expected);
 	const auto* const Class = Cast<UClass>(&Object);
-	return Class && Class->IsChildOf(Expected);
+	return Class && (!Class->IsLinked() || Class->IsChildOf(Expected));
 }
 
 bool FObjectPropertyBase::ReadValue(void* Value, const FJsonRef& Json, FPropertyReader& Reader) const

@@ -22,12 +22,12 @@ bool IsDeclarableName(std::string_view Name)
 	return PathText::IsObjectName(Name) && Name.find_first_of("<>, ") == std::string_view::npos;
 }
 
-std::vector<UScriptStruct*> StructsNeededBy(const UStruct& Struct)
+int32 CountParents(const UStruct& Type)
 {
-	std::vector<UScriptStruct*> Needed{static_cast<UScriptStruct*>(Struct.GetSuperStruct())};
-	for (const TUniquePtr<FProperty>& Property : Struct.GetOwnProperties())
-		Property->GatherStructs(Needed);
-	return Needed;
+	int32 NumParents = 0;
+	for (const UStruct* Parent = Type.GetSuperStruct(); Parent; Parent = Parent->GetSuperStruct())
+		++NumParents;
+	return NumParents;
 }
 
 /** Packages and classes are made by the program alone. */
@@ -110,21 +110,11 @@ bool FScriptDeclarations::TakeName(FScriptFile& File, const FJsonRef& Owner, con
 
 void FScriptDeclarations::Make()
 {
-	BlueprintClass = FindClass("/Script/Engine.Blueprint");
 	for (FDeclaration& Declaration : Declarations)
 		Settle(Declaration);
 	for (const FDeclaration* Declaration : Settled)
-	{
-		if (Declaration->Properties)
-			Declaration->File->Reader.AddDeclarations(*Declaration->Struct, Declaration->Properties);
-	}
-	for (const FDeclaration* Declaration : OrderByContents())
-		Finish(*Declaration);
-	for (const FDeclaration* Declaration : Settled)
-	{
-		if (Declaration->bIsClass)
-			Finish(*Declaration);
-	}
+		Declaration->File->Reader.AddDeclarations(*Declaration->Struct, Declaration->Properties, Declaration->Super);
+	Finish();
 }
 
 /** Makes a declaration after the parents that it waits for. */
@@ -138,7 +128,7 @@ void FScriptDeclarations::Settle(FDeclaration& First)
 		Line.push_back(Next);
 	}
 	if (Next && Next->State == FDeclaration::EState::Waiting)
-		LeaveOutCycle(Line, *Next);
+		CutRing({std::find(Line.begin(), Line.end(), Next), Line.end()});
 	for (auto Waiting = Line.rbegin(); Waiting != Line.rend(); ++Waiting)
 	{
 		if ((*Waiting)->State == FDeclaration::EState::Waiting)
@@ -146,14 +136,22 @@ void FScriptDeclarations::Settle(FDeclaration& First)
 	}
 }
 
-/** The cycle is what stands in Line from First on. */
-void FScriptDeclarations::LeaveOutCycle(const std::vector<FDeclaration*>& Line, const FDeclaration& First)
+/** Structures lose their parents; classes, which need one, are left out. */
+void FScriptDeclarations::CutRing(const std::vector<FDeclaration*>& Members)
 {
-	for (auto Member = std::find(Line.begin(), Line.end(), &First); Member != Line.end(); ++Member)
+	TArray<FString> Names;
+	for (const FDeclaration* Member : Members)
+		Names.Add(PathIn(*Member->File, Member->Name));
+	const FString Ring = DescribeRing(Names);
+	for (FDeclaration* const Member : Members)
 	{
-		(*Member)->State = FDeclaration::EState::Settled;
-		(*Member)->File->Faults.Error((*Member)->Super.Offset(), "parent-cycle",
-			FJsonFaults::Quote((*Member)->Name) + " is among its own parents, so it is left out");
+		const char* const Outcome = Member->bIsClass ? ", so it is left out: " : ", so it has no parent: ";
+		Member->File->Faults.Error(Member->Super.Offset(), "parent-cycle",
+			FJsonFaults::Quote(Member->Name) + " is among its own parents" + Outcome + Ring);
+		if (Member->bIsClass)
+			Member->State = FDeclaration::EState::Settled;
+		else
+			Member->Super = FJsonRef();
 	}
 }
 
@@ -163,18 +161,18 @@ void FScriptDeclarations::MakeStruct(FDeclaration& Declaration)
 	UStruct* Parent = nullptr;
 	if (!FindParent(Declaration, Parent))
 		return;
-	UClass* const Kind = Declaration.bIsClass ? UClass::StaticClass() : UScriptStruct::StaticClass();
-	auto* const Struct = static_cast<UStruct*>(NewObject(Kind, &Declaration.File->Package, FName(Declaration.Name)));
-	if (!Struct->SetSuperStruct(Parent))
-	{
-		Declaration.File->Faults.Error(Declaration.Super.Offset(), "too-deep",
+	const FDeclaration* const Declared = FindDeclaredParent(Declaration);
+	if (Parent)
+		Declaration.NumParents = 1 + (Declared ? Declared->NumParents : CountParents(*Parent));
+	if (Declaration.NumParents > MaxStructDepth)
+		return Declaration.File->Faults.Error(Declaration.Super.Offset(), "too-deep",
 			FJsonFaults::Quote(Declaration.Name) + " has more than " + FString::FromInt(MaxStructDepth) +
 				" parents, so it is left out");
-		return DestroyObjects({Struct});
-	}
-	Declaration.Struct = Struct;
+	UClass* const Kind = Declaration.bIsClass ? UClass::StaticClass() : UScriptStruct::StaticClass();
+	Declaration.Struct = static_cast<UStruct*>(NewObject(Kind, &Declaration.File->Package, FName(Declaration.Name)));
+	Declaration.Struct->SetSuperStruct(Parent);
 	Settled.push_back(&Declaration);
-	Made.Add(Struct);
+	Made.Add(Declaration.Struct);
 }
 
 /** False, and a fault, where a declaration cannot be made for want of a parent. Structures need none. */
@@ -220,48 +218,23 @@ FScriptDeclarations::FDeclaration* FScriptDeclarations::FindDeclaredParent(const
 	return Found.bIsClass == Declaration.bIsClass ? &Found : nullptr;
 }
 
-/** The structures, each behind its parent and what its values hold, so that their defaults are there when its own are read. */
-std::vector<FScriptDeclarations::FDeclaration*> FScriptDeclarations::OrderByContents()
+/** Gives the declared classes and structures their layout and their defaults. */
+void FScriptDeclarations::Finish()
 {
-	struct FVisit
+	std::vector<UStruct*> Types;
+	std::unordered_map<const UStruct*, FScriptFile*> Files;
+	for (const FDeclaration* Declaration : Settled)
 	{
-		FDeclaration* Declaration;
-		bool bIsLast; // what it needs has been visited
-	};
-	std::vector<FVisit> Visits;
-	std::unordered_map<const UStruct*, FDeclaration*> Unvisited;
-	for (auto Declaration = Settled.rbegin(); Declaration != Settled.rend(); ++Declaration)
-	{
-		if ((*Declaration)->bIsClass)
-			continue;
-		Visits.push_back({*Declaration, false});
-		Unvisited.emplace((*Declaration)->Struct, *Declaration);
+		Types.push_back(Declaration->Struct);
+		Files.emplace(Declaration->Struct, Declaration->File);
 	}
-	std::vector<FDeclaration*> Ordered;
-	while (!Visits.empty())
+	const UClass* const BlueprintClass = FindClass("/Script/Engine.Blueprint"); // null in a program without the engine's classes
+	for (UStruct* const Type : LinkTypes(Types))
 	{
-		const FVisit Visit = Visits.back();
-		Visits.pop_back();
-		if (Visit.bIsLast)
-			Ordered.push_back(Visit.Declaration);
-		if (Visit.bIsLast || Unvisited.erase(Visit.Declaration->Struct) == 0)
-			continue;
-		Visits.push_back({Visit.Declaration, true});
-		for (const UStruct* Needed : StructsNeededBy(*Visit.Declaration->Struct))
-		{
-			if (const auto Found = Unvisited.find(Needed); Found != Unvisited.end())
-				Visits.push_back({Found->second, false});
-		}
+		const auto File = Files.find(Type);
+		if (File != Files.end())
+			File->second->Reader.FinishDeclarations(*Type);
+		if (BlueprintClass && Type->IsChildOf(BlueprintClass))
+			BlueprintClasses::AddDeclared(Type->GetStructPathName().ToString());
 	}
-	return Ordered;
-}
-
-void FScriptDeclarations::Finish(const FDeclaration& Declaration) const
-{
-	if (Declaration.Properties)
-		Declaration.File->Reader.FinishDeclarations(*Declaration.Struct, Declaration.Properties);
-	else
-		Declaration.Struct->Link();
-	if (BlueprintClass && Declaration.Struct->IsChildOf(BlueprintClass))
-		BlueprintClasses::AddDeclared(Declaration.Struct->GetStructPathName().ToString());
 }

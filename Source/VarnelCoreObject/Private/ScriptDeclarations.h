@@ -54,6 +54,7 @@ private:
 		FJsonRef Super;
 		FJsonRef Properties; // may be empty
 		EState State = EState::Open;
+		int32 NumParents = 0;
 		UStruct* Struct = nullptr; // null where it is left out
 	};
 
@@ -61,16 +62,14 @@ private:
 	void CollectEnums(FScriptFile& File, const FJsonRef& Json);
 	bool TakeName(FScriptFile& File, const FJsonRef& Owner, const FJsonRef& Json, std::string_view& Out);
 	void Settle(FDeclaration& First);
-	void LeaveOutCycle(const std::vector<FDeclaration*>& Line, const FDeclaration& First);
+	void CutRing(const std::vector<FDeclaration*>& Members);
 	void MakeStruct(FDeclaration& Declaration);
 	bool FindParent(const FDeclaration& Declaration, UStruct*& Out);
 	FDeclaration* FindDeclaredParent(const FDeclaration& Declaration);
-	std::vector<FDeclaration*> OrderByContents();
-	void Finish(const FDeclaration& Declaration) const;
+	void Finish();
 
 	std::vector<FDeclaration> Declarations;
 	TMap<FString, int32> Places;		// of declarations by object path; INDEX_NONE for enumerations
 	std::vector<FDeclaration*> Settled; // those that were made, parents first
 	TArray<UObject*> Made;
-	const UClass* BlueprintClass = nullptr; // null in a program without the engine's classes
 };

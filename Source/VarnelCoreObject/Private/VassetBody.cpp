@@ -38,14 +38,19 @@ struct FListedObject
 	UObject* Object = nullptr;
 	EObjectKind Kind = EObjectKind::Other; // of Object
 	bool bTried = false;				   // to create it; without success where Object is null
+	bool bMadeTypes = false;
 	bool bFilled = false;
 };
 
-class FBodyReading
+class FVassetBody final : public IPackageBody
 {
 public:
-	FBodyReading(FJsonFaults& InFaults, UPackage& InPackage);
-	void Read(const FJsonRef& Objects);
+	FVassetBody(const FJsonDocument& Document, const FString& InFileName, UPackage& InPackage, FDiagnosticSink* Diagnostics);
+	/** Lists the objects and creates those that can be; false where the list is none. */
+	bool Open();
+	void DeclareTypes(std::vector<UStruct*>& OutTypes) override;
+	void CompleteType(UStruct& Type) override { PropertyReader.FinishDeclarations(Type); }
+	void FillObjects() override;
 
 private:
 	void List(const FJsonRef& Json);
@@ -53,14 +58,17 @@ private:
 	void CreateKnown();
 	void CreateOthers();
 	void RestoreOrder();
+	void MakeTypes();
 	void Create(FListedObject& Item, UClass& Class, UObject& Outer);
 	bool IsUsableClass(const FListedObject& Item, const UClass& Class);
 	UObject* FindOuter(const FListedObject& Item) const;
 	UClass* FindOrLoadClass(const FListedObject& Item) const;
 	EObjectKind KindOf(const UClass& Class) const;
+	FJsonRef PropertiesOf(const FListedObject& Item) const;
 	void Fill(EObjectKind Kind);
 
-	FJsonFaults& Faults;
+	const FString FileName;
+	FJsonFaults Faults;
 	UPackage& Package;
 	FPropertyReader PropertyReader;
 	const UClass* const BlueprintClass;			   // null in a program without the engine's classes
@@ -68,16 +76,26 @@ private:
 	std::unordered_set<const UObject*> LateOuters; // objects that got children out of order
 };
 
-FBodyReading::FBodyReading(FJsonFaults& InFaults, UPackage& InPackage)
-	: Faults(InFaults)
+FVassetBody::FVassetBody(
+	const FJsonDocument& Document, const FString& InFileName, UPackage& InPackage, FDiagnosticSink* Diagnostics)
+	: FileName(InFileName)
+	, Faults(Document, FileName, Diagnostics)
 	, Package(InPackage)
-	, PropertyReader(&InPackage, InFaults.GetDocument(), InFaults.GetFileName(), InFaults.GetSink())
+	, PropertyReader(&InPackage, Document, FileName, Diagnostics)
 	, BlueprintClass(FindClass("/Script/Engine.Blueprint"))
 {
 }
 
-void FBodyReading::Read(const FJsonRef& Objects)
+bool FVassetBody::Open()
 {
+	// Reading the header may have stopped at the body, so what stands around it is looked at again; a fault told twice counts
+	// once.
+	Faults.ReportRepeatedKeys();
+	const FJsonRef Objects = Faults.TakeMembers(Faults.GetDocument().Root(), VassetKeys::All).back();
+	if (!Objects)
+		return true;
+	if (!Faults.IsArray(Objects))
+		return false;
 	Listed.reserve(static_cast<std::size_t>(Objects.Num()));
 	for (const FJsonRef Object : Objects)
 		List(Object);
@@ -85,12 +103,36 @@ void FBodyReading::Read(const FJsonRef& Objects)
 		Listed.begin(), Listed.end(), [](const FListedObject& A, const FListedObject& B) { return A.Depth < B.Depth; });
 
 	CreateKnown();
-	for (const EObjectKind Kind : {EObjectKind::Enum, EObjectKind::Struct, EObjectKind::Blueprint})
-		Fill(Kind);
+	MakeTypes();
+	Fill(EObjectKind::Enum);
+	return true;
+}
+
+void FVassetBody::DeclareTypes(std::vector<UStruct*>& OutTypes)
+{
+	Fill(EObjectKind::Struct);
+	Fill(EObjectKind::Blueprint);
+	const std::vector<UStruct*> Declared = PropertyReader.TakeDeclaredTypes();
+	OutTypes.insert(OutTypes.end(), Declared.begin(), Declared.end());
+	// Structures of a class that declares nothing are types too.
+	for (const FListedObject& Item : Listed)
+	{
+		if (Item.Object && Item.Kind == EObjectKind::Struct)
+			OutTypes.push_back(static_cast<UStruct*>(Item.Object));
+	}
+}
+
+void FVassetBody::FillObjects()
+{
 	CreateOthers();
 	RestoreOrder();
-	for (const EObjectKind Kind : {EObjectKind::Enum, EObjectKind::Struct, EObjectKind::Blueprint, EObjectKind::Other})
-		Fill(Kind);
+	MakeTypes();
+	Fill(EObjectKind::Enum);
+	std::vector<UStruct*> LateTypes; // inside objects of classes that had to be made or loaded; nothing else refers to them
+	DeclareTypes(LateTypes);
+	for (UStruct* const Type : LinkTypes(LateTypes))
+		CompleteType(*Type);
+	Fill(EObjectKind::Other);
 	PropertyReader.ReportMissingObjects();
 	for (const FListedObject& Item : Listed)
 	{
@@ -99,7 +141,7 @@ void FBodyReading::Read(const FJsonRef& Objects)
 	}
 }
 
-void FBodyReading::List(const FJsonRef& Json)
+void FVassetBody::List(const FJsonRef& Json)
 {
 	if (!Faults.IsObject(Json))
 		return;
@@ -117,7 +159,7 @@ void FBodyReading::List(const FJsonRef& Json)
 	Listed.push_back(Item);
 }
 
-bool FBodyReading::IsUsable(const FListedObject& Item)
+bool FVassetBody::IsUsable(const FListedObject& Item)
 {
 	if (!PathText::IsInnerPath(Item.Path))
 		Faults.Error(Item.PathOffset, "bad-path",
@@ -133,20 +175,20 @@ bool FBodyReading::IsUsable(const FListedObject& Item)
 	return false;
 }
 
-/** Creates the objects whose classes are in memory. */
-void FBodyReading::CreateKnown()
+/** Creates the objects whose classes are never loaded. Those of other classes wait, though one may be in memory by chance. */
+void FVassetBody::CreateKnown()
 {
 	for (FListedObject& Item : Listed)
 	{
-		UClass* const Class = FindClass(Item.ClassPath);
+		UClass* const Class = PathText::IsScriptPath(Item.ClassPath) ? FindClass(Item.ClassPath) : nullptr;
 		UObject* const Outer = Class ? FindOuter(Item) : nullptr;
 		if (Outer)
 			Create(Item, *Class, *Outer);
 	}
 }
 
-/** Creates the objects whose classes had to be made or loaded first. */
-void FBodyReading::CreateOthers()
+/** Creates the objects whose classes were made or have to be loaded. */
+void FVassetBody::CreateOthers()
 {
 	for (FListedObject& Item : Listed)
 	{
@@ -170,7 +212,7 @@ void FBodyReading::CreateOthers()
 }
 
 /** Siblings are listed in file order, though some were created later than others. */
-void FBodyReading::RestoreOrder()
+void FVassetBody::RestoreOrder()
 {
 	std::unordered_map<UObject*, std::vector<UObject*>> Children;
 	for (const FListedObject& Item : Listed)
@@ -182,7 +224,7 @@ void FBodyReading::RestoreOrder()
 		FObjectTable::MoveToEnd(*Outer, InOrder);
 }
 
-void FBodyReading::Create(FListedObject& Item, UClass& Class, UObject& Outer)
+void FVassetBody::Create(FListedObject& Item, UClass& Class, UObject& Outer)
 {
 	Item.bTried = true;
 	if (!IsUsableClass(Item, Class))
@@ -196,7 +238,7 @@ void FBodyReading::Create(FListedObject& Item, UClass& Class, UObject& Outer)
 	Item.Kind = KindOf(Class);
 }
 
-bool FBodyReading::IsUsableClass(const FListedObject& Item, const UClass& Class)
+bool FVassetBody::IsUsableClass(const FListedObject& Item, const UClass& Class)
 {
 	const auto Fail = [this, &Item](const char* Rule, const char* Why)
 	{
@@ -213,13 +255,13 @@ bool FBodyReading::IsUsableClass(const FListedObject& Item, const UClass& Class)
 	return true;
 }
 
-UObject* FBodyReading::FindOuter(const FListedObject& Item) const
+UObject* FVassetBody::FindOuter(const FListedObject& Item) const
 {
 	const FStringView Outer = PathText::OuterOf(Item.Path);
 	return Outer.empty() ? &Package : Package.FindInside(Outer);
 }
 
-UClass* FBodyReading::FindOrLoadClass(const FListedObject& Item) const
+UClass* FVassetBody::FindOrLoadClass(const FListedObject& Item) const
 {
 	if (UClass* const Known = FindClass(Item.ClassPath))
 		return Known;
@@ -228,7 +270,7 @@ UClass* FBodyReading::FindOrLoadClass(const FListedObject& Item) const
 	return bHasOtherFile ? LoadObject<UClass>(Item.ClassPath) : nullptr;
 }
 
-EObjectKind FBodyReading::KindOf(const UClass& Class) const
+EObjectKind FVassetBody::KindOf(const UClass& Class) const
 {
 	if (Class.IsChildOf(UEnum::StaticClass()))
 		return EObjectKind::Enum;
@@ -237,8 +279,7 @@ EObjectKind FBodyReading::KindOf(const UClass& Class) const
 	return BlueprintClass && Class.IsChildOf(BlueprintClass) ? EObjectKind::Blueprint : EObjectKind::Other;
 }
 
-/** Reads the properties of all objects of a kind that were not read yet. */
-void FBodyReading::Fill(EObjectKind Kind)
+FJsonRef FVassetBody::PropertiesOf(const FListedObject& Item) const
 {
 	static const FJsonDocument NoProperties = []
 	{
@@ -246,27 +287,36 @@ void FBodyReading::Fill(EObjectKind Kind)
 		Empty.Parse("{}");
 		return Empty;
 	}();
+	return Item.Properties ? Item.Properties : NoProperties.Root();
+}
+
+/** Of all objects that were not asked yet. */
+void FVassetBody::MakeTypes()
+{
+	for (FListedObject& Item : Listed)
+	{
+		if (Item.Object && Item.Kind == EObjectKind::Blueprint && !Item.bMadeTypes)
+			Item.Object->MakeTypes(PropertiesOf(Item), PropertyReader);
+		Item.bMadeTypes = Item.Object != nullptr;
+	}
+}
+
+/** Reads the properties of all objects of a kind that were not read yet. */
+void FVassetBody::Fill(EObjectKind Kind)
+{
 	for (FListedObject& Item : Listed)
 	{
 		if (!Item.Object || Item.Kind != Kind || Item.bFilled)
 			continue;
 		Item.bFilled = true;
-		const FJsonRef Properties = Item.Properties ? Item.Properties : NoProperties.Root();
-		PropertyReader.ReadProperties(*Item.Object->GetClass(), Item.Object, Properties, Item.Object);
+		PropertyReader.ReadProperties(*Item.Object->GetClass(), Item.Object, PropertiesOf(Item), Item.Object);
 	}
 }
 }
 
-bool ReadVassetBody(const FJsonRef& Root, FJsonFaults& Faults, UPackage& Package)
+TUniquePtr<IPackageBody> OpenVassetBody(
+	const FJsonDocument& Document, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
 {
-	// Reading the header may have stopped at the body, so what stands around it is looked at again; a fault told twice counts
-	// once.
-	Faults.ReportRepeatedKeys();
-	const FJsonRef Objects = Faults.TakeMembers(Root, VassetKeys::All).back();
-	if (!Objects)
-		return true;
-	if (!Faults.IsArray(Objects))
-		return false;
-	FBodyReading(Faults, Package).Read(Objects);
-	return true;
+	auto Body = MakeUnique<FVassetBody>(Document, FileName, Package, Diagnostics);
+	return Body->Open() ? std::move(Body) : nullptr;
 }

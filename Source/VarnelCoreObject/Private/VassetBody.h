@@ -1,12 +1,12 @@
 #pragma once
 
+#include "CoreObject/PackageSource.h"
 #include "JsonFaults.h"
 
-class UPackage;
-
 /**
- * Creates the objects of a package from the root of its whole file and fills them. Faults of single objects are reported and
- * skipped; false, with the package left without objects, where there is no list of objects to speak of. May load packages whose
- * classes the objects are of. Game thread.
+ * Creates the objects of a package from its whole file, whose root is an object, as IPackageReader::OpenBody does. Null, with the
+ * package left without objects, where the list of objects is none; a package without such a list is empty. The document outlives
+ * the body.
  */
-bool ReadVassetBody(const FJsonRef& Root, FJsonFaults& Faults, UPackage& Package);
+TUniquePtr<IPackageBody> OpenVassetBody(
+	const FJsonDocument& Document, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics);

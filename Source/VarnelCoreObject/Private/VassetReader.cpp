@@ -7,7 +7,7 @@ namespace
 {
 constexpr std::string_view Extension = ".vasset";
 constexpr uint64 MaxFileBytes = 64ull * 1024 * 1024;
-constexpr uint32 HeaderVersion = 1;
+constexpr uint32 HeaderVersion = 2;
 constexpr FJsonReadOptions WholeFile{.MaxDepth = Json::MaxPackageDepth, .StopBefore = {}};
 constexpr FJsonReadOptions HeaderOnly{.MaxDepth = Json::MaxPackageDepth, .StopBefore = VassetKeys::Objects};
 constexpr const char* VersionRule = "package-version";
@@ -18,7 +18,7 @@ public:
 	std::size_t GetPadding() const override { return FJsonDocument::GetPadding(); }
 	bool ReadHeader(std::string& Bytes, const FString& FileName, FPackageHeader& Out, FDiagnosticSink* Diagnostics) override;
 	void ParseBody(std::string& Bytes) override { bBodyParsed = Parse(Bytes, WholeFile); }
-	bool ReadBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) override;
+	TUniquePtr<IPackageBody> OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) override;
 
 private:
 	bool Parse(std::string& Bytes, const FJsonReadOptions& Options);
@@ -40,16 +40,16 @@ bool FVassetReader::ReadHeader(std::string& Bytes, const FString& FileName, FPac
 	return true;
 }
 
-bool FVassetReader::ReadBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
+TUniquePtr<IPackageBody> FVassetReader::OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
 {
 	FJsonFaults Faults(Document, FileName, Diagnostics);
 	if (!bBodyParsed)
 	{
 		Faults.ReportSyntax();
-		return false;
+		return nullptr;
 	}
 	Faults.ReportRepair();
-	return HasRoot(Faults) && ReadVassetBody(Document.Root(), Faults, Package);
+	return HasRoot(Faults) ? OpenVassetBody(Document, FileName, Package, Diagnostics) : nullptr;
 }
 
 bool FVassetReader::Parse(std::string& Bytes, const FJsonReadOptions& Options)

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace
@@ -168,6 +169,28 @@ UClass* UBTTask_RunBehavior::StaticClass()
 			.Member("BehaviorAsset", &UBTTask_RunBehavior::BehaviorAsset)
 			.Build();
 	return Class;
+}
+
+TArray<const UBTTask_RunBehavior*> UBehaviorTree::GetRunBehaviorTasks() const
+{
+	TArray<const UBTTask_RunBehavior*> Tasks;
+	std::unordered_set<const UBTNode*> Reached;
+	std::vector<const UBTCompositeNode*> Waiting = {RootNode};
+	while (!Waiting.empty())
+	{
+		const UBTCompositeNode* const Node = Waiting.back();
+		Waiting.pop_back();
+		if (!Node || !Reached.insert(Node).second)
+			continue;
+		for (const FBTCompositeChild& Child : Node->Children)
+		{
+			Waiting.push_back(Child.ChildComposite);
+			const auto* const Task = Cast<UBTTask_RunBehavior>(Child.ChildTask.Get());
+			if (Task && Reached.insert(Task).second)
+				Tasks.Add(Task);
+		}
+	}
+	return Tasks;
 }
 
 void UBehaviorTree::CheckData(const FDataFaultReport& Report) const

@@ -9,10 +9,11 @@ constexpr FStringView ParentKey = "ParentClass";
 constexpr FStringView VariablesKey = "NewVariables";
 constexpr FStringView GeneratedSuffix = "_C";
 
-/** Classes that describe classes and packages have no Blueprints. */
+/** What describes types, makes them or holds objects is what the program itself is made of. */
 bool CanHaveBlueprints(const UClass& Class)
 {
-	return !Class.IsChildOf(UStruct::StaticClass()) && !Class.IsChildOf(UPackage::StaticClass());
+	return !Class.IsChildOf(UStruct::StaticClass()) && !Class.IsChildOf(UEnum::StaticClass()) &&
+		!Class.IsChildOf(UBlueprint::StaticClass()) && !Class.IsChildOf(UPackage::StaticClass());
 }
 }
 
@@ -35,22 +36,29 @@ bool UBlueprint::ReadCustomProperty(FStringView Key, const FJsonRef&, FPropertyR
 	return Key == VariablesKey;
 }
 
+void UBlueprint::MakeTypes(const FJsonRef& Json, FPropertyReader& Reader)
+{
+	const FString ClassName = GetName() + GeneratedSuffix;
+	const UObject* const Class = NewObject(UClass::StaticClass(), GetOuter(), FName(ClassName));
+	GeneratedClass = TObjectPtr<UClass>(Class);
+	if (!Class)
+		Reader.Report(Json, EDiagnosticSeverity::Error, "generated-class",
+			"no class is made: there is an object " + ClassName + " already");
+}
+
 void UBlueprint::PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader)
 {
-	// The parent may be another Blueprint's class, and its package one that asks for this class: it must not find it before its
-	// parent is known.
-	UClass* const Parent = ParentClass;
-	const FString ClassName = GetName() + GeneratedSuffix;
-	auto* const Class = static_cast<UClass*>(NewObject(UClass::StaticClass(), GetOuter(), FName(ClassName)));
+	UClass* const Class = GeneratedClass;
 	if (!Class)
-		return Reader.Report(Json, EDiagnosticSeverity::Error, "generated-class",
-			"no class is made: there is an object " + ClassName + " already");
-	GeneratedClass = TObjectPtr<UClass>(Class);
-
-	const bool bHasParent = Parent && CanHaveBlueprints(*Parent) && Class->SetSuperStruct(Parent);
-	if (!bHasParent && !ParentClass.IsNull())
-		Reader.Report(Json.Find(ParentKey), EDiagnosticSeverity::Error, "bad-reference",
+		return;
+	const FJsonRef ParentJson = Json.Find(ParentKey);
+	UClass* const Parent = ParentClass.GetPath().SubPath.IsEmpty() ? ParentClass.Get() : nullptr;
+	const bool bHasParent = Parent && CanHaveBlueprints(*Parent);
+	if (bHasParent)
+		Class->SetSuperStruct(Parent);
+	else if (!ParentClass.IsNull())
+		Reader.Report(ParentJson, EDiagnosticSeverity::Error, "bad-reference",
 			"the parent class " + ParentClass.GetPath().ToString() +
 				" cannot be had, so the Blueprint's class derives from Object");
-	Reader.ReadDeclarations(*Class, Json.Find(VariablesKey));
+	Reader.AddDeclarations(*Class, Json.Find(VariablesKey), ParentJson);
 }

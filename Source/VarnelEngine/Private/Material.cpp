@@ -2,54 +2,12 @@
 
 #include "CoreObject/NativeClass.h"
 #include "CoreObject/PropertyReader.h"
-
-#include <algorithm>
-#include <vector>
+#include "MaterialLine.h"
 
 namespace
 {
-template <class T>
-using TParameterList = TMaterialParameters<T> UMaterialInterface::*;
-
 constexpr FStringView NameKey = "Name";
 constexpr FStringView ValueKey = "Value";
-
-/** The material and its parents, nearest first, each once. */
-std::vector<const UMaterialInterface*> LineOf(const UMaterialInterface& Material)
-{
-	std::vector<const UMaterialInterface*> Line;
-	const auto IsNew = [&Line](const UMaterialInterface* Next)
-	{ return std::find(Line.begin(), Line.end(), Next) == Line.end(); };
-	for (const UMaterialInterface* Next = &Material; Next && Line.size() <= UMaterialInterface::MaxParents && IsNew(Next);
-		 Next = Next->GetParentMaterial())
-		Line.push_back(Next);
-	return Line;
-}
-
-template <class T>
-void ListParameters(const UMaterialInterface& Material, TParameterList<T> List, TArray<FMaterialParameterInfo>& Out)
-{
-	const std::vector<const UMaterialInterface*> Line = LineOf(Material);
-	TSet<FName> Listed;
-	for (auto Stating = Line.rbegin(); Stating != Line.rend(); ++Stating)
-		for (const auto& [Name, Value] : (*Stating)->*List)
-			if (Listed.Add(Name))
-				Out.Add({Name});
-}
-
-/** Going round a cycle of parents finds nothing new, so the limit alone ends it. */
-template <class T>
-TOptional<T> FindValue(const UMaterialInterface& Material, TParameterList<T> List, FName Name)
-{
-	const UMaterialInterface* Next = &Material;
-	for (int32 NumParents = 0; Next && NumParents <= UMaterialInterface::MaxParents; ++NumParents)
-	{
-		if (const TOptional<T>* const Found = (Next->*List).Find(Name))
-			return *Found;
-		Next = Next->GetParentMaterial();
-	}
-	return {};
-}
 
 /** One element of a list of parameters; nothing is added where it names none, or one that is there. */
 template <class T>
@@ -109,38 +67,50 @@ UClass* UMaterialInterface::StaticClass()
 	return Class;
 }
 
+template <class T>
+TOptional<T> UMaterialInterface::FindValue(
+	const FMaterialParameterInfo& Parameter, TMaterialParameters<T> UMaterialInterface::*Stated, FKeptView Kept) const
+{
+	const UMaterialInterface* const Stating =
+		Parameter.Stating ? Parameter.Stating : TMaterialLine<T>(*this, Stated, Kept).FindStating(Parameter.Name);
+	const TOptional<T>* const Found = Stating ? (Stating->*Stated).Find(Parameter.Name) : nullptr;
+	return Found ? *Found : std::nullopt;
+}
+
 void UMaterialInterface::GetAllScalarParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
 {
-	ListParameters(*this, &UMaterialInterface::ScalarParameters, Parameters);
+	TMaterialLine<float>(*this, &UMaterialInterface::ScalarParameters, &UMaterialInterface::ScalarView).List(Parameters);
 }
 
 void UMaterialInterface::GetAllVectorParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
 {
-	ListParameters(*this, &UMaterialInterface::VectorParameters, Parameters);
+	TMaterialLine<FLinearColor>(*this, &UMaterialInterface::VectorParameters, &UMaterialInterface::VectorView).List(Parameters);
 }
 
 void UMaterialInterface::GetAllTextureParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
 {
-	ListParameters(*this, &UMaterialInterface::TextureParameters, Parameters);
+	TMaterialLine<FObjectPtr>(*this, &UMaterialInterface::TextureParameters, &UMaterialInterface::TextureView).List(Parameters);
 }
 
 bool UMaterialInterface::GetScalarParameterValue(const FMaterialParameterInfo& Parameter, float& Out) const
 {
-	const TOptional<float> Value = FindValue(*this, &UMaterialInterface::ScalarParameters, Parameter.Name);
+	const TOptional<float> Value = FindValue(Parameter, &UMaterialInterface::ScalarParameters, &UMaterialInterface::ScalarView);
 	Out = Value.value_or(Out);
 	return Value.has_value();
 }
 
 bool UMaterialInterface::GetVectorParameterValue(const FMaterialParameterInfo& Parameter, FLinearColor& Out) const
 {
-	const TOptional<FLinearColor> Value = FindValue(*this, &UMaterialInterface::VectorParameters, Parameter.Name);
+	const TOptional<FLinearColor> Value =
+		FindValue(Parameter, &UMaterialInterface::VectorParameters, &UMaterialInterface::VectorView);
 	Out = Value.value_or(Out);
 	return Value.has_value();
 }
 
 bool UMaterialInterface::GetTextureParameterValue(const FMaterialParameterInfo& Parameter, UObject*& Out) const
 {
-	const TOptional<FObjectPtr> Value = FindValue(*this, &UMaterialInterface::TextureParameters, Parameter.Name);
+	const TOptional<FObjectPtr> Value =
+		FindValue(Parameter, &UMaterialInterface::TextureParameters, &UMaterialInterface::TextureView);
 	if (Value)
 		Out = Value->Get();
 	return Value.has_value();

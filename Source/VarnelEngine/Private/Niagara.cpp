@@ -3,19 +3,6 @@
 #include "CoreObject/NativeClass.h"
 #include "CoreObject/PropertyReader.h"
 
-namespace
-{
-/** None where nothing is referred to, or what is in memory shows that there is no such object. */
-template <class T>
-FName GetNameWithoutLoading(const TObjectPtr<T>& Reference)
-{
-	if (const T* const Object = Reference.GetIfLoaded())
-		return Object->GetFName();
-	const UPackage* const Package = FindPackage(Reference.GetPath().Asset.PackageName);
-	return Package && Package->IsFullyLoaded() ? FName() : Reference.GetFName();
-}
-}
-
 UClass* UNiagaraRendererProperties::StaticClass()
 {
 	static UClass* const Class =
@@ -49,11 +36,6 @@ UScriptStruct* FNiagaraUserParameter::StaticStruct()
 	return Struct;
 }
 
-FName FNiagaraUserParameter::GetTypeName() const
-{
-	return GetNameWithoutLoading(Type);
-}
-
 UClass* UNiagaraSystem::StaticClass()
 {
 	static UClass* const Class = TClassBuilder<UNiagaraSystem>("/Script/Engine.NiagaraSystem", UObject::StaticClass())
@@ -62,11 +44,6 @@ UClass* UNiagaraSystem::StaticClass()
 									 .Member("UserParameters", &UNiagaraSystem::UserParameters)
 									 .Build();
 	return Class;
-}
-
-FName UNiagaraSystem::GetEffectTypeName() const
-{
-	return GetNameWithoutLoading(EffectType);
 }
 
 void UNiagaraSystem::PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader)

@@ -42,12 +42,14 @@ bool UUserDefinedStruct::ReadCustomProperty(FStringView Key, const FJsonRef& Val
 
 void UUserDefinedStruct::PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader)
 {
-	UScriptStruct* const Parent = SuperStruct;
-	if (!SuperStruct.IsNull() && !(Parent && SetSuperStruct(Parent)))
-		Reader.Report(Json.Find(SuperKey), EDiagnosticSeverity::Error, "bad-reference",
-			"the parent structure " + SuperStruct.GetPath().ToString() +
-				" cannot be had or is among its own parents, so there is none");
-	Reader.ReadDeclarations(*this, Json.Find(FieldsKey));
+	const FJsonRef SuperJson = Json.Find(SuperKey);
+	UScriptStruct* const Parent = SuperStruct.GetPath().SubPath.IsEmpty() ? SuperStruct.Get() : nullptr;
+	if (Parent)
+		SetSuperStruct(Parent);
+	else if (!SuperStruct.IsNull())
+		Reader.Report(SuperJson, EDiagnosticSeverity::Error, "bad-reference",
+			"the parent structure " + SuperStruct.GetPath().ToString() + " cannot be had, so there is none");
+	Reader.AddDeclarations(*this, Json.Find(FieldsKey), SuperJson);
 }
 
 FText FObjectEditorUtils::GetCategoryText(const UUserDefinedStruct* Struct)

@@ -3,6 +3,7 @@
 #include "Engine/Niagara.h"
 #include "Families/FamilyScan.h"
 #include "Families/SearchMode.h"
+#include "ReferencedName.h"
 
 namespace
 {
@@ -48,7 +49,7 @@ void ReadUserParameters(const UNiagaraSystem& System, FHitSink& Hits)
 {
 	for (const FNiagaraUserParameter& Parameter : System.GetUserParameters())
 	{
-		const FName Type = Parameter.GetTypeName();
+		const FName Type = FindReferencedName(Parameter.Type, System, *UStruct::StaticClass());
 		Hits.Add("UserParamName", Parameter.GetName().ToString(), UserParameterContainer);
 		Hits.Add("UserParamType", Type.IsNone() ? FString("Invalid") : Type.ToString(), UserParameterContainer);
 		if (Hits.IsFull())
@@ -69,7 +70,7 @@ void ReadIfInMemory(const FAssetData& Asset, FAssetResult& Result, FHitSink& Hit
 	const auto* System = LoadAssetForReading<UNiagaraSystem>(Asset); // loads nothing: it is there
 	if (!System)
 		return;
-	if (const FName EffectType = System->GetEffectTypeName(); !EffectType.IsNone())
+	if (const FName EffectType = FindReferencedName(System->EffectType, *System, *UObject::StaticClass()); !EffectType.IsNone())
 		Hits.Add("EffectType", EffectType.ToString(), SystemContainer);
 	ReadEmitters(*System, Hits);
 	ReadUserParameters(*System, Hits);

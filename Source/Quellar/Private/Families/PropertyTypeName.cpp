@@ -50,5 +50,10 @@ FString GetPropertyTypeName(const FProperty* Property)
 		return Numeric->IsInteger() ? "int" : "float";
 	if (const char* Text = FindText(RowsAfterNumbers, *Property))
 		return Text;
-	return Property->GetClass()->GetName();
+	return GetFieldClassName(*Property);
+}
+
+FString GetFieldClassName(const FProperty& Property)
+{
+	return Property.HasAnyCastFlags(EFieldCast::Undeclared) ? Property.GetTypeText() : Property.GetClass()->GetName();
 }

@@ -2,6 +2,7 @@
 
 #include "Engine/UserDefinedStruct.h"
 #include "Families/FamilyScan.h"
+#include "Families/PropertyTypeName.h"
 
 namespace
 {
@@ -23,7 +24,7 @@ void ReadStruct(const UUserDefinedStruct& Struct, FHitSink& Hits)
 	for (const FProperty* Field : PropertiesOf(Struct, LiveFields))
 	{
 		Hits.Add("PropertyName", Field->GetName(), "Properties");
-		Hits.Add("PropertyType", Field->GetClass()->GetName(), "Properties");
+		Hits.Add("PropertyType", GetFieldClassName(*Field), "Properties");
 		if (Hits.IsFull())
 			return;
 	}

@@ -25,6 +25,9 @@ struct FDiagnostic
 	FString ToString() const;
 };
 
+/** "A -> B -> A" from the members of a ring in their order; of a long one the first eight. */
+FString DescribeRing(const TArray<FString>& Members);
+
 /** Collects diagnostics from any thread. What is told twice, since a file was read twice, counts once. */
 class FDiagnosticSink
 {

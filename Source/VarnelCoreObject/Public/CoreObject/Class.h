@@ -12,6 +12,14 @@ constexpr int32 MaxInstanceBytes = 1 << 20;
 /** Parents of a class or structure, and structures inside structures by value. */
 constexpr int32 MaxStructDepth = 64;
 
+/** Something that was declared and cannot be laid out like that. */
+struct FLinkFault
+{
+	int32 Property = INDEX_NONE; // its place among the own properties as they were added; INDEX_NONE: the parent
+	const char* Rule = "";
+	FString Text; // a sentence without full stop
+};
+
 /** Something with a list of properties and a parent: a class or a structure. */
 class UStruct : public UObject
 {
@@ -19,6 +27,7 @@ public:
 	~UStruct() override;
 	static UClass* StaticClass();
 
+	/** Once the type is linked; null before. */
 	UStruct* GetSuperStruct() const { return Super; }
 	/** This structure is Other or derives from it. */
 	bool IsChildOf(const UStruct* Other) const;
@@ -41,21 +50,17 @@ public:
 	}
 	void SetMetaData(FString Key, FString Value) { MetaData.Add(std::move(Key), std::move(Value)); }
 	/** Laid out; instances can be made. */
-	bool IsLinked() const { return LinkState == ELinkState::Linked; }
+	bool IsLinked() const { return bLinked; }
 	/** Made by the program, not by a project; with or without a C++ class of its own. */
 	bool IsNativeStruct() const { return bNative; }
 
 	/** Appends an own property; its offset is set by Link. Null, and nothing appended, when an own property has that name, and
 	 * after Link. */
 	FProperty* AddProperty(TUniquePtr<FProperty> Property);
-	/** Sets the parent; false when that would close a cycle or a line of more than MaxStructDepth parents, and after Link. */
+	/** Declares the parent. False after Link. */
 	bool SetSuperStruct(UStruct* InSuper);
-	/**
-	 * Lays out own properties behind the parent's. Called once, after the last AddProperty; links the parent and the structures
-	 * that its values hold first, where their properties are known already. What cannot be laid out (a structure that would hold
-	 * itself, too many levels or bytes) is dropped; each such fault is appended to OutFaults as a sentence without full stop.
-	 */
-	void Link(TArray<FString>* OutFaults = nullptr);
+	/** LinkTypes for this type alone. Appends what was declared and is not so. */
+	void Link(TArray<FLinkFault>* OutFaults = nullptr);
 	/**
 	 * Reads the default value of an own property; new instances have it from now on. After Link; parents' defaults and those of
 	 * contained structures come before. False and a diagnostic where the value does not fit.
@@ -66,40 +71,43 @@ protected:
 	/** Constructs the properties that no C++ class holds: those from the nearest native ancestor on downwards. */
 	void InitializeDynamicProperties(void* Container) const;
 	void DestroyDynamicProperties(void* Container) const;
-	/** Whether Link of another structure may link this one: not while its fields are still to be read from a package. */
-	virtual bool CanBeLinkedByOthers() const { return true; }
 
 private:
 	friend class FObjectTable;
 	friend class FClassRegistrar;
-	friend class FPropertyReader;
-	enum class ELinkState : uint8
-	{
-		Open,
-		Linking,
-		Linked,
-	};
+	friend class FTypeLinker;
 	virtual void DestroyDefaults() {}
-	/** Properties are being read: what is loaded meanwhile can neither link the structure nor build on it. */
-	void BeginLayout();
+	void LoseParent(const char* Rule, const FString& Why);
+	/** The property keeps its name and place, and is not read. */
+	void LoseValue(int32 Property, const char* Rule, const FString& Why);
 	void Layout();
-	static bool LinkOther(UStruct& Other);
 	void PlaceParent();
-	const char* FindFault(const FProperty& Property);
-	bool PlaceProperty(FProperty& Property);
+	void DropPropertiesOfParents();
+	const char* FindFault(const FProperty& Property) const;
+	void PlaceProperty(int32 Index);
 
+	UStruct* DeclaredSuper = nullptr;
 	UStruct* Super = nullptr;
 	TMap<FString, FString> MetaData;
 	std::vector<TUniquePtr<FProperty>> Properties;
 	TMap<FName, int32> PropertyIndices; // own, by name
-	TArray<FString> UnreportedFaults;	// of a layout that another structure asked for
+	TArray<FLinkFault> LinkFaults;		// until somebody asks
 	int32 PropertiesSize = 0;
 	int32 Alignment = 1;
 	int32 Depth = 0;	  // parents above
 	int32 ValueDepth = 0; // levels of structures held by value
-	ELinkState LinkState = ELinkState::Open;
+	bool bLinked = false;
 	bool bNative = false;
 };
+
+/**
+ * Lays out own properties behind the parent's, of the given types and of all those that they lead to. Called when their last
+ * properties were added; types that are linked stay as they are. Where parents and structures held by value lead in a ring, every
+ * member of it loses the parent or the value that leads on, so that it does not matter where one begins; the same becomes of what
+ * would take too many levels or bytes. A property that a parent has too is dropped. Returns the types that were linked, each
+ * behind its parent and, but for rings, behind the structures that its properties mention.
+ */
+std::vector<UStruct*> LinkTypes(const std::vector<UStruct*>& Types);
 
 /** What the program knows about a structure of its own. */
 struct FNativeStructOps

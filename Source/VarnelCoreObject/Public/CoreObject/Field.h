@@ -50,6 +50,7 @@ enum EFieldCast : uint64
 	Delegate = 1ull << 29,
 	MulticastDelegate = 1ull << 30,
 	FieldPath = 1ull << 31,
+	Undeclared = 1ull << 32,
 };
 }
 

@@ -49,9 +49,9 @@ void SetReferenceListener(std::function<void(const FForeignReference&)> Listener
 
 /**
  * The package, loaded fully; null when it has no file or a malformed body (remembered until packages are unloaded). Asked for
- * while it is being loaded, the package as far as it is. A package in memory without a file is returned as it is. Reading a
- * package loads others only for the classes and structures that it needs at once; a long chain of those is cut, reported, and
- * what needed them goes without. Game thread.
+ * while it is being loaded, or while a package that is being loaded declares its types, the package as far as it is. A package in
+ * memory without a file is returned as it is. Reading a package loads others only for the classes and structures that it needs,
+ * and for what these need. Game thread.
  */
 UPackage* LoadPackage(FName PackageName, uint32 LoadFlags = ELoadFlags::None);
 /**

@@ -48,12 +48,18 @@ public:
 	}
 
 	/**
+	 * Called before the members of the body's "properties" are read, once all objects are there whose classes are never loaded:
+	 * makes what others may refer to as a type. Loads nothing.
+	 */
+	virtual void MakeTypes(const FJsonRef&, FPropertyReader&) {}
+	/**
 	 * Reads a member of the body's "properties" that the class's reflected properties do not hold (a DataTable's rows, an
 	 * enumeration's entries). False: not known here either. Faults go to the reader.
 	 */
 	virtual bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader);
 	/** Called when the members of the body's "properties" have been read one by one, for what needs several of them at once, in
-	 * whatever order they stand. */
+	 * whatever order they stand. Types declare their parents and properties here: they are linked once everything is declared
+	 * that they lead to. */
 	virtual void PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader);
 	/** Called once all objects of the package have been read. */
 	virtual void PostLoad() {}
@@ -128,3 +134,5 @@ void UnloadPackage(UPackage* Package);
  * found, but stay until the last of those is gone.
  */
 void DestroyObjects(const TArray<UObject*>& Objects);
+/** Rises whenever objects are destroyed, empty packages aside: what was worked out from several objects may be wrong then. */
+uint64 GetNumDestructions();

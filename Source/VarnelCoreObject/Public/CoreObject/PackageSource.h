@@ -8,6 +8,7 @@
 #include <vector>
 
 class UPackage;
+class UStruct;
 
 /** Bits of a package dependency. */
 namespace EDependencyFlags
@@ -59,6 +60,25 @@ struct FPackageHeader
 	void Reset();
 };
 
+/**
+ * A package on its way into memory. Types of several packages may need one another, so all of these are declared before the first
+ * is completed. Lives as long as its reader keeps the file. Game thread.
+ */
+class IPackageBody
+{
+public:
+	virtual ~IPackageBody() = default;
+
+	/** First step: declares classes and structures, their parents and properties, and appends them. May load packages, which are
+	 * then as far as their opening brings them. */
+	virtual void DeclareTypes(std::vector<UStruct*>& OutTypes) = 0;
+	/** For each of these, once it is linked: completes it. What it is made of is complete. */
+	virtual void CompleteType(UStruct& Type) = 0;
+	/** Last step: makes the other objects and fills them. Single faults (an unknown class or property, a value out of range) are
+	 * reported, skipped, and lose nothing else. May load packages. */
+	virtual void FillObjects() = 0;
+};
+
 /** Reads packages of one format; holds the buffers it needs. One thread at a time; make one for each thread. */
 class IPackageReader
 {
@@ -71,16 +91,15 @@ public:
 	 * FileName. */
 	virtual bool ReadHeader(std::string& Bytes, const FString& FileName, FPackageHeader& Out, FDiagnosticSink* Diagnostics) = 0;
 	/**
-	 * First half of loading: does what can be done without objects and keeps the outcome for ReadBody. Bytes stay, unchanged,
-	 * until that has returned. Any thread.
+	 * First half of loading: does what can be done without objects and keeps the outcome for OpenBody. Bytes stay, unchanged,
+	 * as long as the body that this gives. Any thread.
 	 */
 	virtual void ParseBody(std::string& Bytes) = 0;
 	/**
-	 * Second half: creates the package's objects and fills their properties. False when the body is malformed: the package then
-	 * holds no object. Single faults (an unknown class or property, a value out of range) are reported, skipped, and lose nothing
-	 * else. Game thread.
+	 * Second half: creates the objects whose classes are never loaded, so that what is a type can be referred to. Null when the
+	 * body is malformed: the package then holds no object. Loads nothing. Game thread.
 	 */
-	virtual bool ReadBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) = 0;
+	virtual TUniquePtr<IPackageBody> OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) = 0;
 };
 
 /** A package format. The registry's scan and the loader know packages only through this. */

@@ -229,7 +229,8 @@ public:
 	UObject* GetObjectPropertyValue(const void* Value) const;
 	bool ReadValue(void* Value, const FJsonRef& Json, FPropertyReader& Reader) const override;
 	FString GetTypeText() const override;
-	/** The object, or for class references the class, is of the property's class. */
+	/** The object, or for class references the class, is of the property's class; of a class that is not linked yet nobody can
+	 * tell, and it passes. */
 	bool Accepts(const UObject& Object) const;
 
 private:
@@ -361,13 +362,17 @@ enum class EUnreadKind : uint8
 	Delegate,
 	MulticastDelegate,
 	FieldPath,
+	Undeclared,
 };
 
-/** Delegates and field paths: declared and listed, without storage; values in files are passed over. */
+/** Delegates, field paths, and properties of a type that nothing declares or that cannot be had by value: listed in their place,
+ * without storage; values in files are passed over. */
 class FUnreadProperty : public FProperty
 {
 public:
 	FUnreadProperty(EUnreadKind InKind, FName InName);
+	/** An undeclared one, with its type as its declaration spells it. */
+	FUnreadProperty(FName InName, FString InTypeText);
 
 	int32 GetSize() const override { return 0; }
 	int32 GetAlignment() const override { return 1; }
@@ -380,5 +385,5 @@ public:
 	FString GetTypeText() const override;
 
 private:
-	EUnreadKind Kind;
+	FString TypeText;
 };

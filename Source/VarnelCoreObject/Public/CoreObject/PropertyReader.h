@@ -24,16 +24,17 @@ public:
 	 * Object->PostReadProperties.
 	 */
 	void ReadProperties(const UStruct& Struct, void* Container, const FJsonRef& Json, UObject* Object);
-	/** AddDeclarations, then FinishDeclarations. What is loaded for it cannot build on the structure meanwhile. */
-	void ReadDeclarations(UStruct& Struct, const FJsonRef& Declarations);
 	/**
 	 * Adds a list of declarations { "name", "type", "authored"?, "default"?, "deprecated"? } to the own properties of a class or
-	 * structure, whose parent is set. Faulty declarations are left out.
+	 * structure. Faulty declarations are left out; a type that nothing declares makes a property that is not read. Super is what
+	 * names the parent, for reports; it may be empty.
 	 */
-	void AddDeclarations(UStruct& Struct, const FJsonRef& Declarations);
-	/** Links the structure and reads the defaults of what was added. Its parent and the structures that it holds by value have
-	 * theirs. */
-	void FinishDeclarations(UStruct& Struct, const FJsonRef& Declarations);
+	void AddDeclarations(UStruct& Struct, const FJsonRef& Declarations, const FJsonRef& Super);
+	/** The types that declarations were added to since the last call, in that order. */
+	std::vector<UStruct*> TakeDeclaredTypes() { return std::exchange(DeclaredTypes, {}); }
+	/** Once a type is linked: tells what could not be laid out, and reads the defaults of what was added. What these are made of
+	 * has its own already. */
+	void FinishDeclarations(UStruct& Struct);
 	/**
 	 * Entries { "name", "display"? } of an enumeration, stored as "Enumeration::name" with values from 0 on, and behind them the
 	 * maximum entry "Enumeration::Enumeration_MAX", displayed without the prefix. Faulty and repeated entries are left out.
@@ -44,8 +45,8 @@ public:
 	bool ReadObjectPath(const FJsonRef& Json, FSoftObjectPath& Out);
 	/**
 	 * The reference to the object at such a path, unresolved where the object lies in another package. None and a diagnostic
-	 * where it is no object that the property may refer to, as far as that can be told: objects of other packages are looked at
-	 * when they are in memory.
+	 * where it is no object that the property may refer to. One of another package is kept all the same: it reads as null once
+	 * it is resolved.
 	 */
 	TOptional<FObjectPtr> ReadReference(const FJsonRef& Json, const FObjectPropertyBase& Property);
 	/** Reports references into the package being read that no object was made for. Called once all its objects are made. */
@@ -67,10 +68,11 @@ public:
 	UPackage* GetPackage() const { return Package; }
 
 private:
-	struct FPendingDefault
+	/** What was added to a type. */
+	struct FPendingType
 	{
-		FName Property;
-		FJsonRef Value;
+		FJsonRef Super;
+		std::vector<FJsonRef> Properties; // declarations, one for each own property
 	};
 	/** A reference to an object of the package that was not made yet. */
 	struct FPendingReference
@@ -90,14 +92,15 @@ private:
 	EDiagnosticSeverity WorstSeverity = EDiagnosticSeverity::Error;
 	int32 NumReported = 0;
 	int64 BytesTaken = 0;
-	std::unordered_map<const UStruct*, std::vector<FPendingDefault>> PendingDefaults;
+	std::vector<UStruct*> DeclaredTypes;
+	std::unordered_map<const UStruct*, FPendingType> PendingTypes;
 	std::vector<FPendingReference> PendingReferences;
 };
 
 /**
  * Makes a property from a type text such as "array<object</Script/Engine.BTNode>>", "byte</Script/Lantern.EMood>",
  * "map<name,int>", nested up to 16 levels. Null and an explanation where the text is none or names something unknown. Structures
- * and enumerations of other packages are loaded for it; classes outside /Script are taken at their word until a value is
- * resolved.
+ * and enumerations of other packages are loaded for it, structures as far as they are declared; classes outside /Script are taken
+ * at their word until a value is resolved.
  */
 TUniquePtr<FProperty> MakeProperty(FStringView TypeText, FName Name, FString& OutError);

@@ -6,6 +6,7 @@
 class UBlackboardData;
 class UBTCompositeNode;
 class UBTDecorator;
+class UBTTask_RunBehavior;
 class UBTTaskNode;
 
 /** Any node of a behaviour tree. */
@@ -89,6 +90,9 @@ public:
 
 	TObjectPtr<UBlackboardData> BlackboardAsset;
 	TObjectPtr<UBTCompositeNode> RootNode;
+
+	/** The tasks below the root that run other trees, each once. */
+	TArray<const UBTTask_RunBehavior*> GetRunBehaviorTasks() const;
 
 	/** Nodes below themselves, empty children, and trees too deep to be meant. */
 	void CheckData(const FDataFaultReport& Report) const override;

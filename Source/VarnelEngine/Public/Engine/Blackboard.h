@@ -27,6 +27,4 @@ public:
 
 	TObjectPtr<UBlackboardData> Parent; // its keys come on top of these; parents may form a cycle
 	TArray<FBlackboardEntry> Keys;
-
-	/** Cycles of parents, and lines of parents too long to be meant. */
 };

@@ -15,6 +15,8 @@ public:
 	/** Null where something else has the class's name. */
 	TObjectPtr<UClass> GeneratedClass;
 
+	/** Makes the class, without parent or properties. */
+	void MakeTypes(const FJsonRef& Json, FPropertyReader& Reader) override;
 	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
 	void PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader) override;
 };

@@ -3,6 +3,8 @@
 #include "CoreObject/Class.h"
 #include "CoreObject/ObjectPtr.h"
 
+struct FMaterialParameterView;
+
 struct FLinearColor
 {
 	static UScriptStruct* StaticStruct();
@@ -13,9 +15,13 @@ struct FLinearColor
 	float A = 1;
 };
 
+class UMaterialInterface;
+
 struct FMaterialParameterInfo
 {
 	FName Name;
+	/** The material whose value counts; null where nobody has looked yet. Good until objects are unloaded. */
+	const UMaterialInterface* Stating = nullptr;
 };
 
 /** Parameters as one material states them, in file order; a name that is repeated keeps its first value. No value: the parameter
@@ -25,15 +31,12 @@ using TMaterialParameters = TMap<FName, TOptional<T>>;
 
 /**
  * What a surface can be drawn with: a material, or an instance that overrides parameters of a parent. Questions about parameters
- * load the parents that they meet, MaxParents of them at most; parents that form a cycle are visited once. Game thread.
+ * load all parents; materials that are among their own parents inherit nothing. Game thread.
  */
 class UMaterialInterface : public UObject
 {
 public:
 	static UClass* StaticClass();
-
-	/** Of a chain of instances; projects use a few. What lies beyond is not looked at. */
-	static constexpr int32 MaxParents = 64;
 
 	/** The material that this one overrides, or null. */
 	virtual const UMaterialInterface* GetParentMaterial() const { return nullptr; }
@@ -50,9 +53,18 @@ public:
 	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
 
 private:
+	using FKeptView = TSharedPtr<const FMaterialParameterView> UMaterialInterface::*;
+	template <class T>
+	TOptional<T> FindValue(
+		const FMaterialParameterInfo& Parameter, TMaterialParameters<T> UMaterialInterface::*Stated, FKeptView Kept) const;
+
 	TMaterialParameters<float> ScalarParameters;
 	TMaterialParameters<FLinearColor> VectorParameters;
 	TMaterialParameters<FObjectPtr> TextureParameters;
+	// Of some materials, once asked for: what they and those above them state.
+	TSharedPtr<const FMaterialParameterView> ScalarView;
+	TSharedPtr<const FMaterialParameterView> VectorView;
+	TSharedPtr<const FMaterialParameterView> TextureView;
 };
 
 class UMaterial : public UMaterialInterface

@@ -39,12 +39,9 @@ struct FNiagaraUserParameter
 	static UScriptStruct* StaticStruct();
 
 	FName GetName() const { return Name; }
-	/** Name of the class or structure that the type refers to, None for plain numbers and the like. Loads nothing: what is not in
-	 * memory is taken at its word. */
-	FName GetTypeName() const;
 
 	FName Name;
-	TObjectPtr<UStruct> Type;
+	TObjectPtr<UStruct> Type; // class or structure; null for plain numbers and the like
 };
 
 /** Particle effect. A user parameter that is repeated is listed each time, and a warning. */
@@ -53,10 +50,8 @@ class UNiagaraSystem : public UObject
 public:
 	static UClass* StaticClass();
 
-	/** Null where the system has none. */
+	/** Null where the system has none. Loads its package if need be. */
 	UObject* GetEffectType() const { return EffectType; }
-	/** Its name, None where the system has none. Loads nothing: what is not in memory is taken at its word. */
-	FName GetEffectTypeName() const;
 	const TArray<FNiagaraEmitterHandle>& GetEmitterHandles() const { return EmitterHandles; }
 	const TArray<FNiagaraUserParameter>& GetUserParameters() const { return UserParameters; }
 

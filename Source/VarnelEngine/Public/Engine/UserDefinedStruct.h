@@ -9,16 +9,12 @@ class UUserDefinedStruct : public UScriptStruct
 public:
 	static UClass* StaticClass();
 
-	/** As the asset names it; the parent in force is GetSuperStruct(), none where this one cannot be had or would close a cycle.
-	 */
+	/** As the asset names it; the parent in force is GetSuperStruct(), none where this one cannot be had or leads back here. */
 	TObjectPtr<UScriptStruct> SuperStruct;
 	FString Category;
 
 	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
 	void PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader) override;
-
-private:
-	bool CanBeLinkedByOthers() const override { return false; }
 };
 
 namespace FObjectEditorUtils

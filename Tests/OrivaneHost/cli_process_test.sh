@@ -67,7 +67,8 @@ expect "a text file is no package" 1 "is no package" "$orivane" graph Docs/Packa
 expect "nothing depends on it" 1 '^depends on: 0 relations$' "$orivane" graph /Game/Data/Enums/E_DamageKind -p "$project"
 expect "a word of an option" 2 "relation: 'parents' is none of: dependencies, referencers, both" "$orivane" graph $hub -r parents -p "$project"
 expect "a depth out of range" 2 'depth: Value 3 not in range' "$orivane" graph $hub --depth 3 -p "$project"
-expect "a file that cannot be written" 2 'cannot write' "$orivane" graph $hub -o "$scratch/empty/none/../../two/a.uproject/x" -p "$project"
+expect "a file in a folder that is missing" 2 'cannot write .*/none/x: there is no folder .*/none' "$orivane" graph $hub -o "$scratch/empty/none/x" -p "$project"
+expect "a dash is standard output" 0 '^├─ /Game/UI' "$orivane" graph $hub -o - -p "$project"
 expect "the graph tool" 0 '"text":"Explored asset graph for .* \(direction: Dependencies, depth: 1, relations: [0-9]+\)"' \
 	"$orivane" call explore_asset_graph "{\"asset_path\":\"$hub\"}" -p "$project"
 

@@ -211,7 +211,8 @@ void AddGraphFormat(CLI::App& Command, FGraphArguments& Out)
 	Format->type_name("FORMAT");
 	const auto UseJson = [&Out] { Out.Format = EGraphFormat::Json; };
 	Command.add_flag_callback("--json", UseJson, "Same as --format json")->excludes(Format);
-	AddText(Command, "-o,--output", Out.OutputFile, "Write to this file instead of standard output")->type_name("FILE");
+	AddText(Command, "-o,--output", Out.OutputFile, "Write to this file instead of standard output; '-' is standard output")
+		->type_name("FILE");
 }
 
 void AddGraph(CLI::App& Program, FGraphArguments& Out)

@@ -51,7 +51,7 @@ struct FGraphArguments
 	int32 MaxFanout = 50;
 	bool bAllKinds = false;
 	EGraphFormat Format = EGraphFormat::Tree;
-	FString OutputFile; // "": standard output
+	FString OutputFile; // "", "-": standard output
 	EColor Color = EColor::Auto;
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };

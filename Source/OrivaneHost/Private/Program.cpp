@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "Core/Log.h"
+#include "Core/StopToken.h"
 #include "PackageMemory.h"
 #include "Progress.h"
 #include "ToolCaller.h"
@@ -32,6 +33,7 @@ int RunOrivane(int NumArguments, const char* const* Arguments)
 		return ExitCode;
 	if (!std::holds_alternative<FMcpArguments>(*Command))
 		Interrupt::Install(); // the protocol server has its own way to end
+	const FStopScope Scope(Interrupt::GetToken());
 	ExitCode = std::visit(FRunCommand(), *Command);
 	Log::Flush();
 	return Interrupt::IsRequested() ? EExitCode::Interrupted : ExitCode;

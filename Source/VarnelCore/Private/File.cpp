@@ -4,17 +4,14 @@
 #include "Core/Unicode.h"
 #include "PathResolver.h"
 #include "SecureOpen.h"
+#include "WriteFile.h"
 
-#include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
-constexpr int32 MaxTemporaryNames = 100; // tried before saving gives up
-
 bool MatchesEveryName(FStringView Wildcard)
 {
 	return Wildcard == "*" || Wildcard == "*.*";
@@ -105,54 +102,6 @@ bool FFileManager::MakeDirectory(const FString& Path)
 	return DirectoryExists(Full);
 }
 
-bool WriteAll(const FFileHandle& File, FStringView Bytes)
-{
-	while (!Bytes.empty())
-	{
-		const ssize_t Written = write(File.Get(), Bytes.data(), Bytes.size());
-		if (Written < 0 && errno != EINTR)
-			return false;
-		Bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(Written, 0)));
-	}
-	return true;
-}
-
-/** A name that other programs and threads do not use at the same time. It is short, since the target's own may have the longest
- * length allowed. */
-FFileHandle CreateTemporary(const FFileHandle& Folder, std::string& OutName)
-{
-	static std::atomic<uint32> Counter = 0;
-	for (int32 Try = 0; Try < MaxTemporaryNames; ++Try)
-	{
-		OutName = ".save-" + std::to_string(getpid()) + "-" + std::to_string(Counter++) + ".tmp";
-		FFileHandle File(openat(Folder.Get(), OutName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-		if (File.IsOpen() || errno != EEXIST)
-			return File;
-	}
-	return {};
-}
-
-/** A file that only its owner may read stays so. */
-void KeepPermissions(const FFileHandle& Folder, const std::string& TargetName, const FFileHandle& File)
-{
-	struct stat Status;
-	if (fstatat(Folder.Get(), TargetName.c_str(), &Status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(Status.st_mode))
-		static_cast<void>(fchmod(File.Get(), Status.st_mode & 0777));
-}
-
-bool ReplaceFile(const FFileHandle& Folder, const std::string& TargetName, FStringView Bytes)
-{
-	std::string TemporaryName;
-	FFileHandle File = CreateTemporary(Folder, TemporaryName);
-	if (!File.IsOpen())
-		return false;
-	KeepPermissions(Folder, TargetName, File);
-	const bool bWritten = WriteAll(File, Bytes) && File.Close();
-	if (bWritten && renameat(Folder.Get(), TemporaryName.c_str(), Folder.Get(), TargetName.c_str()) == 0)
-		return true;
-	unlinkat(Folder.Get(), TemporaryName.c_str(), 0);
-	return false;
-}
 }
 
 IFileManager& IFileManager::Get()
@@ -202,5 +151,5 @@ bool FFileHelper::SaveStringToFile(FStringView Text, const FString& Path)
 	if (Name.empty() || Path.View().ends_with('/') || !IFileManager::Get().MakeDirectory(FolderPath))
 		return false;
 	const FFileHandle Folder = PathResolver::Open(FolderPath, SecureOpen::ToPassFolder);
-	return Folder.IsOpen() && ReplaceFile(Folder, Name, Text);
+	return Folder.IsOpen() && WriteFile::Replace(Folder, Name, Text);
 }

@@ -60,6 +60,11 @@ void PrintSuggestions(const FString& AskedFor)
 		Terminal::PrintError("  an asset is named by its package, such as /Game/UI/W_Menu; find it with: orivane paths NAME\n");
 }
 
+bool IsStandardOutput(const FString& File)
+{
+	return File.IsEmpty() || File.View() == "-";
+}
+
 FString Render(const FJsonObject& Content, const FGraphArguments& Arguments)
 {
 	const FString RootKind = GetRootKind(Content);
@@ -76,18 +81,20 @@ FString Render(const FJsonObject& Content, const FGraphArguments& Arguments)
 		case EGraphFormat::Tree:
 			break;
 	}
-	const bool bColor = Terminal::UsesColor(Arguments.Color) && Arguments.OutputFile.IsEmpty();
+	const bool bColor = Terminal::UsesColor(Arguments.Color) && IsStandardOutput(Arguments.OutputFile);
 	return RenderGraphTree(Content, RootKind, Arguments.MaxNodes, FPainter(bColor));
 }
 
 /** False after saying why. */
 bool Write(const FString& Text, const FGraphArguments& Arguments)
 {
-	if (Arguments.OutputFile.IsEmpty())
+	if (IsStandardOutput(Arguments.OutputFile))
 		return Terminal::Print(Text);
-	if (FFileHelper::SaveStringToFile(Text, FPaths::ConvertRelativePathToFull(Arguments.OutputFile)))
+	FString Error;
+	if (FFileHelper::WriteUserFile(Text, Arguments.OutputFile, Error))
 		return true;
-	Terminal::PrintError(FString("orivane graph: cannot write ") + Terminal::Sanitize(Arguments.OutputFile) + "\n");
+	Terminal::PrintError(
+		FString("orivane graph: cannot write ") + Terminal::Sanitize(Arguments.OutputFile + ": " + Error) + "\n");
 	return false;
 }
 

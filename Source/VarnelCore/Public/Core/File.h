@@ -43,6 +43,13 @@ EFileRead LoadFileToBytes(std::string& Out, const FString& Path, uint64 MaxBytes
 /** Writes UTF-8 without a byte-order mark to a temporary name beside the target and renames it over the target, which keeps its
  * permissions. Creates the folder. False: the target is as it was. */
 bool SaveStringToFile(FStringView Text, const FString& Path);
+/**
+ * The same for a file that the user has named, which may be anything. A regular or missing file is replaced by rename; a link is
+ * followed, and stays; a device, pipe or socket is opened and written, waiting for a reader where there is none, until a stop is
+ * requested (Core/StopToken.h). No folder is created, and no link of the opened project leads out of it. False with a reason that
+ * can stand behind the file's name and a colon: what was there is as it was, unless it is no regular file.
+ */
+bool WriteUserFile(FStringView Text, const FString& Path, FString& OutError);
 }
 
 /** Folders of the opened project and path arithmetic. The project folder is set once, before anything reads it. */

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Containers.h"
+#include "Core/Json.h"
 #include "Project.h"
 #include "Terminal.h"
 
@@ -18,15 +19,7 @@ struct FCallArguments
 struct FSearchArguments
 {
 	FProjectOptions Project;
-	FString Term;
-	bool bExact = false;
-	bool bCaseSensitive = false;
-	TArray<FString> Families;
-	TArray<FString> Kinds;
-	FString PathContains;
-	TOptional<int32> MaxHitsPerKind;
-	TOptional<int32> MaxTotalHits;
-	TOptional<int32> MaxHitsPerAssetType;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>(); // arguments of the tool, as far as they were given
 	bool bJson = false;
 	EColor Color = EColor::Auto;
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
@@ -44,14 +37,9 @@ enum class EGraphFormat : uint8
 struct FGraphArguments
 {
 	FProjectOptions Project;
-	FString Asset;
-	FString Relation = "Dependencies";
-	int32 Depth = 1;
-	int32 MaxNodes = 150;
-	int32 MaxFanout = 50;
-	bool bAllKinds = false;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>();
 	EGraphFormat Format = EGraphFormat::Tree;
-	FString OutputFile; // "", "-": standard output
+	FString OutputFile; // "": standard output
 	EColor Color = EColor::Auto;
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
@@ -59,15 +47,7 @@ struct FGraphArguments
 struct FPathsArguments
 {
 	FProjectOptions Project;
-	FString Term;
-	bool bExact = false;
-	bool bCaseSensitive = false;
-	FString View = "directories"; // "files", "both"
-	FString PathContains;
-	TArray<FString> Classes;
-	TOptional<int32> MaxFiles;
-	TOptional<int32> MaxDirectories;
-	TOptional<int32> MaxFilesPerDirectory;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>();
 	bool bJson = false;
 	EColor Color = EColor::Auto;
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);

@@ -2,6 +2,7 @@
 
 #include "Core/Tasks.h"
 #include "CoreObject/Loader.h"
+#include "Quellar/ToolArguments.h"
 #include "TimeOutAdvice.h"
 #include "ToolSchemas.h"
 
@@ -26,6 +27,17 @@ void RefreshSettings()
 		Log::Write(LogMcp, ELogVerbosity::Warning, "the settings were read again, with faults; see: orivane check");
 }
 
+TArray<FString> ListNarrowingArguments(const FToolDeclaration& Tool)
+{
+	TArray<FToolArgument> Narrowing = Tool.Arguments;
+	Narrowing.RemoveAll([](const FToolArgument& Argument) { return Argument.Narrowing == 0; });
+	Narrowing.StableSort([](const FToolArgument& A, const FToolArgument& B) { return A.Narrowing < B.Narrowing; });
+	TArray<FString> Keys;
+	for (const FToolArgument& Argument : Narrowing)
+		Keys.Add(Argument.Key);
+	return Keys;
+}
+
 FMcpTool MakeTool(const FString& Name, const Orivane::ITool& Entry)
 {
 	FMcpTool Tool{.Name = Name,
@@ -40,6 +52,8 @@ FMcpTool MakeTool(const FString& Name, const Orivane::ITool& Entry)
 		Tool.OutputSchema = Schema->Output;
 		Tool.bReadOnly = true;
 	}
+	if (const FToolDeclaration* Declaration = FindToolDeclaration(Name))
+		Tool.NarrowingArguments = ListNarrowingArguments(*Declaration);
 	return Tool;
 }
 }

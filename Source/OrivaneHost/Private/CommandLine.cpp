@@ -139,7 +139,8 @@ CLI::Option* AddSeconds(CLI::App& App, const char* Name, std::chrono::millisecon
 
 void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 {
-	AddText(App, "-p,--project", Out.Path, "Project folder, or its *.uproject")->type_name("DIR");
+	const auto TakePath = [&Out](const std::string& Path) { Out.Path = Path; }; // as it is: repaired, it may name another one
+	App.add_option_function<std::string>("-p,--project", TakePath, "Project folder, or its *.uproject")->type_name("DIR");
 	AddTexts(App, "--preload", Out.Preload,
 		"Bring into memory first: a package, an object's package, or all below a folder (/Game/FX)")
 		->type_name("PATH");

@@ -94,6 +94,14 @@ printf '# a script\norivane.textsearch term="Health"\nexit\nnonsense\n' | "$oriv
 expect "no such folder" 3 'there is no folder' "$orivane" info --project "$scratch/nowhere"
 expect "a folder without a descriptor" 3 'no \*\.uproject' "$orivane" info --project "$scratch/empty"
 expect "two descriptors" 3 'more than one' "$orivane" info --project "$scratch/two"
+mkdir "$scratch/odd"
+cp -r "$sample" "$scratch/odd/bad"$'\xff'
+ln -s "bad"$'\xff' "$scratch/odd/link"
+for path in "$scratch/odd/bad"$'\xff' "$scratch/odd/bad"$'\xff/Lantern.uproject' "$scratch/odd/link"; do
+	expect "a path that is not UTF-8" 3 'cannot open the project: .*is not valid UTF-8' "$orivane" console -c 'Orivane.EnumSearch term=x' -p "$path"
+done
+expect "nor is the current folder" 3 'is not valid UTF-8' env --chdir="$scratch/odd/bad"$'\xff' "$orivane" search BB_
+[ "$(find "$scratch/odd" -mindepth 1 -maxdepth 1 | wc -l)" -eq 2 ] || { echo "FAILED: something was made beside the project"; failures=$((failures + 1)); }
 expect "info counts" 0 'packages' "$orivane" info --project "$project"
 expect "info as JSON" 0 '^\{"name":"Lantern"' "$orivane" info --json --project "$project"
 expect "the sample is clean" 0 '0 error' "$orivane" check --project "$project"

@@ -213,6 +213,41 @@ TEST(FileHelper, LinksAreFollowedOutsideTheProjectOnly)
 	EXPECT_EQ(Found.Num(), 0) << "a linked folder is no root either";
 }
 
+TEST(FileHelper, NothingIsReachedBelowAProjectThatCannotBeOpened)
+{
+	const FScratchFolder Scratch;
+	Scratch.MakeFolder("bad\xFF");
+	Scratch.Link("bad\xFF", "Link");
+	Scratch.Write("Project/File.md", "text");
+	const struct
+	{
+		const char* Why;
+		std::string Folder;
+		int Reason;
+	} Cases[] = {
+		{"missing", "Nowhere", ENOENT},
+		{"a file", "Project/File.md", ENOTDIR},
+		{"not UTF-8", "bad\xFF", EILSEQ},
+		{"not UTF-8 behind a link", "Link", EILSEQ},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		EXPECT_FALSE(FPaths::SetProjectDir(Scratch.Path(Case.Folder)));
+		EXPECT_EQ(errno, Case.Reason);
+		EXPECT_FALSE(FFileHelper::SaveStringToFile("new", FPaths::ProjectDir() + "Saved/New.md"));
+		EXPECT_FALSE(IFileManager::Get().MakeDirectory(FPaths::ProjectDir() + "Saved"));
+	}
+	ASSERT_TRUE(FPaths::SetProjectDir(Scratch.Path("Project")));
+	EXPECT_EQ(Names(Scratch, "*"), std::vector<std::string>{"Project/File.md"});
+	EXPECT_FALSE(std::filesystem::exists(Scratch.Path("Nowhere").ToStdString()));
+
+	Scratch.Remove("Project");
+	EXPECT_FALSE(FFileHelper::SaveStringToFile("new", FPaths::ProjectDir() + "Saved/New.md"));
+	EXPECT_FALSE(std::filesystem::exists(Scratch.Path("Project").ToStdString())) << "a project that is gone is not made anew";
+	FPaths::SetProjectDir("");
+}
+
 TEST(FileManager, WildcardsMatchFileNames)
 {
 	const FScratchFolder Scratch;

@@ -228,7 +228,8 @@ void AddToolArguments(CLI::App& App, const char* ToolName, const TSharedPtr<FJso
 
 void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 {
-	AddText(App, "-p,--project", Out.Path, "Project folder, or its *.uproject")->type_name("DIR");
+	const auto TakePath = [&Out](const std::string& Path) { Out.Path = Path; }; // as it is: repaired, it may name another one
+	App.add_option_function<std::string>("-p,--project", TakePath, "Project folder, or its *.uproject")->type_name("DIR");
 	AddTexts(App, "--preload", Out.Preload,
 		"Bring into memory first: a package, an object's package, or all below a folder (/Game/FX)")
 		->type_name("PATH");

@@ -11,7 +11,9 @@
 #include "ProjectFiles.h"
 #include "UserFolders.h"
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <unistd.h>
 
 namespace
@@ -50,6 +52,13 @@ FString GetUserCacheFolder(const FString& ProjectFolder)
 int64 GetDefaultObjectMemory()
 {
 	return static_cast<int64>(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGESIZE) / 4;
+}
+
+FString DescribeOpenError(int ErrorNumber)
+{
+	if (ErrorNumber == EILSEQ)
+		return "its path is not valid UTF-8; rename the folders on it";
+	return FString::FromExternal(std::strerror(ErrorNumber));
 }
 
 void MountRoots(const FProjectSummary& Summary, const FString& EngineContent)
@@ -179,7 +188,12 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	FProjectSummary Summary;
 	if (!ProjectFiles::FindDescriptor(Options.Path, Summary.Folder, Summary.DescriptorFile, OutError))
 		return false;
-	FPaths::SetProjectDir(Summary.Folder);
+	if (!FPaths::SetProjectDir(Summary.Folder))
+	{
+		OutError = "the folder " + FString::FromExternal(Summary.Folder) + " cannot be opened: " + DescribeOpenError(errno);
+		FPaths::SetProjectDir("");
+		return false;
+	}
 	Summary.Folder = FPaths::ProjectDir();
 
 	ProjectFiles::ReadDescriptor(Summary, Diagnostics);

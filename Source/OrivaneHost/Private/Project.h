@@ -13,7 +13,7 @@ struct FScanProgress
 /** How a project is to be opened. */
 struct FProjectOptions
 {
-	FString Path;		   // project folder or its *.uproject; empty: look from the current folder upward
+	FString Path;		   // project folder or its *.uproject, any bytes; empty: look from the current folder upward
 	FString EngineContent; // folder mounted as /Engine; empty: none
 	ERegistryCache Cache = ERegistryCache::Use;
 	int32 NumThreads = 0;	 // 0: all processors

@@ -2,10 +2,12 @@
 
 #include "AssetObjectPath.h"
 #include "Core/Checksum.h"
+#include "Core/Tasks.h"
 #include "Core/Unicode.h"
 #include "TableChecks.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <type_traits>
 
@@ -15,6 +17,7 @@ constexpr std::array<char, 8> ImageMagic = {'V', 'A', 'R', 'N', 'R', 'E', 'G', '
 constexpr uint32 ImageVersion = 6; // counts up with every change to the columns, their meaning or their order
 constexpr uint32 OwnByteOrder = 0x01020304;
 constexpr std::size_t ColumnAlignment = 64;
+constexpr std::size_t ParallelBytes = 4 * 1024 * 1024; // smaller images are not worth the threads
 
 struct FColumnPlace
 {
@@ -36,6 +39,8 @@ struct FImageHeader
 	std::array<FColumnPlace, NumColumns> Columns = {};
 };
 static_assert(std::has_unique_object_representations_v<FImageHeader>, "no byte of the header may be left to chance");
+
+static_assert(sizeof(FImageHeader) <= FRegistryImage::NumStartBytes);
 
 uint64 AlignUp(uint64 Offset)
 {
@@ -109,26 +114,33 @@ bool ReadHeader(std::string_view Bytes, FImageHeader& Header)
 }
 
 /** Every column lies where Build would have put it, and holds whole elements. */
-bool ArePlacesSound(std::string_view Bytes, const FImageHeader& Header)
+bool ArePlacesSound(std::size_t NumBytes, const FImageHeader& Header)
 {
 	uint64 End = sizeof(FImageHeader);
 	std::size_t Index = 0;
-	bool bSound = Header.NumBytes == Bytes.size();
+	bool bSound = Header.NumBytes == NumBytes;
 	FRegistryTables().ForEach(
 		[&](auto& Column)
 		{
 			const FColumnPlace& Place = Header.Columns[Index++];
-			bSound = bSound && Place.Offset == AlignUp(End) && Place.Offset <= Bytes.size() &&
-				Place.NumBytes <= Bytes.size() - Place.Offset && Place.NumBytes % sizeof(Column[0]) == 0;
+			bSound = bSound && Place.Offset == AlignUp(End) && Place.Offset <= NumBytes &&
+				Place.NumBytes <= NumBytes - Place.Offset && Place.NumBytes % sizeof(Column[0]) == 0;
 			End = Place.Offset + Place.NumBytes;
 		});
-	return bSound && AlignUp(End) == Bytes.size();
+	return bSound && AlignUp(End) == NumBytes;
 }
 
 bool AreHashesRight(std::string_view Bytes, const FImageHeader& Header)
 {
-	return std::all_of(Header.Columns.begin(), Header.Columns.end(),
-		[Bytes](const FColumnPlace& Place) { return ChecksumOf(Bytes.substr(Place.Offset, Place.NumBytes)) == Place.Hash; });
+	std::atomic<bool> bRight = true;
+	const auto Check = [&](int32 Column, int32, int32)
+	{
+		const FColumnPlace& Place = Header.Columns[static_cast<std::size_t>(Column)];
+		if (ChecksumOf(Bytes.substr(Place.Offset, Place.NumBytes)) != Place.Hash)
+			bRight = false;
+	};
+	ParallelFor(static_cast<int32>(NumColumns), 1, Check, Bytes.size() < ParallelBytes ? 1 : 0);
+	return bRight;
 }
 }
 
@@ -148,14 +160,23 @@ TSharedPtr<const FRegistryImage> FRegistryImage::Build(FRegistryDraft&& Draft, c
 	return Image;
 }
 
-TSharedPtr<const FRegistryImage> FRegistryImage::Open(FImageBytes Bytes, EImageState& OutState)
+EImageState FRegistryImage::LookAtStart(std::string_view Start, std::size_t NumFileBytes)
 {
 	FImageHeader Header;
-	OutState = EImageState::Foreign;
-	if (!ReadHeader(Bytes.View(), Header))
+	if (!ReadHeader(Start, Header))
+		return EImageState::Foreign;
+	const bool bSound = HashHeader(Header) == Header.Hash && ArePlacesSound(NumFileBytes, Header);
+	return bSound ? EImageState::Sound : EImageState::Damaged;
+}
+
+TSharedPtr<const FRegistryImage> FRegistryImage::Open(FImageBytes Bytes, EImageState& OutState)
+{
+	OutState = LookAtStart(Bytes.View(), Bytes.View().size());
+	if (OutState != EImageState::Sound)
 		return nullptr;
 	OutState = EImageState::Damaged;
-	if (HashHeader(Header) != Header.Hash || !ArePlacesSound(Bytes.View(), Header) || !AreHashesRight(Bytes.View(), Header))
+	FImageHeader Header;
+	if (!ReadHeader(Bytes.View(), Header) || !AreHashesRight(Bytes.View(), Header))
 		return nullptr;
 	const auto Image = MakeShared<FRegistryImage>();
 	Image->Bytes = std::move(Bytes);

@@ -89,7 +89,9 @@ bool FFileManager::MakeDirectory(const FString& Path)
 {
 	const FString Full = FPaths::ConvertRelativePathToFull(Path);
 	const FStringView Text = Full.View();
-	for (std::size_t Start = 1; Start < Text.size() && !DirectoryExists(Full);)
+	// The project's own folder is never made: where it is gone, so is the project.
+	const TOptional<FStringView> InProject = PathResolver::GetPathInProject(Text);
+	for (std::size_t Start = InProject ? Text.size() - InProject->size() : 1; Start < Text.size() && !DirectoryExists(Full);)
 	{
 		const std::size_t End = std::min(Text.find('/', Start), Text.size());
 		const FString Parent(Text.substr(0, Start));

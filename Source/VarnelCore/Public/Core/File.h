@@ -62,8 +62,9 @@ FString ProjectPluginsDir();
 FString ProjectSavedDir();
 FString ProjectIntermediateDir();
 /** Host only. Makes Dir absolute (symbolic links in the path to the project itself are resolved); "" closes the project. Any
- * opened registry must be closed. */
-void SetProjectDir(const FString& Dir);
+ * opened registry must be closed. False, with the reason in errno, where the folder cannot be opened or its path is not UTF-8
+ * (EILSEQ): nothing below it can be opened or created then. */
+bool SetProjectDir(const FString& Dir);
 
 /** Text behind the last dot of the file name, without the dot; empty when there is none. */
 FStringView GetExtension(FStringView Path);

@@ -1,3 +1,4 @@
+#include "Quellar/AssetRegistryUtils.h"
 #include "Support/TestProject.h"
 
 TEST(EnumFamily, FindsEntries)
@@ -187,6 +188,23 @@ TEST(DataAssetFamily, NamesInputAssets)
 				"| "
 				"IMC_Jump: InputMappingContext IMC_Jump @MappingContext; ClassName InputMappingContext @Class"},
 		});
+}
+
+TEST(ObjectFamilies, NamesMayHoldMarks)
+{
+	FTestProject Project;
+	Project.Asset("/Game/It's & more!/It's", "Blueprint")
+		.Tags(R"("GeneratedClass": "Class'/Game/It's & more!/It's.It's_C'", "ParentClass": "Class'/Script/Engine.DataAsset'")")
+		.Set("ParentClass", R"("Class'/Script/Engine.DataAsset'")")
+		.Set("NewVariables", R"([{"name": "Tide", "type": "array<class</Game/It's & more!/It's.It's_C>>"}])");
+	Project.Asset("/Game/~Tom,Bob'/DA'", "/Game/It's & more!/It's.It's_C");
+	Project.Links("/Game/~Tom,Bob'/User", {"User World"}, {"/Game/~Tom,Bob'/DA'"});
+	ExpectFound(
+		Project, "DataAsset", {{"by class and property", "t", "DA': ClassName It's_C @Class; PropertyName Tide @Properties"}});
+	EXPECT_EQ(Project.Search("DataAsset", "t").Results[0].AssetPath, "/Game/~Tom,Bob'/DA'.DA'");
+	EXPECT_EQ(OrivaneAssetRegistryUtils::GetAssetByPath("It's_C'/Game/~Tom,Bob'/DA'.DA''").AssetName, FName("DA'"));
+	EXPECT_EQ(OrivaneAssetRegistryUtils::GetAssetRegistry()->GetNumReferencers("/Game/~Tom,Bob'/DA'"), 1);
+	EXPECT_EQ(Project.Check(), "");
 }
 
 TEST(ObjectFamilies, LoadEachAssetOnceAndKeepIt)

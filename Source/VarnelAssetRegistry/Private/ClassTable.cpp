@@ -8,20 +8,11 @@
 
 namespace
 {
-/** "/Script/Engine.Actor" from itself and from Class'/Script/Engine.Actor'. */
-std::string_view StripExportForm(std::string_view Text)
-{
-	const std::size_t Quote = Text.find('\'');
-	if (Quote == std::string_view::npos || Quote + 1 >= Text.size() || Text.back() != '\'')
-		return Text;
-	return Text.substr(Quote + 1, Text.size() - Quote - 2);
-}
-
 bool IsClassPath(std::string_view Text)
 {
 	const std::size_t Dot = Text.find('.');
 	return Text.starts_with('/') && Dot != std::string_view::npos && Dot + 1 < Text.size() &&
-		Text.find_first_of(".:/'", Dot + 1) == std::string_view::npos;
+		Text.find_first_of(".:/", Dot + 1) == std::string_view::npos;
 }
 
 /** Lists the elements of every row: First[Row] up to First[Row + 1] in Elements, ascending. RowOf[Element] may be NoId. */

@@ -27,8 +27,7 @@ FString ObjectPathToPackageName(FStringView ObjectPath);
 FStringView GetShortName(FStringView PackageName);
 /** Text before the last "/": "/Game/UI/W_Menu" gives "/Game/UI". */
 FStringView GetLongPackagePath(FStringView PackageName);
-/** "/Root/..." with a segment behind the root, no empty or dot segment, none of \ : * ? " < > | ' , . & ! ~ and no control
- * character. */
+/** "/Root/..." with a segment behind the root, no empty segment, none of \ : * ? " < > | . and no control character. */
 bool IsValidLongPackageName(FStringView Text);
 
 /**

@@ -8,15 +8,17 @@ TEST(EnumFamily, FindsEntries)
 		.Set("Entries", R"([{"name": "Ebb", "display": "Falling water"}, {"name": "Slack", "display": "Slack"},
 			{"name": "Flood", "display": "Rising water"}])");
 	Project.Asset("/Game/E_Empty", "UserDefinedEnum");
+	Project.Asset("/Game/E_Own", "UserDefinedEnum").Set("Entries", R"([{"name": "E_Own_MAX", "display": "Brim"}])");
 	ExpectFound(Project, "Enum",
 		{
 			{"by display text", "rising", "E_Tide: ValueDisplayName Rising water @Values"},
 			{"by internal name", "flood", "E_Tide: ValueInternalName E_Tide::Flood @Values"},
 			{"by both, display text first", "slack",
 				"E_Tide: ValueDisplayName Slack @Values; ValueInternalName E_Tide::Slack @Values"},
-			{"the generated last entry", "_max",
-				"E_Empty: ValueDisplayName E_Empty_MAX @Values; ValueInternalName E_Empty::E_Empty_MAX @Values | E_Tide: "
-				"ValueDisplayName E_Tide_MAX @Values; ValueInternalName E_Tide::E_Tide_MAX @Values"},
+			{"the generated last entry", "y_max",
+				"E_Empty: ValueDisplayName E_Empty_MAX @Values; ValueInternalName E_Empty::E_Empty_MAX @Values"},
+			{"an entry called like the generated one stays", "own_",
+				"E_Own: ValueInternalName E_Own::E_Own_MAX @Values x2; ValueDisplayName E_Own_MAX @Values"},
 			{"entry by entry", "water", "E_Tide: ValueDisplayName Falling water @Values; ValueDisplayName Rising water @Values"},
 		});
 	FAssetSearchParams Params;

@@ -1,3 +1,4 @@
+#include "Quellar/AssetRegistryUtils.h"
 #include "Support/TestProject.h"
 
 TEST(EnumFamily, FindsEntries)
@@ -7,15 +8,17 @@ TEST(EnumFamily, FindsEntries)
 		.Set("Entries", R"([{"name": "Ebb", "display": "Falling water"}, {"name": "Slack", "display": "Slack"},
 			{"name": "Flood", "display": "Rising water"}])");
 	Project.Asset("/Game/E_Empty", "UserDefinedEnum");
+	Project.Asset("/Game/E_Own", "UserDefinedEnum").Set("Entries", R"([{"name": "E_Own_MAX", "display": "Brim"}])");
 	ExpectFound(Project, "Enum",
 		{
 			{"by display text", "rising", "E_Tide: ValueDisplayName Rising water @Values"},
 			{"by internal name", "flood", "E_Tide: ValueInternalName E_Tide::Flood @Values"},
 			{"by both, display text first", "slack",
 				"E_Tide: ValueDisplayName Slack @Values; ValueInternalName E_Tide::Slack @Values"},
-			{"the generated last entry", "_max",
-				"E_Empty: ValueDisplayName E_Empty_MAX @Values; ValueInternalName E_Empty::E_Empty_MAX @Values | E_Tide: "
-				"ValueDisplayName E_Tide_MAX @Values; ValueInternalName E_Tide::E_Tide_MAX @Values"},
+			{"the generated last entry", "y_max",
+				"E_Empty: ValueDisplayName E_Empty_MAX @Values; ValueInternalName E_Empty::E_Empty_MAX @Values"},
+			{"an entry called like the generated one stays", "own_",
+				"E_Own: ValueInternalName E_Own::E_Own_MAX @Values x2; ValueDisplayName E_Own_MAX @Values"},
 			{"entry by entry", "water", "E_Tide: ValueDisplayName Falling water @Values; ValueDisplayName Rising water @Values"},
 		});
 	FAssetSearchParams Params;
@@ -199,6 +202,23 @@ TEST(DataAssetFamily, NamesInputAssets)
 				"| "
 				"IMC_Jump: InputMappingContext IMC_Jump @MappingContext; ClassName InputMappingContext @Class"},
 		});
+}
+
+TEST(ObjectFamilies, NamesMayHoldMarks)
+{
+	FTestProject Project;
+	Project.Asset("/Game/It's & more!/It's", "Blueprint")
+		.Tags(R"("GeneratedClass": "Class'/Game/It's & more!/It's.It's_C'", "ParentClass": "Class'/Script/Engine.DataAsset'")")
+		.Set("ParentClass", R"("Class'/Script/Engine.DataAsset'")")
+		.Set("NewVariables", R"([{"name": "Tide", "type": "array<class</Game/It's & more!/It's.It's_C>>"}])");
+	Project.Asset("/Game/~Tom,Bob'/DA'", "/Game/It's & more!/It's.It's_C");
+	Project.Links("/Game/~Tom,Bob'/User", {"User World"}, {"/Game/~Tom,Bob'/DA'"});
+	ExpectFound(
+		Project, "DataAsset", {{"by class and property", "t", "DA': ClassName It's_C @Class; PropertyName Tide @Properties"}});
+	EXPECT_EQ(Project.Search("DataAsset", "t").Results[0].AssetPath, "/Game/~Tom,Bob'/DA'.DA'");
+	EXPECT_EQ(OrivaneAssetRegistryUtils::GetAssetByPath("It's_C'/Game/~Tom,Bob'/DA'.DA''").AssetName, FName("DA'"));
+	EXPECT_EQ(OrivaneAssetRegistryUtils::GetAssetRegistry()->GetNumReferencers("/Game/~Tom,Bob'/DA'"), 1);
+	EXPECT_EQ(Project.Check(), "");
 }
 
 TEST(ObjectFamilies, LoadEachAssetOnceAndKeepIt)

@@ -13,7 +13,7 @@ bool IsClassPath(std::string_view Text)
 {
 	const std::size_t Dot = Text.find('.');
 	return Text.starts_with('/') && Dot != std::string_view::npos && Dot + 1 < Text.size() &&
-		Text.find_first_of(".:/'", Dot + 1) == std::string_view::npos;
+		Text.find_first_of(".:/", Dot + 1) == std::string_view::npos;
 }
 
 /** Lists the elements of every row: First[Row] up to First[Row + 1] in Elements, ascending. RowOf[Element] may be NoId. */

@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr FRefusedBytes RefusedInPackageNames("\\:*?\"<>|',.&!~");
+constexpr FRefusedBytes RefusedInPackageNames("\\:*?\"<>|.");
 constexpr FStringView ScriptRoot = "/Script"; // declared and built-in classes, never files
 
 TArray<FPackageName::FMountPoint>& GetMounts()

@@ -10,7 +10,7 @@ namespace
 {
 constexpr FStringView Separators = ".:";
 
-constexpr FRefusedBytes RefusedInNames(".:/\\'\"");
+constexpr FRefusedBytes RefusedInNames(".:/\\\"");
 }
 
 bool PathText::IsObjectName(FStringView Text)

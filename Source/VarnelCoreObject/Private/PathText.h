@@ -5,7 +5,7 @@
 /** The forms of names and paths as they stand in project files, checked as text: nothing is interned or allocated. Any thread. */
 namespace PathText
 {
-/** A name that an object may have: not empty, not "None", none of . : / \ ' " and no control character. */
+/** A name that an object may have: not empty, not "None", none of . : / \ " and no control character. */
 bool IsObjectName(FStringView Text);
 /** "/Package/Path.Asset": a valid long package name, a dot, an object name. */
 bool IsTopLevelPath(FStringView Text);

@@ -132,7 +132,7 @@ TArray<UEnum::FEntry> FPropertyReader::ReadEnumEntries(const FJsonRef& List, FSt
 	const FString Prefix = FString(EnumName) + "::";
 	const FString MaximumName = FString(EnumName) + "_MAX";
 	TArray<UEnum::FEntry> Entries;
-	TSet<FString> Names = {MaximumName};
+	TSet<FString> Names;
 	ForEachObject(List, *this,
 		[&](const FJsonRef& Element)
 		{

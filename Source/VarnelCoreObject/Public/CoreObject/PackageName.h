@@ -29,8 +29,8 @@ FStringView GetShortName(FStringView PackageName);
 FStringView GetLongPackagePath(FStringView PackageName);
 /** Longest long package name, bytes: what a path may take on the systems this runs on. */
 constexpr std::size_t MaxLongPackageNameBytes = 4096;
-/** "/Root/..." with a segment behind the root, no empty or dot segment, none of \ : * ? " < > | ' , . & ! ~ and no control
- * character, and not longer than MaxLongPackageNameBytes. */
+/** "/Root/..." with a segment behind the root, no empty segment, none of \ : * ? " < > | . and no control character, not longer
+ * than MaxLongPackageNameBytes. */
 bool IsValidLongPackageName(FStringView Text);
 
 /** The path inside the export form Class'/Game/A.A', where the class may be a path too; anything else as it is. */

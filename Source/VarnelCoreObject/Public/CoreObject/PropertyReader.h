@@ -37,7 +37,8 @@ public:
 	void FinishDeclarations(UStruct& Struct);
 	/**
 	 * Entries { "name", "display"? } of an enumeration, stored as "Enumeration::name" with values from 0 on, and behind them the
-	 * maximum entry "Enumeration::Enumeration_MAX", displayed without the prefix. Faulty and repeated entries are left out.
+	 * maximum entry "Enumeration::Enumeration_MAX", displayed without the prefix, also where an entry has that name already.
+	 * Faulty and repeated entries are left out.
 	 */
 	TArray<UEnum::FEntry> ReadEnumEntries(const FJsonRef& Entries, FStringView EnumName);
 	/** A reference as written: a full path, or a path inside the package being read; null path for JSON null. False and a

@@ -20,18 +20,6 @@ FString Join(FStringView Left, char Separator, FStringView Right)
 }
 }
 
-/**
- * Names may hold quotes. The path inside the form begins at a slash behind a quote, and nothing before it can be mistaken for
- * that: the name of a class has no slash, and the path of a class has none behind its dot.
- */
-FStringView StripExportForm(FStringView Text)
-{
-	const std::size_t ClassEnd = Text.starts_with('/') ? Text.find('.') : 0;
-	const std::size_t Start = ClassEnd == FStringView::npos ? ClassEnd : Text.find('/', ClassEnd);
-	const bool bExportForm = Start != FStringView::npos && Start > 0 && Text[Start - 1] == '\'' && Text.back() == '\'';
-	return bExportForm ? Text.substr(Start, Text.size() - Start - 1) : Text;
-}
-
 FTopLevelAssetPath::FTopLevelAssetPath(FStringView Text)
 {
 	const std::size_t Dot = Text.find('.');

@@ -138,11 +138,16 @@ bool FPackageName::IsValidLongPackageName(FStringView Text)
 	return Text.size() <= MaxLongPackageNameBytes && HasPackageNameForm(Text) && Text.find('/', 1) != FStringView::npos;
 }
 
+/**
+ * Names may hold quotes. The path inside the form begins at a slash behind a quote, and nothing before it can be mistaken for
+ * that: the name of a class has no slash, and the path of a class has none behind its dot.
+ */
 FStringView FPackageName::ExportTextPathToObjectPath(FStringView Text)
 {
-	const std::size_t Quote = Text.find("'/");
-	const bool bExportForm = Quote != FStringView::npos && Quote + 2 < Text.size() && Text.back() == '\'';
-	return bExportForm ? Text.substr(Quote + 1, Text.size() - Quote - 2) : Text;
+	const std::size_t ClassEnd = Text.starts_with('/') ? Text.find('.') : 0;
+	const std::size_t Start = ClassEnd == FStringView::npos ? ClassEnd : Text.find('/', ClassEnd);
+	const bool bExportForm = Start != FStringView::npos && Start > 0 && Text[Start - 1] == '\'' && Text.back() == '\'';
+	return bExportForm ? Text.substr(Start, Text.size() - Start - 1) : Text;
 }
 
 bool FPackageName::TryConvertPackageFileToLongPackageName(FStringView Filename, FString& OutPackageName)

@@ -37,6 +37,7 @@ public:
 
 private:
 	UPackage* LoadFromFile(FName PackageName);
+	bool Build(FName PackageName, FPackageText& Text, UPackage& Package, std::vector<FName>& OutReferences);
 	TUniquePtr<FPackageText> GetParsed(FName PackageName);
 	bool IsRunning(FName PackageName) const;
 	void Report(EDiagnosticSeverity Severity, const FString& FileName, const char* Rule, FString Text);
@@ -95,10 +96,8 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 	}
 	const FPackageFile& File = Text->GetFile();
 	UPackage* const Package = FindPackage(File.PackageName.IsNone() ? PackageName : File.PackageName, true);
-	Running.push_back({PackageName, File.FileName, {}});
-	const bool bRead = Text->BuildObjects(*Package, Diagnostics);
-	std::vector<FName> References = std::move(Running.back().References);
-	Running.pop_back();
+	std::vector<FName> References;
+	const bool bRead = Build(PackageName, *Text, *Package, References);
 	if (bRead)
 	{
 		Package->MarkAsFullyLoaded();
@@ -112,6 +111,24 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 	if (Ahead)
 		Ahead->Recycle(std::move(Text));
 	return bRead ? Package : nullptr;
+}
+
+bool FLoader::Build(FName PackageName, FPackageText& Text, UPackage& Package, std::vector<FName>& OutReferences)
+{
+	Running.push_back({PackageName, Text.GetFile().FileName, {}});
+	try
+	{
+		const bool bRead = Text.BuildObjects(Package, Diagnostics);
+		OutReferences = std::move(Running.back().References);
+		Running.pop_back();
+		return bRead;
+	}
+	catch (...) // out of memory: the package is as if nobody had asked for it
+	{
+		Running.pop_back();
+		UnloadPackage(&Package);
+		throw;
+	}
 }
 
 /** The package's file, parsed; null when it has none. */

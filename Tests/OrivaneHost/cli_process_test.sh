@@ -173,5 +173,16 @@ ends_soon "a search ends at its limit" 1 'did not complete within 1 s: narrow th
 ends_soon "a search ends at once on Ctrl-C" 130 '' INT "$orivane" search absent -p "$scratch/Long"
 ends_soon "and when it is terminated" 130 '' TERM "$orivane" call asset_search '{"term":"absent"}' -p "$scratch/Long"
 
+# Sanitizers need room of their own: with them this says nothing.
+limited() (
+	ulimit -v 30000
+	"$@"
+)
+if limited "$orivane" --version >/dev/null 2>&1; then
+	for command in "search Health" "graph $hub" "paths BT_" "info" "check" "console -c help" "mcp"; do
+		expect "too little memory for $command" 2 '^orivane: (out of memory|no thread can be started)$' limited "$orivane" $command -p "$project"
+	done
+fi
+
 echo "$failures failure(s)"
 exit $((failures > 0))

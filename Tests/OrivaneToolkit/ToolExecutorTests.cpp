@@ -6,6 +6,7 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <map>
+#include <new>
 #include <stop_token>
 #include <thread>
 
@@ -267,6 +268,26 @@ TEST_F(ToolExecutor, AsksToolsToStop)
 	EXPECT_EQ(Parallel->GetStopped(), "ab") << "its time is up; cancelled";
 	Executor.reset();
 	EXPECT_EQ(Parallel->GetStopped(), "abc") << "left behind; the last one was done";
+}
+
+TEST_F(ToolExecutor, AToolThatThrowsFailsItsOwnCall)
+{
+	const auto Throw = [] { throw std::bad_alloc(); };
+	Executor->RegisterTool("throwing", MakeShared<FHoldingTool>(Throw));
+	Call("throwing", "a");
+	Call("sequential", "b");
+	Pump();
+	EXPECT_EQ(Answers, "a: Tool 'throwing' failed: out of memory");
+	Call("parallel", "c");
+	Call("sequential", "d");
+	Pump();
+	Executor->FailStartedCalls("out of memory"); // a task of theirs has thrown
+	Pump();
+	EXPECT_EQ(Answers,
+		"a: Tool 'throwing' failed: out of memory | b: Tool 'sequential' failed: out of memory | c: Tool 'parallel' failed: out "
+		"of memory");
+	EXPECT_EQ(Parallel->GetStopped() + Sequential->GetStopped(), "cb");
+	EXPECT_EQ(Sequential->Started, "bd") << "and the queue goes on";
 }
 
 TEST_F(ToolExecutor, LimitsBeyondTheClocksEndAreNone)

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Core/Log.h"
 #include "Core/StopToken.h"
+#include "LastResort.h"
 #include "PackageMemory.h"
 #include "Progress.h"
 #include "ToolCaller.h"
@@ -22,9 +23,8 @@ struct FRunCommand
 	int operator()(const FCheckArguments& Arguments) const { return RunCheck(Arguments); }
 	int operator()(const FMcpArguments& Arguments) const { return RunMcp(Arguments); }
 };
-}
 
-int RunOrivane(int NumArguments, const char* const* Arguments)
+int RunCommandLine(int NumArguments, const char* const* Arguments)
 {
 	std::setlocale(LC_CTYPE, "");
 	int ExitCode = EExitCode::Found;
@@ -37,6 +37,20 @@ int RunOrivane(int NumArguments, const char* const* Arguments)
 	ExitCode = std::visit(FRunCommand(), *Command);
 	Log::Flush();
 	return Interrupt::IsRequested() ? EExitCode::Interrupted : ExitCode;
+}
+}
+
+int RunOrivane(int NumArguments, const char* const* Arguments)
+{
+	try
+	{
+		return RunCommandLine(NumArguments, Arguments);
+	}
+	catch (const std::exception& Failure)
+	{
+		LastResort::Print(Failure);
+		return EExitCode::WrongUse;
+	}
 }
 
 bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, bool bMentionFaults, int& OutExitCode)

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 
 namespace
 {
@@ -29,8 +30,15 @@ void WriteLines(std::stop_token Stop, const FScanProgress& Progress)
 
 FProgressLine::FProgressLine(const FScanProgress& Progress)
 {
-	if (Terminal::IsStderrTerminal())
+	if (!Terminal::IsStderrTerminal())
+		return;
+	try
+	{
 		Writer = std::jthread([&Progress](std::stop_token Stop) { WriteLines(Stop, Progress); });
+	}
+	catch (const std::system_error&) // no more threads; it goes without
+	{
+	}
 }
 
 FProgressLine::~FProgressLine() = default;

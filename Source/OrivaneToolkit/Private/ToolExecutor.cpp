@@ -1,5 +1,6 @@
 #include "ToolExecutor.h"
 
+#include "Core/Failure.h"
 #include "Core/Json.h"
 #include "Core/StopToken.h"
 #include "Core/Tasks.h"
@@ -37,6 +38,11 @@ FString DescribeTimeOut(const FToolCommand& Command, const FToolCallOptions& Opt
 	const FString Text = "Tool '" + Command.ToolName + "' did not complete within " + DescribeSeconds(Options.TimeLimit);
 	const FString Explanation = Options.ExplainTimeOut ? Options.ExplainTimeOut(Command) : FString();
 	return Explanation.IsEmpty() ? Text : Text + ": " + Explanation;
+}
+
+FString DescribeToolFailure(const FToolCommand& Command, const FString& Error)
+{
+	return "Tool '" + Command.ToolName + "' failed: " + Error;
 }
 
 FString DescribeUnknownTool(const FToolCommand& Command, const TArray<FString>& KnownNames)
@@ -147,6 +153,25 @@ bool FToolExecutor::Cancel(FToolCallId Id)
 	return true;
 }
 
+void FToolExecutor::FailStartedCalls(const FString& Error)
+{
+	std::vector<FCallPtr> Started;
+	{
+		std::lock_guard Guard(Lock);
+		for (const auto& [Id, Open] : OpenCalls)
+		{
+			if (Open->bStarted)
+				Started.push_back(Open);
+		}
+	}
+	for (const FCallPtr& Call : Started)
+	{
+		Call->Stop.request_stop();
+		if (Close(Call))
+			DeliverError(Call, DescribeToolFailure(Call->Command, Error));
+	}
+}
+
 bool FToolExecutor::IsAnyToolRunning() const
 {
 	std::lock_guard Guard(Lock);
@@ -232,13 +257,22 @@ bool FToolExecutor::Start(const FCallPtr& Call)
  */
 void FToolExecutor::Execute(ITool& Tool, const FCallPtr& Call, const TSharedPtr<FToolResult>& Result)
 {
-	const FOnThread Here(*this, Call);
-	Tool.Execute(Call->Command, Result,
-		[WeakThis = weak_from_this(), Call, Result](FToolResult& Completed)
-		{
-			if (const auto This = WeakThis.lock())
-				This->Answer(Call, Completed);
-		});
+	try
+	{
+		const FOnThread Here(*this, Call);
+		Tool.Execute(Call->Command, Result,
+			[WeakThis = weak_from_this(), Call, Result](FToolResult& Completed)
+			{
+				if (const auto This = WeakThis.lock())
+					This->Answer(Call, Completed);
+			});
+	}
+	catch (const std::exception& Failure)
+	{
+		if (!Close(Call)) // what failed is whoever was given the answer
+			throw;
+		DeliverError(Call, DescribeToolFailure(Call->Command, DescribeFailure(Failure)));
+	}
 }
 
 bool FToolExecutor::Close(const FCallPtr& Call)

@@ -39,6 +39,7 @@ public:
 	FToolCallId Call(
 		const FToolCommand& Command, const FToolCallOptions& Options, TDelegate<void(FToolResult&)> OnAnswer) override;
 	bool Cancel(FToolCallId Id) override;
+	void FailStartedCalls(const FString& Error) override;
 	bool IsAnyToolRunning() const override;
 
 	/** Answers the calls whose time is up. */

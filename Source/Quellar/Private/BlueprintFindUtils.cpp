@@ -4,6 +4,7 @@
 #include "Core/StopToken.h"
 #include "Core/Tasks.h"
 
+#include <exception>
 #include <functional>
 #include <stop_token>
 
@@ -47,14 +48,13 @@ public:
 
 	uint32 Run() override
 	{
-		double LastTime = GetSeconds();
-		while (!IsStopped())
+		try
 		{
-			const double Time = GetSeconds();
-			if (Adapter->UpdateSearchResults(Time, static_cast<float>(Time - LastTime)) == EActiveTimerReturnType::Stop)
-				break;
-			LastTime = Time;
-			Search->WaitForCompletion(PollingSeconds);
+			Poll();
+		}
+		catch (...) // out of memory: whoever runs the game thread knows what to do
+		{
+			AsyncTask(ENamedThreads::GameThread, [Failure = std::current_exception()] { std::rethrow_exception(Failure); });
 		}
 		Search.reset();
 		return 0;
@@ -71,6 +71,19 @@ public:
 	bool IsStopped() const { return StopFlag != 0; }
 
 private:
+	void Poll()
+	{
+		double LastTime = GetSeconds();
+		while (!IsStopped())
+		{
+			const double Time = GetSeconds();
+			if (Adapter->UpdateSearchResults(Time, static_cast<float>(Time - LastTime)) == EActiveTimerReturnType::Stop)
+				break;
+			LastTime = Time;
+			Search->WaitForCompletion(PollingSeconds);
+		}
+	}
+
 	FBlueprintFindUtils* const Adapter;
 	TSharedPtr<FStreamSearch> Search; // the polling thread's
 	std::atomic<int32> StopFlag = 0;

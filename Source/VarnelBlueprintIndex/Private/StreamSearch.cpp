@@ -44,8 +44,15 @@ bool FStreamSearch::WaitForCompletion(double Seconds)
 uint32 FStreamSearch::Run()
 {
 	const auto Start = std::chrono::steady_clock::now();
-	if (Options.MinimumVersion <= BlueprintIndexVersion)
-		Matches = FindIndexMatches(BlueprintIndex, SearchValue, *Progress);
+	try
+	{
+		if (Options.MinimumVersion <= BlueprintIndexVersion)
+			Matches = FindIndexMatches(BlueprintIndex, SearchValue, *Progress);
+	}
+	catch (...)
+	{
+		Failure = std::current_exception();
+	}
 	SearchSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	const std::lock_guard Guard(Lock);
 	bComplete = true;
@@ -71,5 +78,7 @@ void FStreamSearch::GetFilteredImaginaryResults(TArray<TSharedPtr<FImaginaryFiBD
 
 int32 FStreamSearch::NumResults() const
 {
+	if (Failure)
+		std::rethrow_exception(Failure);
 	return Matches ? static_cast<int32>(Matches->Blueprints.size()) : 0;
 }

@@ -56,6 +56,8 @@ public:
 
 private:
 	UPackage* LoadFromFile(FName PackageName);
+	UPackage* Build(FName PackageName, TUniquePtr<FPackageText> Text);
+	void Abandon();
 	UPackage* Open(FName PackageName, TUniquePtr<FPackageText> Text);
 	void DeclareOpened();
 	void CompleteDeclared();
@@ -113,6 +115,21 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 				"there is no package " + PackageName.ToString());
 		return InMemory;
 	}
+	if (!Running.empty())
+		return Build(PackageName, std::move(Text));
+	try
+	{
+		return Build(PackageName, std::move(Text));
+	}
+	catch (...) // out of memory: what is being loaded is as if nobody had asked for it
+	{
+		Abandon();
+		throw;
+	}
+}
+
+UPackage* FLoader::Build(FName PackageName, TUniquePtr<FPackageText> Text)
+{
 	FRunningLoad* const Asking = Current;
 	UPackage* const Package = Open(PackageName, std::move(Text));
 	if (!bDeclaring)
@@ -125,20 +142,36 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 	return Package;
 }
 
+void FLoader::Abandon()
+{
+	for (FRunningLoads* const Loads : {&Opened, &Declared, &Completed})
+		Loads->clear();
+	Current = nullptr;
+	bDeclaring = false;
+	NumCompleting = 0;
+	NumFilling = 0;
+	for (const FName Name : std::exchange(Running, {}))
+	{
+		if (UPackage* const Package = FindPackage(Name))
+			UnloadPackage(Package);
+	}
+}
+
 /** Null, and nothing is left, where the file is faulty. */
 UPackage* FLoader::Open(FName PackageName, TUniquePtr<FPackageText> Text)
 {
 	const FPackageFile& File = Text->GetFile();
 	UPackage* const Package = FindPackage(File.PackageName.IsNone() ? PackageName : File.PackageName, true);
 	auto Load = MakeUnique<FRunningLoad>(PackageName, *Package, std::move(Text));
+	Running.insert(PackageName);
 	Current = Load.get();
 	Load->Body = Load->Text->OpenBody(*Package, Diagnostics);
 	if (Load->Body)
 	{
-		Running.insert(PackageName);
 		Opened.push_back(std::move(Load));
 		return Package;
 	}
+	Running.erase(PackageName);
 	Failed.Add(PackageName);
 	UnloadPackage(Package);
 	if (Ahead)

@@ -42,6 +42,8 @@ TUniquePtr<FPackageText> FParseAhead::Take(FName PackageName)
 			SlotReady.wait(Guard, [&Slot] { return Slot->State == EState::Ready; });
 	}
 	Drop(*Slot);
+	if (Slot->Failure)
+		std::rethrow_exception(Slot->Failure);
 	return std::move(Slot->Text);
 }
 
@@ -141,7 +143,14 @@ void FParseAhead::Work(std::unique_lock<std::mutex>& Guard, FSlot& Slot)
 {
 	Slot.State = EState::Working;
 	Guard.unlock();
-	Slot.Text->Parse();
+	try
+	{
+		Slot.Text->Parse();
+	}
+	catch (...)
+	{
+		Slot.Failure = std::current_exception();
+	}
 	Guard.lock();
 	if (Slot.State == EState::Dropped)
 		return;

@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -44,6 +45,7 @@ private:
 		FName PackageName;
 		TUniquePtr<FPackageText> Text;
 		EState State = EState::Waiting;
+		std::exception_ptr Failure; // of parsing, for whoever takes the slot
 	};
 	using FSlotPtr = std::shared_ptr<FSlot>; // a thread may work on a slot that is in the window no more
 

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "Core/Failure.h"
 #include "Core/Log.h"
 #include "Core/Tasks.h"
 #include "HeadlessEngine.h"
@@ -112,6 +113,22 @@ void OpenProject(const FProjectOptions& Options, std::stop_token Stop, FMcpProje
 				Preloaded.NumPackages));
 	Host.OnProjectOpened();
 }
+
+/** A task that throws, for want of memory, costs the calls that are under way and not the session. */
+void RunGameThread(const std::stop_token& Ended)
+{
+	while (!Ended.stop_requested())
+	{
+		try
+		{
+			FGameThread::Get().RunUntil([] { return false; }, std::chrono::hours(24 * 365), Ended);
+		}
+		catch (const std::exception& Failure)
+		{
+			FOrivaneToolkitModule::GetToolExecutor()->FailStartedCalls(DescribeFailure(Failure));
+		}
+	}
+}
 }
 
 int RunMcp(const FMcpArguments& Arguments)
@@ -138,7 +155,14 @@ int RunMcp(const FMcpArguments& Arguments)
 			Host->CancelCalls();
 			Ended.request_stop();
 		});
-	OpenProject(Arguments.Project, Ended.get_token(), *Host);
-	FGameThread::Get().RunUntil([] { return false; }, std::chrono::hours(24 * 365), Ended.get_token());
+	try
+	{
+		OpenProject(Arguments.Project, Ended.get_token(), *Host);
+	}
+	catch (const std::exception& Failure)
+	{
+		Host->OnProjectFailed(DescribeFailure(Failure));
+	}
+	RunGameThread(Ended.get_token());
 	return EExitCode::Found;
 }

@@ -9,6 +9,7 @@ constexpr int32 ParseError = -32700;
 constexpr int32 InvalidRequest = -32600;
 constexpr int32 MethodNotFound = -32601;
 constexpr int32 InvalidParams = -32602;
+constexpr int32 InternalError = -32603;
 constexpr int32 UnsupportedVersion = -32022;
 }
 

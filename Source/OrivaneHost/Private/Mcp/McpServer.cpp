@@ -1,5 +1,6 @@
 #include "Mcp/McpServer.h"
 
+#include "Core/Failure.h"
 #include "Mcp/McpTools.h"
 
 #include <algorithm>
@@ -56,6 +57,19 @@ FString DescribeProgress(const FMcpCallProgress& Progress)
 	return Progress.Text + ", " + FString::FromInt(Progress.NumDone) + " of " + FString::FromInt(Progress.NumTotal);
 }
 
+std::string WriteAnswer(const Orivane::FToolResult& Result, const FMcpAnswerForm& Form)
+{
+	try
+	{
+		return WriteMcpToolAnswer(Result, Form);
+	}
+	catch (const std::exception& Failure)
+	{
+		return WriteMcpToolAnswer(
+			MakeFailure(*Form.Tool, FString("The answer cannot be written: ") + DescribeFailure(Failure)), Form);
+	}
+}
+
 FString DescribeSeconds(std::chrono::milliseconds Time)
 {
 	return FString::FromInt(std::chrono::ceil<std::chrono::seconds>(Time).count()) + " s";
@@ -80,9 +94,19 @@ FMcpServer::FMcpServer(TSharedPtr<IMcpToolHost> InHost, FMcpServerOptions InOpti
 
 void FMcpServer::HandleLine(std::string_view Line)
 {
-	if (IsBlank(Line))
-		return;
-	FMcpMessage Message = ReadMcpMessage(Line);
+	try
+	{
+		if (!IsBlank(Line))
+			HandleMessage(ReadMcpMessage(Line));
+	}
+	catch (const std::exception& Failure)
+	{
+		Refuse({}, EMcpErrorCode::InternalError, DescribeFailure(Failure));
+	}
+}
+
+void FMcpServer::HandleMessage(FMcpMessage Message)
+{
 	switch (Message.Kind)
 	{
 		case EMcpMessage::Request:
@@ -116,9 +140,23 @@ void FMcpServer::HandleRequest(FMcpMessage Message)
 			continue;
 		if (Request.Era == EMcpEra::Legacy && (Method.bNeedsEnvelope || (Method.bNeedsHandshake && !bShookHands)))
 			return Refuse(Request.Message.Id, McpEra::MakeMissingEnvelopeError());
-		return (this->*Method.Handle)(Request);
+		return Handle(Method, Request);
 	}
 	Refuse(Request.Message.Id, EMcpErrorCode::MethodNotFound, FString("unknown method: ") + Abbreviate(Request.Message.Method));
+}
+
+/** A request that fails is refused by its id, so that its sender does not wait. */
+void FMcpServer::Handle(const FMethod& Method, const FRequest& Request)
+{
+	try
+	{
+		(this->*Method.Handle)(Request);
+	}
+	catch (const std::exception& Failure)
+	{
+		CancelCall(Request.Message.Id);
+		Refuse(Request.Message.Id, EMcpErrorCode::InternalError, DescribeFailure(Failure));
+	}
 }
 
 void FMcpServer::HandleNotification(const FMcpMessage& Message)
@@ -238,7 +276,7 @@ void FMcpServer::AnswerCall(FMcpCallNumber Number, const Orivane::FToolResult& R
 			return;
 		Form = Found->second.Form;
 	}
-	std::string Line = WriteMcpToolAnswer(Result, Form); // may take long; other lines go out meanwhile
+	std::string Line = WriteAnswer(Result, Form); // may take long; other lines go out meanwhile
 	std::lock_guard Guard(Lock);
 	if (OpenCalls.erase(Number) == 0)
 		return;

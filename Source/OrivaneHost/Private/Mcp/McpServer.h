@@ -74,7 +74,9 @@ private:
 
 	static const FMethod Methods[];
 
+	void HandleMessage(FMcpMessage Message);
 	void HandleRequest(FMcpMessage Message);
+	void Handle(const FMethod& Method, const FRequest& Request);
 	void HandleNotification(const FMcpMessage& Message);
 	void Initialize(const FRequest& Request);
 	void Ping(const FRequest& Request);

@@ -40,13 +40,19 @@ public:
 	 * or, when the time limit passes first, on the executor's clock thread with an error result (a busy game thread cannot hold
 	 * that up). The tool is then asked to stop, see Core/StopToken.h, and a completion that comes later is dropped. A call that
 	 * cannot start, because an earlier one keeps the game thread beyond that one's limit, is answered with an error that names
-	 * it. An unknown tool is answered with an error, and so are the calls that are open when the executor goes.
+	 * it. An unknown tool is answered with an error, and so are a tool that throws, for want of memory, and the calls that are
+	 * open when the executor goes.
 	 */
 	virtual FToolCallId Call(
 		const FToolCommand& Command, const FToolCallOptions& Options, TDelegate<void(FToolResult&)> OnAnswer) = 0;
 	/** The call's OnAnswer will not be executed any more; its place in the queue is free, and its tool is asked to stop. False
 	 * when it has been answered (or is being answered) already. */
 	virtual bool Cancel(FToolCallId Id) = 0;
+	/**
+	 * Answers every call whose tool has been started with an error. For whoever runs the game thread, when a task there has
+	 * thrown: tools go on in tasks of their own, and nobody else knows that such a call will not complete.
+	 */
+	virtual void FailStartedCalls(const FString& Error) = 0;
 	/** A tool has been started whose call is neither answered nor cancelled; calls that wait do not count. */
 	virtual bool IsAnyToolRunning() const = 0;
 };

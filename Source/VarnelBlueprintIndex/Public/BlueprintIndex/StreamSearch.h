@@ -4,6 +4,7 @@
 #include "Core/RunnableThread.h"
 
 #include <condition_variable>
+#include <exception>
 #include <mutex>
 
 /** Version of what the index holds of an entry: category, text, comment and place. */
@@ -42,7 +43,8 @@ public:
 	double GetSearchSeconds() const { return SearchSeconds; }
 
 	// Results, once complete: one for each Blueprint with a match, in registry order, appended to the list. The items are the
-	// Blueprints' lines; those below them come with FImaginaryFiBData::ExpandAllChildren.
+	// Blueprints' lines; those below them come with FImaginaryFiBData::ExpandAllChildren. What ended the search, for want of
+	// memory, is thrown.
 	void GetFilteredItems(TArray<TSharedPtr<FFindInBlueprintsResult>>& OutItems) const;
 	void GetFilteredImaginaryResults(TArray<TSharedPtr<FImaginaryFiBData>>& OutResults) const;
 
@@ -54,7 +56,8 @@ private:
 	const FStreamSearchOptions Options;
 	const FBlueprintIndexView BlueprintIndex;
 	const TUniquePtr<struct FSearchProgress> Progress;
-	TSharedPtr<FIndexMatches> Matches; // this and the next: written by the thread until bComplete
+	TSharedPtr<FIndexMatches> Matches; // this and the next two: written by the thread until bComplete
+	std::exception_ptr Failure;
 	double SearchSeconds = 0;
 	std::mutex Lock;
 	std::condition_variable Completed;

@@ -1,6 +1,7 @@
 #include "Quellar/AssetSearchTypes.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace OrivaneSearchUtils
 {
@@ -18,14 +19,14 @@ bool HasReachedCap(int32 Count, int32 Cap)
 }
 
 void AppendIfTermMatches(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
-	const FAssetSearchParams& Params, int32& TotalHits)
+	const FAssetSearchParams& Params, int32& TotalHits, int32 Times)
 {
 	if (TermMatches(Name, Params))
-		AppendHitWithCaps(Result, Kind, Name, Container, Params, TotalHits);
+		AppendHitWithCaps(Result, Kind, Name, Container, Params, TotalHits, Times);
 }
 
 void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
-	const FAssetSearchParams& Params, int32& TotalHits)
+	const FAssetSearchParams& Params, int32& TotalHits, int32 Times)
 {
 	int32 NumOfKind = 0;
 	for (FAssetHit& Hit : Result.Hits)
@@ -33,7 +34,7 @@ void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString&
 		const bool bSameKind = Hit.Kind == Kind;
 		if (bSameKind && Hit.Name == Name && Hit.Container == Container)
 		{
-			++Hit.Count;
+			Hit.Count += std::min(Times, std::numeric_limits<int32>::max() - Hit.Count);
 			return;
 		}
 		NumOfKind += bSameKind ? 1 : 0;
@@ -45,7 +46,7 @@ void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString&
 	}
 	if (HasReachedCap(TotalHits, Params.MaxTotalHits))
 		return;
-	Result.Hits.Add({.Kind = Kind, .Name = Name, .Container = Container, .Count = 1, .Anchor = nullptr});
+	Result.Hits.Add({.Kind = Kind, .Name = Name, .Container = Container, .Count = Times, .Anchor = nullptr});
 	++TotalHits;
 }
 

@@ -1,5 +1,7 @@
 #include "Support/TestProject.h"
 
+#include <random>
+
 namespace
 {
 /** A guard's tree with one of everything, and the tree that it runs. */
@@ -99,7 +101,8 @@ TEST(BehaviorTreeFamily, SurvivesWhateverTreesHold)
 			{"a node of a class that nothing declares", "Alone", "BT_Gone: NodeName Alone @BehaviorTree/Node"},
 			{"is not there", "Undeclared", ""},
 		});
-	EXPECT_TRUE(Render(Project.Search("BehaviorTree", "Meeting")).starts_with("BT_Diamonds: NodeName Meeting"));
+	EXPECT_EQ(Render(Project.Search("BehaviorTree", "Meeting")), "BT_Diamonds: NodeName Meeting @BehaviorTree/Node x2147483647")
+		<< "more often than can be counted";
 	EXPECT_EQ(Project.Check(),
 		"BT_Cycle.vasset warning empty-child\nBT_Cycle.vasset error tree-cycle\nBT_Deep.vasset warning deep-tree\n"
 		"BT_Gone.vasset error bad-reference\nBT_Gone.vasset warning unknown-class");
@@ -126,6 +129,157 @@ TEST(BehaviorTreeFamily, WalksOnBeyondTheHitCap)
 		"BT_A: NodeName Same @BehaviorTree/Node x3; Service BTService_Same @BehaviorTree/Service x4; "
 		"Decorator BTDecorator_Same @BehaviorTree/Decorator x3")
 		<< "only the services of a node end at the cap, which the first decorator reaches";
+}
+
+namespace
+{
+/** A tree of composites that share branches, with services and decorators, and the walk over it that the search stands for. */
+class FModelTree
+{
+public:
+	explicit FModelTree(std::mt19937& Random) : Nodes(1 + Random() % 6)
+	{
+		const bool bMayReturn = Random() % 3 == 0;
+		for (std::size_t Index = 0; Index < Nodes.size(); ++Index)
+		{
+			FNode& Node = Nodes[Index];
+			Node.Name = "Node" + std::to_string(Random() % 4);
+			Node.Services = PickSome(Random, 3);
+			for (std::size_t Left = Random() % 4; Left > 0; --Left)
+			{
+				const std::size_t First = bMayReturn ? 0 : Index + 1;
+				if (First < Nodes.size())
+					Node.Children.push_back({First + Random() % (Nodes.size() - First), PickSome(Random, 2)});
+			}
+		}
+	}
+
+	void AddTo(FTestProject& Project, const std::string& Package) const
+	{
+		FTestAsset& Asset = Project.Asset(Package, "BehaviorTree").Set("RootNode", R"("^N0")");
+		for (std::size_t Index = 0; Index < Nodes.size(); ++Index)
+		{
+			const std::string Path = "N" + std::to_string(Index);
+			std::string Children;
+			for (const FChild& Child : Nodes[Index].Children)
+			{
+				std::string Decorators;
+				for (const std::size_t Kind : Child.Decorators)
+					Decorators += (Decorators.empty() ? "\"^D" : ", \"^D") + std::to_string(Kind) + "\"";
+				Children += (Children.empty() ? "" : ", ") + (R"({"ChildComposite": "^N)" + std::to_string(Child.Node)) +
+					R"(", "Decorators": [)" + Decorators + "]}";
+			}
+			Asset.Inner(
+				Path, "BTComposite_Selector", R"("NodeName": ")" + Nodes[Index].Name + R"(", "Children": [)" + Children + "]");
+			for (std::size_t Place = 0; Place < Nodes[Index].Services.size(); ++Place)
+				Asset.Inner(
+					Path + ".S" + std::to_string(Place), "/Script/Game.Service" + std::to_string(Nodes[Index].Services[Place]));
+		}
+		for (const char* Kind : {"0", "1"})
+			Asset.Inner(std::string("D") + Kind, std::string("/Script/Game.Decorator") + Kind);
+	}
+
+	void Walk(const FAssetSearchParams& Params, FAssetResult& Result, int32& TotalHits) const
+	{
+		std::vector<std::size_t> Line;
+		Walk(0, Line, Params, Result, TotalHits);
+	}
+
+private:
+	struct FChild
+	{
+		std::size_t Node;
+		std::vector<std::size_t> Decorators;
+	};
+	struct FNode
+	{
+		std::string Name;
+		std::vector<std::size_t> Services;
+		std::vector<FChild> Children;
+	};
+
+	static std::vector<std::size_t> PickSome(std::mt19937& Random, std::size_t NumKinds)
+	{
+		std::vector<std::size_t> Kinds(Random() % 3);
+		for (std::size_t& Kind : Kinds)
+			Kind = Random() % NumKinds;
+		return Kinds;
+	}
+
+	void Walk(std::size_t Index, std::vector<std::size_t>& Line, const FAssetSearchParams& Params, FAssetResult& Result,
+		int32& TotalHits) const
+	{
+		if (std::find(Line.begin(), Line.end(), Index) != Line.end())
+			return;
+		Line.push_back(Index);
+		const auto Add = [&](const char* Kind, const std::string& Name, const char* Container)
+		{ OrivaneSearchUtils::AppendIfTermMatches(Result, Kind, FString(Name), Container, Params, TotalHits); };
+		Add("NodeName", Nodes[Index].Name, "BehaviorTree/Node");
+		Add("NodeComment", "", "BehaviorTree/Node");
+		Add("NodeClass", "BTComposite_Selector", "BehaviorTree/Node");
+		for (const std::size_t Kind : Nodes[Index].Services)
+		{
+			Add("Service", "Service" + std::to_string(Kind), "BehaviorTree/Service");
+			if (TotalHits >= Params.MaxTotalHits)
+				break;
+		}
+		for (const FChild& Child : Nodes[Index].Children)
+		{
+			for (const std::size_t Kind : Child.Decorators)
+				Add("Decorator", "Decorator" + std::to_string(Kind), "BehaviorTree/Decorator");
+			Walk(Child.Node, Line, Params, Result, TotalHits);
+		}
+		Line.pop_back();
+	}
+
+	std::vector<FNode> Nodes;
+};
+}
+
+TEST(BehaviorTreeFamily, CountsAsAWalkOverEveryWayDown)
+{
+	constexpr uint32 Seed = 5;
+	std::mt19937 Random(Seed);
+	for (int32 Round = 0; Round < 40; ++Round)
+	{
+		SCOPED_TRACE("round " + std::to_string(Round));
+		FTestProject Project;
+		Project.Script("Game", R"("classes": [{"name": "Decorator0", "super": "/Script/Engine.BTDecorator"},
+			{"name": "Decorator1", "super": "/Script/Engine.BTDecorator"}, {"name": "Service0", "super": "/Script/Engine.BTService"},
+			{"name": "Service1", "super": "/Script/Engine.BTService"}, {"name": "Service2", "super": "/Script/Engine.BTService"}])");
+		const FModelTree Tree(Random);
+		Tree.AddTo(Project, "/Game/BT_Model");
+		for (int32 MaxTotal = 1; MaxTotal <= 10; ++MaxTotal)
+		{
+			FAssetSearchParams Params = MakeParams("BehaviorTree", Random() % 2 == 0 ? "" : "e1");
+			Params.MaxTotalHits = MaxTotal;
+			Params.MaxHitsPerKind = 1 + static_cast<int32>(Random() % 3);
+			FAssetSearchResult Expected;
+			FAssetResult Result{.AssetPath = "/Game/BT_Model.BT_Model", .AssetClass = "BehaviorTree"};
+			int32 TotalHits = 0;
+			Tree.Walk(Params, Result, TotalHits);
+			if (!Result.Hits.IsEmpty())
+				Expected.Results.Add(Result);
+			EXPECT_EQ(Render(Project.Search(Params)), Render(Expected)) << *Params.Term << " " << MaxTotal;
+		}
+	}
+}
+
+/** A file of a few kilobytes: twenty branches that share the next twenty, and so on. */
+TEST(BehaviorTreeFamily, CountsSharedBranchesWithoutWalkingThem)
+{
+	FTestProject Project;
+	FTestAsset& Tree = Project.Asset("/Game/BT_Shared", "BehaviorTree").Set("RootNode", R"("^N0")");
+	for (int32 Level = 0; Level < 4; ++Level)
+	{
+		std::string Children;
+		for (int32 Child = 0; Child < 20; ++Child)
+			Children +=
+				(Child > 0 ? R"(, {"ChildComposite": "^N)" : R"({"ChildComposite": "^N)") + std::to_string(Level + 1) + R"("})";
+		Tree.Inner("N" + std::to_string(Level), "BTComposite_Selector", R"("Children": [)" + Children + "]");
+	}
+	Tree.Inner("N4", "BTComposite_Selector", R"("NodeName": "Leaf")");
+	EXPECT_EQ(Render(Project.Search("BehaviorTree", "Leaf")), "BT_Shared: NodeName Leaf @BehaviorTree/Node x160000");
 }
 
 TEST(BlackboardFamily, FindsParentAndKeys)

@@ -174,6 +174,44 @@ TEST(NiagaraFamily, StopsAtTheHitCap)
 	}
 }
 
+TEST(NiagaraFamily, CountsSharedEmittersAsIfEachWereRead)
+{
+	FTestProject Project;
+	FTestNiagaraSystem& System = Project.NiagaraSystem("/Game/NS_Shared").Emitter("GlowA");
+	System.Renderer("Empty", "").Renderer("GlowSprite", "/Script/Engine.NiagaraRendererProperties");
+	System.Renderer("GlowHalo", "/Script/Engine.NiagaraRendererProperties");
+	System.Handle("GlowB", R"("NS_Shared:GlowA")").Handle("GlowNone", "null").Handle("GlowC", R"("NS_Shared:GlowA")");
+	System.Handle("GlowD", R"("NS_Shared:GlowA")");
+	Project.Open();
+	SetMode(1);
+	Load("/Game/NS_Shared");
+	const std::string First = "NS_Shared: EmitterName GlowA @Niagara/Emitter; RendererName GlowSprite @Niagara/Renderer";
+	const std::string Halo = "; RendererName GlowHalo @Niagara/Renderer";
+	const struct
+	{
+		const char* Why;
+		int32 MaxTotal;
+		std::string Expected;
+	} Cases[] = {
+		{"reached by a renderer", 2, First},
+		{"reached when the first emitter has been read", 3, First + Halo},
+		{"reached by the second handle, which then reads one renderer", 4,
+			First + " x2" + Halo + "; EmitterName GlowB @Niagara/Emitter"},
+		{"reached by a handle without an emitter: the next one is read still", 5,
+			First + " x3" + Halo + " x2; EmitterName GlowB @Niagara/Emitter; EmitterName GlowNone @Niagara/Emitter"},
+		{"not reached", 200,
+			First + " x4" + Halo +
+				" x4; EmitterName GlowB @Niagara/Emitter; EmitterName GlowNone @Niagara/Emitter; EmitterName GlowC "
+				"@Niagara/Emitter; EmitterName GlowD @Niagara/Emitter"},
+	};
+	for (const auto& Case : Cases)
+	{
+		FAssetSearchParams Params = MakeParams("NiagaraSystem", "Glow");
+		Params.MaxTotalHits = Case.MaxTotal;
+		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected) << Case.Why;
+	}
+}
+
 TEST(NiagaraFamily, SurvivesWhatIsFaulty)
 {
 	FTestProject Project;
@@ -202,6 +240,6 @@ TEST(NiagaraFamily, SurvivesWhatIsFaulty)
 		"x3; UserParamName User.B @Niagara/UserParameters");
 	Load("/Game/NS_Heavy");
 	EXPECT_EQ(Render(Project.Search("NiagaraSystem", "R999")),
-		"NS_Heavy: RendererName R999 @Niagara/Renderer x100 | NS_Odd: RendererName R999 @Niagara/Renderer")
+		"NS_Heavy: RendererName R999 @Niagara/Renderer x10001 | NS_Odd: RendererName R999 @Niagara/Renderer")
 		<< "emitters of other packages are read once these are in memory";
 }

@@ -3,6 +3,7 @@
 #include "Core/SeededHash.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -99,18 +100,19 @@ bool HasReachedCap(int32 Count, int32 Cap)
 }
 
 void AppendIfTermMatches(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
-	const FAssetSearchParams& Params, int32& TotalHits)
+	const FAssetSearchParams& Params, int32& TotalHits, int32 Times)
 {
 	if (TermMatches(Name, Params))
-		AppendHitWithCaps(Result, Kind, Name, Container, Params, TotalHits);
+		AppendHitWithCaps(Result, Kind, Name, Container, Params, TotalHits, Times);
 }
 
 void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
-	const FAssetSearchParams& Params, int32& TotalHits)
+	const FAssetSearchParams& Params, int32& TotalHits, int32 Times)
 {
 	if (const int32 Known = Result.Index.Find(Result.Hits, Kind, Name, Container); Known != INDEX_NONE)
 	{
-		++Result.Hits[Known].Count;
+		int32& Count = Result.Hits[Known].Count;
+		Count += std::min(Times, std::numeric_limits<int32>::max() - Count);
 		return;
 	}
 	if (HasReachedCap(Result.Index.CountOfKind(Result.Hits, Kind), Params.MaxHitsPerKind))
@@ -120,7 +122,7 @@ void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString&
 	}
 	if (HasReachedCap(TotalHits, Params.MaxTotalHits))
 		return;
-	Result.Hits.Add({.Kind = Kind, .Name = Name, .Container = Container, .Count = 1, .Anchor = nullptr});
+	Result.Hits.Add({.Kind = Kind, .Name = Name, .Container = Container, .Count = Times, .Anchor = nullptr});
 	++TotalHits;
 }
 

@@ -6,6 +6,9 @@
 #include "Quellar/AssetSearchService.h"
 #include "ResolveAssetObject.h"
 
+#include <algorithm>
+#include <limits>
+
 /** What a family tells the scan about itself. */
 struct FFamilyTraits
 {
@@ -24,10 +27,12 @@ public:
 	{
 	}
 
-	/** Appends when Name matches the term. */
-	void Add(const FString& Kind, const FString& Name, const FString& Container)
+	/** Appends when Name matches the term, as if called so many times. */
+	void Add(const FString& Kind, const FString& Name, const FString& Container, int64 Times = 1)
 	{
-		OrivaneSearchUtils::AppendIfTermMatches(Result, Kind, Name, Container, Params, TotalHits);
+		if (Times > 0)
+			OrivaneSearchUtils::AppendIfTermMatches(Result, Kind, Name, Container, Params, TotalHits,
+				static_cast<int32>(std::min<int64>(Times, std::numeric_limits<int32>::max())));
 	}
 	/** Appends; the caller has matched already. */
 	void AddMatched(const FString& Kind, const FString& Name, const FString& Container)

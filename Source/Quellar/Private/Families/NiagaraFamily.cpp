@@ -1,5 +1,6 @@
 #include "Families/NiagaraFamily.h"
 
+#include "Core/HashMap.h"
 #include "Engine/Niagara.h"
 #include "Families/FamilyScan.h"
 #include "Families/SearchMode.h"
@@ -11,38 +12,46 @@ constexpr const char* SystemContainer = "Niagara";
 constexpr const char* RendererContainer = "Niagara/Renderer";
 constexpr const char* UserParameterContainer = "Niagara/UserParameters";
 
-// Handles may share an emitter, so a small file can hold endless renderers; a real system has a few dozen.
-constexpr int32 MaxRenderers = 100'000;
+enum class EReadAs : uint8
+{
+	FirstTime, // ends once the hit cap is reached
+	Repeats,   // of what was read to its end
+};
 
-void ReadRenderers(const UNiagaraEmitter& Emitter, int32& NumLeft, FHitSink& Hits)
+void ReadRenderers(const UNiagaraEmitter& Emitter, EReadAs How, int64 Times, FHitSink& Hits)
 {
 	for (const TObjectPtr<UNiagaraRendererProperties>& Slot : Emitter.GetRenderers())
 	{
-		if (NumLeft-- <= 0)
-			return;
 		const UNiagaraRendererProperties* Renderer = Slot.GetIfLoaded();
 		if (!Renderer)
 			continue;
-		Hits.Add("RendererName", Renderer->GetName(), RendererContainer);
-		Hits.Add("RendererType", Renderer->GetClass()->GetName(), RendererContainer);
-		if (Hits.IsFull())
+		Hits.Add("RendererName", Renderer->GetName(), RendererContainer, Times);
+		Hits.Add("RendererType", Renderer->GetClass()->GetName(), RendererContainer, Times);
+		if (How == EReadAs::FirstTime && Hits.IsFull())
 			return;
 	}
 }
 
+/** Handles may share an emitter, so that a small file can hold endless renderers: they are read once, and then counted. */
 void ReadEmitters(const UNiagaraSystem& System, FHitSink& Hits)
 {
-	int32 NumRenderersLeft = MaxRenderers;
+	THashMap<const UNiagaraEmitter*, int64> NumRepeats;
 	for (const FNiagaraEmitterHandle& Handle : System.GetEmitterHandles())
 	{
 		Hits.Add("EmitterName", Handle.GetName().ToString(), "Niagara/Emitter");
 		const UNiagaraEmitter* Emitter = Handle.GetEmitterData();
 		if (!Emitter)
 			continue;
-		ReadRenderers(*Emitter, NumRenderersLeft, Hits);
+		const auto [Known, bIsNew] = NumRepeats.insert({Emitter, 0});
+		if (bIsNew || Hits.IsFull())
+			ReadRenderers(*Emitter, EReadAs::FirstTime, 1, Hits);
+		else
+			++Known.value();
 		if (Hits.IsFull())
-			return;
+			break;
 	}
+	for (const auto& [Emitter, Times] : NumRepeats)
+		ReadRenderers(*Emitter, EReadAs::Repeats, Times, Hits);
 }
 
 void ReadUserParameters(const UNiagaraSystem& System, FHitSink& Hits)

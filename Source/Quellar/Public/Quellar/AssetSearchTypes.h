@@ -78,14 +78,15 @@ namespace OrivaneSearchUtils
 bool TermMatches(const FString& Text, const FAssetSearchParams& Params);
 /** A counter has reached a cap; caps below 1 act as 1. */
 bool HasReachedCap(int32 Count, int32 Cap);
-/** Appends when Name matches the term; kind and container are not matched. */
+/** AppendHitWithCaps when Name matches the term; kind and container are not matched. */
 void AppendIfTermMatches(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
-	const FAssetSearchParams& Params, int32& TotalHits);
+	const FAssetSearchParams& Params, int32& TotalHits, int32 Times = 1);
 /**
  * Appends without matching. A hit that is there already is counted up instead and never weighs on a cap; over the per-kind cap
  * the asset is marked truncated; over the total cap nothing happens.
+ * Times, at least 1, stands for so many calls; counts end at the largest int32.
  */
 void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
-	const FAssetSearchParams& Params, int32& TotalHits);
+	const FAssetSearchParams& Params, int32& TotalHits, int32 Times = 1);
 bool DoesKindSetContainAny(const TArray<FString>& Kinds, const TSet<FString>& KindSet);
 }

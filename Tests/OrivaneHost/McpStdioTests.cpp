@@ -64,7 +64,7 @@ public:
 };
 }
 
-TEST(McpLineSplitter, CutsLinesWhereverTheBytesAreCut)
+TEST(LineSplitter, CutsLinesWhereverTheBytesAreCut)
 {
 	const struct
 	{
@@ -87,7 +87,7 @@ TEST(McpLineSplitter, CutsLinesWhereverTheBytesAreCut)
 		const std::string_view Bytes = Case.Bytes;
 		for (std::size_t ChunkSize = 1; ChunkSize <= Bytes.size(); ++ChunkSize)
 		{
-			FMcpLineSplitter Splitter(8);
+			FLineSplitter Splitter(8);
 			FLineNotes Lines;
 			for (std::size_t Start = 0; Start < Bytes.size(); Start += ChunkSize)
 				Splitter.Append(Bytes.substr(Start, ChunkSize), Lines);

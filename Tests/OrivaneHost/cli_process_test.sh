@@ -157,7 +157,7 @@ for number in $(seq 200); do ln "$scratch/Long/0.txt" "$scratch/Long/$number.txt
 ends_soon() {
 	local why=$1 code=$2 pattern=$3 signal=$4 start=$EPOCHREALTIME process actual
 	shift 4
-	"$@" >"$scratch/output" 2>&1 </dev/null &
+	"$@" >"$scratch/output" 2>&1 <&0 &
 	process=$!
 	[ "$signal" = limit ] || { sleep 0.5; kill -"$signal" "$process"; }
 	wait "$process"
@@ -169,9 +169,36 @@ ends_soon() {
 		failures=$((failures + 1))
 	fi
 }
-ends_soon "a search ends at its limit" 1 'did not complete within 1 s: narrow the search' limit "$orivane" search absent --time-limit 0.5 -p "$scratch/Long"
-ends_soon "a search ends at once on Ctrl-C" 130 '' INT "$orivane" search absent -p "$scratch/Long"
-ends_soon "and when it is terminated" 130 '' TERM "$orivane" call asset_search '{"term":"absent"}' -p "$scratch/Long"
+ends_soon "a search ends at its limit" 1 'did not complete within 1 s: narrow the search' limit "$orivane" search absent --time-limit 0.5 -p "$scratch/Long" </dev/null
+ends_soon "a search ends at once on Ctrl-C" 130 '' INT "$orivane" search absent -p "$scratch/Long" </dev/null
+ends_soon "and when it is terminated" 130 '' TERM "$orivane" call asset_search '{"term":"absent"}' -p "$scratch/Long" </dev/null
+
+mkfifo "$scratch/silent"
+sleep 60 >"$scratch/silent" &
+writer=$!
+for command in "console" "call asset_search -"; do
+	ends_soon "$command waits for its input" 130 '' TERM "$orivane" $command -p "$project" <"$scratch/silent"
+done
+kill "$writer"
+without() { # STREAM COMMAND...   with the stream closed
+	case $1 in
+	input) "${@:2}" <&- ;;
+	output) "${@:2}" >&- ;;
+	full) "${@:2}" >/dev/full ;;
+	esac
+}
+expect "a console without input" 0 '' without input timeout 20 "$orivane" console -p "$project"
+expect "a call without input" 1 'Invalid JSON command' without input timeout 20 "$orivane" call asset_search - -p "$project"
+for command in "search Health" "graph $hub" "paths BT_" "info" "info --dump-registry" "check --json" "call asset_search {}" "console -c help" \
+	"search --help" "--version"; do
+	options=(-p "$project")
+	[[ $command != *--help && $command != --version ]] || options=()
+	expect "$command on a full disk" 2 'cannot write to standard output: No space left on device' without full "$orivane" $command "${options[@]}"
+done
+expect "an output that is closed" 2 'cannot write to standard output' without output "$orivane" search Health -p "$project"
+head -c 70000 /dev/zero | tr '\0' x | cat - <(echo; echo help) | "$orivane" console -p "$project" >"$scratch/output" 2>&1
+[ $? -eq 2 ] && grep -q '64 KiB and was skipped' "$scratch/output" && grep -q Orivane.AssetSearch "$scratch/output" ||
+	{ echo "FAILED: a console line that is too long"; failures=$((failures + 1)); }
 
 # Sanitizers need room of their own: with them this says nothing.
 limited() (

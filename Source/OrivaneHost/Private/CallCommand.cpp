@@ -5,23 +5,30 @@
 #include "PathSearchTool.h"
 #include "ToolCaller.h"
 
-#include <iostream>
+#include <cerrno>
+#include <cstring>
 
 namespace
 {
 /** Longer argument texts are refused, as by the protocol server. */
 constexpr std::size_t MaxArgumentBytes = 4 * 1024 * 1024;
 
+/** False after saying why. */
 bool ReadStandardInput(std::string& Out)
 {
 	char Buffer[65536];
-	while (std::cin.read(Buffer, sizeof Buffer) || std::cin.gcount() > 0)
+	int64 NumRead = 0;
+	while ((NumRead = Terminal::ReadInput(Buffer, sizeof Buffer)) > 0)
 	{
-		Out.append(Buffer, static_cast<std::size_t>(std::cin.gcount()));
-		if (Out.size() > MaxArgumentBytes)
-			return false;
+		Out.append(Buffer, static_cast<std::size_t>(NumRead));
+		if (Out.size() <= MaxArgumentBytes)
+			continue;
+		Terminal::PrintError("orivane call: the arguments on standard input are longer than 4 MiB\n");
+		return false;
 	}
-	return true;
+	if (NumRead < 0 && !Interrupt::IsRequested())
+		Terminal::PrintError(FString("orivane call: cannot read standard input: ") + std::strerror(errno) + "\n");
+	return NumRead == 0;
 }
 
 bool IsRegistered(const FString& ToolName)
@@ -47,10 +54,7 @@ int RunCall(const FCallArguments& Arguments)
 {
 	std::string ArgumentText = Arguments.ArgumentsJson.ToStdString();
 	if (ArgumentText == "-" && (ArgumentText.clear(), !ReadStandardInput(ArgumentText)))
-	{
-		Terminal::PrintError("orivane call: the arguments on standard input are longer than 4 MiB\n");
 		return EExitCode::WrongUse;
-	}
 
 	const FHeadlessEngine Engine;
 	RegisterPathSearchTool();

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,7 +31,7 @@ constexpr const char* ProgramExamples = R"(Examples:
 
 Without --project the nearest *.uproject from the current folder upward is opened.
 Exit codes: 0 found or clean; 1 nothing found, problems found, or the tool reported an error;
-            2 wrong use or an internal failure; 3 the project cannot be opened; 130 interrupted.)";
+            2 wrong use, output that cannot be written, or an internal failure; 3 the project cannot be opened; 130 interrupted.)";
 
 constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
@@ -437,7 +438,9 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	}
 	catch (const CLI::Success& Wanted) // --help, --version
 	{
-		OutExitCode = Program.exit(Wanted);
+		std::ostringstream Text;
+		OutExitCode = Program.exit(Wanted, Text, Text);
+		Terminal::Print(Text.str());
 		return {};
 	}
 	catch (const CLI::ParseError& Error)

@@ -8,7 +8,9 @@
 #include "Progress.h"
 #include "ToolCaller.h"
 
+#include <cerrno>
 #include <clocale>
+#include <cstring>
 
 namespace
 {
@@ -24,19 +26,31 @@ struct FRunCommand
 	int operator()(const FMcpArguments& Arguments) const { return RunMcp(Arguments); }
 };
 
+/** Nothing counts as found that nobody could be told. */
+int CheckOutput(int ExitCode)
+{
+	const int Error = Terminal::GetOutputError();
+	if (Error == 0)
+		return ExitCode;
+	if (Error != EPIPE) // whoever has read enough knows
+		Terminal::PrintError(FString("orivane: cannot write to standard output: ") + std::strerror(Error) + "\n");
+	return EExitCode::WrongUse;
+}
+
 int RunCommandLine(int NumArguments, const char* const* Arguments)
 {
+	Terminal::FillClosedStreams();
 	std::setlocale(LC_CTYPE, "");
 	int ExitCode = EExitCode::Found;
 	const TOptional<FCommand> Command = ParseCommandLine(NumArguments, Arguments, ExitCode);
 	if (!Command)
-		return ExitCode;
+		return CheckOutput(ExitCode);
 	if (!std::holds_alternative<FMcpArguments>(*Command))
 		Interrupt::Install(); // the protocol server has its own way to end
 	const FStopScope Scope(Interrupt::GetToken());
 	ExitCode = std::visit(FRunCommand(), *Command);
 	Log::Flush();
-	return Interrupt::IsRequested() ? EExitCode::Interrupted : ExitCode;
+	return Interrupt::IsRequested() ? EExitCode::Interrupted : CheckOutput(ExitCode);
 }
 }
 

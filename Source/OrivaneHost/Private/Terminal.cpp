@@ -3,9 +3,12 @@
 #include "Core/Unicode.h"
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -24,7 +27,8 @@ std::stop_source& GetStopSource()
 	return Source;
 }
 
-int SignalPipe[2] = {-1, -1};
+int SignalPipe[2] = {-1, -1}; // a byte stays in it from the first request on
+int OutputError = 0;
 std::atomic<int> NumSignals = 0;
 
 extern "C" void OnSignal(int)
@@ -38,8 +42,8 @@ extern "C" void OnSignal(int)
 
 void WatchSignals()
 {
-	char Byte = 0;
-	while (read(SignalPipe[0], &Byte, 1) != 1)
+	pollfd Poll{.fd = SignalPipe[0], .events = POLLIN, .revents = 0};
+	while (poll(&Poll, 1, -1) != 1)
 	{
 	}
 	GetStopSource().request_stop();
@@ -70,9 +74,48 @@ bool Terminal::UsesColor(EColor Color)
 	return HasEnvironment("CLICOLOR_FORCE") || IsStdoutTerminal();
 }
 
+void Terminal::FillClosedStreams()
+{
+	for (int Stream = STDIN_FILENO; Stream <= STDERR_FILENO; ++Stream)
+	{
+		if (fcntl(Stream, F_GETFD) >= 0)
+			continue;
+		const int Opened = open("/dev/null", Stream == STDERR_FILENO ? O_WRONLY : O_RDONLY); // the lowest number that is free
+		if (Opened > Stream)
+			close(Opened);
+	}
+}
+
 bool Terminal::Print(FStringView Text)
 {
-	return std::fwrite(Text.data(), 1, Text.size(), stdout) == Text.size() && std::fflush(stdout) == 0;
+	if (std::fwrite(Text.data(), 1, Text.size(), stdout) == Text.size() && std::fflush(stdout) == 0)
+		return true;
+	OutputError = OutputError == 0 ? errno : OutputError;
+	return false;
+}
+
+int Terminal::GetOutputError()
+{
+	return OutputError;
+}
+
+int64 Terminal::ReadInput(char* Buffer, std::size_t MaxBytes)
+{
+	for (;;)
+	{
+		pollfd Polls[] = {
+			{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0}, {.fd = SignalPipe[0], .events = POLLIN, .revents = 0}};
+		const int NumReady = poll(Polls, 2, -1);
+		if (NumReady > 0 && Polls[1].revents != 0)
+		{
+			GetStopSource().request_stop(); // the thread that watches may come later
+			errno = EINTR;
+			return -1;
+		}
+		const ssize_t NumRead = NumReady > 0 ? read(STDIN_FILENO, Buffer, MaxBytes) : -1;
+		if (NumRead >= 0 || (errno != EINTR && errno != EAGAIN))
+			return NumRead;
+	}
 }
 
 void Terminal::PrintError(FStringView Text)
@@ -99,7 +142,7 @@ FString Terminal::Sanitize(FStringView Text)
 
 void Interrupt::Install()
 {
-	if (pipe(SignalPipe) != 0)
+	if (pipe2(SignalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
 		return;
 	std::thread(WatchSignals).detach();
 	std::signal(SIGINT, OnSignal);

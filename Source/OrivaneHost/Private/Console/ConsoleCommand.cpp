@@ -3,15 +3,18 @@
 #include "Console/ConsoleSession.h"
 #include "Core/File.h"
 #include "HeadlessEngine.h"
+#include "LineSplitter.h"
 #include "OrivaneHost/Program.h"
 #include "UserFolders.h"
 
 #include <algorithm>
-#include <iostream>
-#include <string>
+#include <cerrno>
+#include <cstring>
 
 namespace
 {
+constexpr std::size_t MaxLineBytes = 64 * 1024; // of a line that comes through a pipe
+
 /** The lines of a script or a pipe. The worst exit code of all. */
 int RunLines(FConsoleSession& Session, const TArray<FString>& Lines)
 {
@@ -24,12 +27,44 @@ int RunLines(FConsoleSession& Session, const TArray<FString>& Lines)
 	return ExitCode;
 }
 
+/** Runs lines as they come. */
+class FConsoleLines final : public ILineHandler
+{
+public:
+	explicit FConsoleLines(FConsoleSession& InSession) : Session(InSession) {}
+
+	void HandleLine(std::string_view Line) override
+	{
+		if (!IsOver())
+			ExitCode = std::max(ExitCode, Session.Run(FString::FromExternal(Line)));
+	}
+	void HandleOverlongLine() override
+	{
+		Terminal::PrintError("a line is longer than 64 KiB and was skipped\n");
+		ExitCode = EExitCode::WrongUse;
+	}
+	bool IsOver() const { return Session.IsOver() || Interrupt::IsRequested(); }
+	/** The worst of all lines. */
+	int GetExitCode() const { return ExitCode; }
+
+private:
+	FConsoleSession& Session;
+	int ExitCode = EExitCode::Found;
+};
+
 int RunPipe(FConsoleSession& Session)
 {
-	int ExitCode = EExitCode::Found;
-	for (std::string Line; !Session.IsOver() && !Interrupt::IsRequested() && std::getline(std::cin, Line);)
-		ExitCode = std::max(ExitCode, Session.Run(FString::FromExternal(Line)));
-	return ExitCode;
+	FConsoleLines Handler(Session);
+	FLineSplitter Lines(MaxLineBytes);
+	char Buffer[65536];
+	int64 NumRead = 0;
+	while (!Handler.IsOver() && (NumRead = Terminal::ReadInput(Buffer, sizeof Buffer)) > 0)
+		Lines.Append({Buffer, static_cast<std::size_t>(NumRead)}, Handler);
+	Lines.Finish(Handler);
+	if (NumRead >= 0 || Interrupt::IsRequested())
+		return Handler.GetExitCode();
+	Terminal::PrintError(FString("orivane console: cannot read standard input: ") + std::strerror(errno) + "\n");
+	return EExitCode::WrongUse;
 }
 
 /** "" where it cannot be kept. */

@@ -59,7 +59,7 @@ void FMcpStdio::Write(std::string Line)
 
 EMcpEnd FMcpStdio::Read(IMcpLineHandler& Handler)
 {
-	FMcpLineSplitter Lines(MaxMcpInputLineBytes);
+	FLineSplitter Lines(MaxMcpInputLineBytes);
 	std::array<char, 65536> Buffer;
 	for (;;)
 	{

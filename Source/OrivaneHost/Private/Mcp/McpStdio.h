@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Types.h"
-#include "Mcp/McpLineSplitter.h"
+#include "LineSplitter.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -13,14 +13,9 @@
 constexpr std::size_t MaxMcpInputLineBytes = 4 * 1024 * 1024;
 
 /** Takes what comes from a client. All functions are called on the thread that reads. */
-class IMcpLineHandler
+class IMcpLineHandler : public ILineHandler
 {
 public:
-	virtual ~IMcpLineHandler() = default;
-	/** One line without its line break, not empty; the bytes are not checked. */
-	virtual void HandleLine(std::string_view Line) = 0;
-	/** In place of a line that was too long to be kept. */
-	virtual void HandleOverlongLine() = 0;
 	/** Time has passed. */
 	virtual void Tick() = 0;
 	/** When Tick has something to do next, should nothing else happen. */

@@ -1,10 +1,8 @@
-#include "Mcp/McpLineSplitter.h"
-
-#include "Mcp/McpStdio.h"
+#include "LineSplitter.h"
 
 #include <utility>
 
-void FMcpLineSplitter::Append(std::string_view Bytes, IMcpLineHandler& Handler)
+void FLineSplitter::Append(std::string_view Bytes, ILineHandler& Handler)
 {
 	for (std::size_t End = Bytes.find('\n'); End != std::string_view::npos; End = Bytes.find('\n'))
 	{
@@ -15,7 +13,7 @@ void FMcpLineSplitter::Append(std::string_view Bytes, IMcpLineHandler& Handler)
 	AppendToLine(Bytes, Handler);
 }
 
-void FMcpLineSplitter::AppendToLine(std::string_view Bytes, IMcpLineHandler& Handler)
+void FLineSplitter::AppendToLine(std::string_view Bytes, ILineHandler& Handler)
 {
 	if (bSkipping)
 		return;
@@ -29,7 +27,7 @@ void FMcpLineSplitter::AppendToLine(std::string_view Bytes, IMcpLineHandler& Han
 	Handler.HandleOverlongLine();
 }
 
-void FMcpLineSplitter::Finish(IMcpLineHandler& Handler)
+void FLineSplitter::Finish(ILineHandler& Handler)
 {
 	constexpr std::size_t MaxKeptCapacity = 1 << 20; // the memory of longer lines is given back
 	if (!std::exchange(bSkipping, false) && !Line.empty())

@@ -1,4 +1,4 @@
-# Sourced by ./run, ./test and .ci/run: installs what Scripts/packages.txt lists and this machine lacks.
+# Sourced by ./run, ./test and .ci/run: installs what their sections of Scripts/packages.txt list and this machine lacks.
 
 set -euo pipefail
 ORIVANE_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -11,28 +11,33 @@ as_root() {
 	elif command -v sudo >/dev/null 2>&1; then
 		sudo "$@"
 	else
-		echo "error: installing packages needs root or sudo; install these by hand and start again:" >&2
-		grep -v '^#' "$ORIVANE_ROOT/Scripts/packages.txt" | tr '\n' ' ' >&2
-		echo >&2
+		echo "error: installing packages needs root or sudo; install them by hand and start again" >&2
 		exit 1
 	fi
 }
 
+# packages_of SECTION...
+packages_of() {
+	awk -v wanted=" $* " '/^\[/ { section = substr($0, 2, length($0) - 2); next } /^[^#]/ && index(wanted, " " section " ")' \
+		"$ORIVANE_ROOT/Scripts/packages.txt"
+}
+
+# missing_packages SECTION...
 missing_packages() {
 	local name
-	grep -v '^#' "$ORIVANE_ROOT/Scripts/packages.txt" | while read -r name; do
-		[ -n "$name" ] || continue
+	packages_of "$@" | while read -r name; do
 		dpkg-query -W -f='${Status}\n' "$name" 2>/dev/null | grep -q '^install ok installed$' || echo "$name"
 	done
 }
 
+# install_missing_packages SECTION...
 install_missing_packages() {
 	if ! command -v dpkg-query >/dev/null 2>&1; then
 		echo "note: no dpkg here; the packages of Scripts/packages.txt are taken to be there under other names" >&2
 		return
 	fi
 	local missing
-	missing=$(missing_packages | tr '\n' ' ')
+	missing=$(missing_packages "$@" | tr '\n' ' ')
 	[ -n "$missing" ] || return 0
 	say "Installing: $missing"
 	as_root apt-get update -qq
@@ -46,7 +51,7 @@ build() {
 	shift
 	(
 		cd "$ORIVANE_ROOT"
-		[ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null
+		cmake --preset "$preset" >/dev/null # also where it was done before: packages may have been installed since
 		cmake --build --preset "$preset" ${1:+--target "$@"}
 	)
 }

@@ -35,6 +35,7 @@ public:
 				.Description = "Finds.",
 				.InputSchema = Input,
 				.OutputSchema = Any,
+				.NarrowingArguments = {"max_total_hits"},
 				.bReadOnly = true},
 			{.Name = "slow", .Title = "", .Description = "Takes long.", .InputSchema = Any, .OutputSchema = nullptr},
 		};

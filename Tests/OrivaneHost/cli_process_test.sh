@@ -38,6 +38,8 @@ expect "a mistyped command" 2 "did you mean 'search'" "$orivane" serach Health
 expect "a mistyped option" 2 "did you mean '--family'" "$orivane" search x --famly Text
 expect "a missing term" 2 'TERM is required' "$orivane" search
 expect "a number that is none" 2 'max-total-hits' "$orivane" search x --max-total-hits many
+expect "a time that is not a number" 2 "time-limit: 'nan' is not a time from 0.001 to 86400 seconds" "$orivane" search x --time-limit nan
+expect "more time than there is" 2 "deadline: '1e30' is not a time" "$orivane" mcp --deadline 1e30
 expect "memory for nothing" 2 'object-memory' "$orivane" search x --object-memory 0
 expect "no command" 2 'orivane --help' "$orivane"
 expect "help has examples" 0 'Examples:' "$orivane" search --help
@@ -65,7 +67,8 @@ expect "a text file is no package" 1 "is no package" "$orivane" graph Docs/Packa
 expect "nothing depends on it" 1 '^depends on: 0 relations$' "$orivane" graph /Game/Data/Enums/E_DamageKind -p "$project"
 expect "a word of an option" 2 "relation: 'parents' is none of: dependencies, referencers, both" "$orivane" graph $hub -r parents -p "$project"
 expect "a depth out of range" 2 'depth: Value 3 not in range' "$orivane" graph $hub --depth 3 -p "$project"
-expect "a file that cannot be written" 2 'cannot write' "$orivane" graph $hub -o "$scratch/empty/none/../../two/a.uproject/x" -p "$project"
+expect "a file in a folder that is missing" 2 'cannot write .*/none/x: there is no folder .*/none' "$orivane" graph $hub -o "$scratch/empty/none/x" -p "$project"
+expect "a dash is standard output" 0 '^├─ /Game/UI' "$orivane" graph $hub -o - -p "$project"
 expect "the graph tool" 0 '"text":"Explored asset graph for .* \(direction: Dependencies, depth: 1, relations: [0-9]+\)"' \
 	"$orivane" call explore_asset_graph "{\"asset_path\":\"$hub\"}" -p "$project"
 
@@ -91,6 +94,14 @@ printf '# a script\norivane.textsearch term="Health"\nexit\nnonsense\n' | "$oriv
 expect "no such folder" 3 'there is no folder' "$orivane" info --project "$scratch/nowhere"
 expect "a folder without a descriptor" 3 'no \*\.uproject' "$orivane" info --project "$scratch/empty"
 expect "two descriptors" 3 'more than one' "$orivane" info --project "$scratch/two"
+mkdir "$scratch/odd"
+cp -r "$sample" "$scratch/odd/bad"$'\xff'
+ln -s "bad"$'\xff' "$scratch/odd/link"
+for path in "$scratch/odd/bad"$'\xff' "$scratch/odd/bad"$'\xff/Lantern.uproject' "$scratch/odd/link"; do
+	expect "a path that is not UTF-8" 3 'cannot open the project: .*is not valid UTF-8' "$orivane" console -c 'Orivane.EnumSearch term=x' -p "$path"
+done
+expect "nor is the current folder" 3 'is not valid UTF-8' env --chdir="$scratch/odd/bad"$'\xff' "$orivane" search BB_
+[ "$(find "$scratch/odd" -mindepth 1 -maxdepth 1 | wc -l)" -eq 2 ] || { echo "FAILED: something was made beside the project"; failures=$((failures + 1)); }
 expect "info counts" 0 'packages' "$orivane" info --project "$project"
 expect "info as JSON" 0 '^\{"name":"Lantern"' "$orivane" info --json --project "$project"
 expect "the sample is clean" 0 '0 error' "$orivane" check --project "$project"
@@ -104,6 +115,11 @@ expect "systems in memory" 0 'EmitterName +Sparks' "$orivane" search Sparks -f N
 expect "every command brings packages into memory" 0 '"preloaded":6' "$orivane" info --json -p "$project" --preload /Game/FX
 expect "a path that is not there" 2 "preload: the project has no package or folder '/Game/Fx/NS_X'" \
 	"$orivane" call asset_search '{"term":"x"}' -p "$project" --preload /Game/Fx/NS_X
+expect "settings with what they do" 0 'about +Additional directories to exclude' "$orivane" info --settings -p "$project"
+truncate -s 257M "$project/Docs/Huge.md"
+expect "a text file that is too large" 0 'Docs/Huge\.md: warning: .*256 MiB.* \[text-too-large\]' "$orivane" check -p "$project"
+expect "is not passed over in silence" 0 'warning: 1 text file.* Docs/Huge\.md' "$orivane" search Health -f Text -p "$project"
+rm "$project/Docs/Huge.md"
 expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game
 
 mkdir -p "$project/Content/Broken"
@@ -130,6 +146,32 @@ expect "a search mentions the faults" 0 'orivane check' "$orivane" search Health
 printf '{"term":"Health"}' | "$orivane" call asset_search - -p "$project" 2>/dev/null | grep -q '"success":true' ||
 	{ echo "FAILED: arguments from standard input"; failures=$((failures + 1)); }
 "$orivane" search Health -p "$project" 2>/dev/null | grep -q $'\033' && { echo "FAILED: colour in a pipe"; failures=$((failures + 1)); }
+
+# Text to search for seconds in little room: one file under many names.
+mkdir "$scratch/Long"
+echo '{}' >"$scratch/Long/Long.uproject"
+yes 'nothing is to be found in this line' | head -c 32M | iconv -t UTF-16 >"$scratch/Long/0.txt"
+for number in $(seq 200); do ln "$scratch/Long/0.txt" "$scratch/Long/$number.txt"; done
+
+# ends_soon WHY EXIT_CODE PATTERN COMMAND...   a command that would take long, stopped by "limit" (its own) or a signal after half a second
+ends_soon() {
+	local why=$1 code=$2 pattern=$3 signal=$4 start=$EPOCHREALTIME process actual
+	shift 4
+	"$@" >"$scratch/output" 2>&1 </dev/null &
+	process=$!
+	[ "$signal" = limit ] || { sleep 0.5; kill -"$signal" "$process"; }
+	wait "$process"
+	actual=$?
+	local took=$(((${EPOCHREALTIME/./} - ${start/./}) / 1000))
+	if [ "$actual" -ne "$code" ] || [ "$took" -gt 2500 ] || { [ -n "$pattern" ] && ! grep -qE -- "$pattern" "$scratch/output"; }; then
+		echo "FAILED: $why: exit $actual (expected $code) after $took ms"
+		head -20 "$scratch/output"
+		failures=$((failures + 1))
+	fi
+}
+ends_soon "a search ends at its limit" 1 'did not complete within 1 s: narrow the search' limit "$orivane" search absent --time-limit 0.5 -p "$scratch/Long"
+ends_soon "a search ends at once on Ctrl-C" 130 '' INT "$orivane" search absent -p "$scratch/Long"
+ends_soon "and when it is terminated" 130 '' TERM "$orivane" call asset_search '{"term":"absent"}' -p "$scratch/Long"
 
 echo "$failures failure(s)"
 exit $((failures > 0))

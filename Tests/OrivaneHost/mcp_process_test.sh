@@ -14,7 +14,7 @@ mkfifo "$scratch/in" "$scratch/out" "$scratch/unread"
 # Text to search for seconds in little room: one file under many names.
 mkdir -p "$scratch/Long/Content"
 echo '{}' >"$scratch/Long/Long.uproject"
-yes 'nothing is to be found in this line' | head -c 64M >"$scratch/Long/Content/0.txt"
+yes 'nothing is to be found in this line' | head -c 32M | iconv -t UTF-16 >"$scratch/Long/Content/0.txt"
 for number in $(seq 200); do ln "$scratch/Long/Content/0.txt" "$scratch/Long/Content/$number.txt"; done
 
 fail() {
@@ -159,6 +159,21 @@ for ending in "end of input" TERM INT; do
 	if [ "$ending" = "end of input" ]; then exec 8>&-; else kill -"$ending" "$(cat "$scratch/id")"; fi
 	end "$ending in the middle of a call"
 done
+
+start --project "$scratch/Long" --no-cache
+handshake >&8
+hear
+search 1 Health >&8
+sleep 0.3
+moment=$EPOCHREALTIME
+printf '{"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":1}}\n' >&8
+request 2 tools/call '{"name":"asset_search","arguments":{"term":"x","include_asset_families":["Enum"]}}' >&8
+hear
+[[ $reply == *'"id":2,'*'"isError":false'* ]] || fail "a call behind a cancelled one" "$reply"
+waited=$(((${EPOCHREALTIME/./} - ${moment/./}) / 1000))
+[ "$waited" -lt 2000 ] || fail "a cancelled call holds up the next one for $waited ms"
+exec 8>&-
+end "after a cancelled call"
 
 start --project "$scratch/Long" --no-cache --deadline 0.2
 handshake >&8

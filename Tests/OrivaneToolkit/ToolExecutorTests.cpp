@@ -1,16 +1,40 @@
 #include "ToolExecutor.h"
 
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
 #include <map>
+#include <stop_token>
 #include <thread>
 
 namespace
 {
 using namespace Orivane;
 using namespace std::chrono_literals;
+
+/** Keeps the game thread for as long as the test's function runs, then completes. */
+class FHoldingTool final : public ITool
+{
+public:
+	explicit FHoldingTool(std::function<void()> InHold) : Hold(std::move(InHold)) {}
+
+	FString GetSchema() const override { return "{}"; }
+	FString GetDescription() const override { return "test"; }
+	void ValidateArguments(const FString&, FToolResult&) override {}
+	FString GetMetadata() override { return "{}"; }
+	void InvalidateMetadata() override {}
+	void Execute(const FToolCommand&, TSharedPtr<FToolResult> Result, TDelegate<void(FToolResult&)> OnComplete) override
+	{
+		Hold();
+		Result->AddSuccessMessage("done");
+		OnComplete.Execute(*Result);
+	}
+
+private:
+	const std::function<void()> Hold;
+};
 
 /** A tool that completes when the test says so. */
 class FManualTool final : public ITool
@@ -26,6 +50,7 @@ public:
 	void Execute(const FToolCommand& Command, TSharedPtr<FToolResult> Result, TDelegate<void(FToolResult&)> OnComplete) override
 	{
 		Started += Command.CommandId.ToStdString();
+		Tokens[Command.CommandId.ToStdString()] = GetStopToken();
 		Completions[Command.CommandId.ToStdString()] = {OnComplete, Result.get()};
 	}
 
@@ -35,6 +60,15 @@ public:
 		const FCompletion Completion = std::exchange(Completions[Id], {});
 		Completion.Result->AddSuccessMessage("done");
 		Completion.OnComplete.Execute(*Completion.Result);
+	}
+
+	/** Those that were asked to stop, in the order of their ids. */
+	std::string GetStopped() const
+	{
+		std::string Stopped;
+		for (const auto& [Id, Token] : Tokens)
+			Stopped += Token.stop_requested() ? Id : "";
+		return Stopped;
 	}
 
 	std::string Started;
@@ -47,6 +81,7 @@ private:
 	};
 	FString Metadata;
 	std::map<std::string, FCompletion> Completions;
+	std::map<std::string, std::stop_token> Tokens;
 };
 
 class ToolExecutor : public testing::Test
@@ -81,10 +116,10 @@ protected:
 	}
 
 	FToolExecutor::FTime Now;
+	std::string Answers;
 	TSharedPtr<FManualTool> Sequential = MakeShared<FManualTool>(R"({"execution_mode": "sequential"})");
 	TSharedPtr<FManualTool> Parallel = MakeShared<FManualTool>("{}");
 	TSharedPtr<FToolExecutor> Executor = MakeShared<FToolExecutor>(EExecutorClock::Manual, [this] { return Now; });
-	std::string Answers;
 };
 
 TEST_F(ToolExecutor, SequentialCallsWaitForEachOther)
@@ -158,12 +193,87 @@ TEST_F(ToolExecutor, UnknownToolsAreAnswered)
 	EXPECT_EQ(Answers, "x: Unknown tool 'nonsense'; registered: sequential | y: Unknown tool 'parallel'; registered: sequential");
 }
 
-TEST_F(ToolExecutor, OutlivesItsOwner)
+TEST_F(ToolExecutor, CallsThatItLeavesBehindAreAnsweredOnce)
 {
 	Call("parallel", "a");
 	Pump();
+	Call("parallel", "b");
 	Executor.reset();
+	const std::string Both =
+		"a: Tool 'parallel' did not complete: its executor is shut down | b: Tool 'parallel' did not complete: its executor is "
+		"shut down";
+	EXPECT_EQ(Answers, Both);
 	Parallel->Complete("a");
+	Pump();
+	EXPECT_EQ(Answers, Both);
+	EXPECT_EQ(Parallel->Started, "a") << "what waited does not start any more";
+}
+
+TEST_F(ToolExecutor, WaitingForAToolThatHoldsTheThreadDoesNotCount)
+{
+	Executor->RegisterTool("holding", MakeShared<FHoldingTool>([this] { Now += 9s; }));
+	Call("holding", "a", 10s);
+	Call("parallel", "b", 2s);
+	Pump();
+	Pass(1999ms);
+	EXPECT_EQ(Answers, "a: done") << "though it was posted longer ago than its limit";
+	Pass(1ms);
+	EXPECT_EQ(Answers, "a: done | b: Tool 'parallel' did not complete within 2 s");
+}
+
+TEST_F(ToolExecutor, ACallThatCannotStartIsAnsweredWithWhatItWaitedFor)
+{
+	const auto Hold = [this]
+	{
+		Now += 3s;
+		Executor->EndOverdueCalls();
+		EXPECT_EQ(Answers, "a: Tool 'holding' did not complete within 3 s") << "it may still stop";
+		EXPECT_TRUE(IsStopRequested());
+		Now += 499ms;
+		Call("parallel", "late", 30s);
+		Executor->EndOverdueCalls();
+		EXPECT_EQ(Answers.find("b:"), std::string::npos);
+		Now += 1ms;
+		Executor->EndOverdueCalls();
+		Executor->EndOverdueCalls(); // for the sequential one, whose turn has come
+	};
+	Executor->RegisterTool("holding", MakeShared<FHoldingTool>(Hold));
+	Call("holding", "a", 3s);
+	Call("parallel", "b", 1s);
+	Call("sequential", "c", 1s);
+	Pump();
+	const std::string Why = "it waited for tool 'holding', which still holds the game thread after its limit of 3 s";
+	EXPECT_EQ(Answers,
+		"a: Tool 'holding' did not complete within 3 s | b: Tool 'parallel' could not start: " + Why +
+			" | c: Tool 'sequential' could not start: " + Why);
+	EXPECT_EQ(Parallel->Started, "late") << "and whoever came later runs when the thread is free";
+	Call("parallel", "d", 1s);
+	Pass(1s);
+	EXPECT_NE(Answers.find("d: Tool 'parallel' could not start within 1 s: the game thread is busy"), std::string::npos)
+		<< "nobody knows with what";
+}
+
+TEST_F(ToolExecutor, AsksToolsToStop)
+{
+	Call("parallel", "a", 1s);
+	const FToolCallId B = Call("parallel", "b");
+	Call("parallel", "c");
+	Call("parallel", "d");
+	Pump();
+	EXPECT_FALSE(IsStopRequested());
+	Parallel->Complete("d");
+	Pass(1s);
+	Executor->Cancel(B);
+	EXPECT_EQ(Parallel->GetStopped(), "ab") << "its time is up; cancelled";
+	Executor.reset();
+	EXPECT_EQ(Parallel->GetStopped(), "abc") << "left behind; the last one was done";
+}
+
+TEST_F(ToolExecutor, LimitsBeyondTheClocksEndAreNone)
+{
+	Call("parallel", "a", std::chrono::milliseconds::max());
+	Pump();
+	Pass(std::chrono::hours(24 * 365));
 	EXPECT_EQ(Answers, "");
 }
 
@@ -191,5 +301,29 @@ TEST(ToolExecutorClock, EndsCallsWhileTheGameThreadIsBusy)
 		NumAnswers.wait(Seen);
 	EXPECT_EQ(NumAnswers, 20);
 	FGameThread::Get().Clear();
+}
+TEST(ToolExecutorClock, MayLetGoOfTheExecutor)
+{
+	FGameThread::Get().BindToThisThread();
+	FGameThread::Get().Clear();
+	for (int32 Round = 0; Round < 50; ++Round)
+	{
+		auto Executor = MakeShared<FToolExecutor>(EExecutorClock::OwnThread);
+		Executor->RegisterTool("parallel", MakeShared<FManualTool>("{}"));
+		std::atomic<int32> NumAnswers = 0;
+		for (const char* Id : {"a", "b"})
+			Executor->Call({Id, "parallel", "{}"}, {.TimeLimit = 0ms, .ExplainTimeOut = {}},
+				[&NumAnswers, Kept = Executor](FToolResult&) mutable
+				{
+					Kept.reset();
+					++NumAnswers;
+					NumAnswers.notify_all();
+				});
+		Executor.reset();
+		for (int32 Seen = NumAnswers; Seen < 2; Seen = NumAnswers)
+			NumAnswers.wait(Seen);
+		EXPECT_EQ(NumAnswers, 2);
+		FGameThread::Get().Clear();
+	}
 }
 }

@@ -37,8 +37,11 @@ struct FKindRow
 	bool bHighSignal;
 };
 constexpr FKindRow Kinds[] = {{"Blueprint", "Blueprint", true}, {"WidgetBlueprint", "WidgetBlueprint", true},
-	{"BlackboardData", "Blackboard", true}, {"UserDefinedStruct", "Struct", true}, {"World", "World", true},
-	{"Material", "Material", false}, {"NiagaraSystem", "NiagaraSystem", false}, {"StaticMesh", "uasset", false}};
+	{"AnimBlueprint", "AnimBlueprint", true}, {"BehaviorTree", "BehaviorTree", true}, {"EnvQuery", "EnvQuery", true},
+	{"DataAsset", "DataAsset", true}, {"PrimaryDataAsset", "DataAsset", true}, {"DataTable", "DataTable", true},
+	{"UserDefinedEnum", "Enum", true}, {"StateTree", "StateTree", true}, {"BlackboardData", "Blackboard", true},
+	{"UserDefinedStruct", "Struct", true}, {"World", "World", true}, {"Material", "Material", false},
+	{"NiagaraSystem", "NiagaraSystem", false}, {"StaticMesh", "uasset", false}};
 
 class FDice
 {

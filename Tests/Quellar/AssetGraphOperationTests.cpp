@@ -24,6 +24,7 @@ std::string Tell(const std::string& ArgumentsJson)
 
 void DescribeProject(FTestProject& Project)
 {
+	Project.Links("/Game/Start", {"Start World"}, {"/Game/Map"});
 	Project.Links("/Game/Map", {"Map World"}, {"/Game/Hero", "/Game/Items editor"});
 	Project.Links("/Game/Hero", {"Hero Blueprint"}, {"/Game/Items"});
 	Project.Links("/Game/Items", {"Items DataTable"}, {});
@@ -60,11 +61,12 @@ TEST(AssetGraphOperation, ReadsItsArguments)
 {
 	FTestProject Project;
 	DescribeProject(Project);
+	const std::string MapFile = Project.GetFolder().GetRoot() + "/Content/Map.vasset";
 	const struct
 	{
 		const char* Why;
-		const char* Arguments;
-		const char* Expected;
+		std::string Arguments;
+		std::string Expected;
 	} Cases[] = {
 		{"nothing is asked for", "{}", "0 Missing required parameter 'asset_path'\n"},
 		{"an array is no path", R"({"asset_path": ["/Game/Map"]})", "0 Missing required parameter 'asset_path'\n"},
@@ -89,6 +91,18 @@ TEST(AssetGraphOperation, ReadsItsArguments)
 		{"success, then the warning, with the number as given", R"({"asset_path": "/Game/Map", "max_nodes": -4})",
 			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 1, relations: 1)\n"
 			"1 Graph truncated at max_nodes=-4\n"},
+		{"a number out of range is the nearest one", R"({"asset_path": "/Game/Map", "depth": 3000000000, "max_nodes": 1e99})",
+			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 2, relations: 2)\n"},
+		{"export form", R"({"asset_path": "World'/Game/Map.Map'"})",
+			"2 Explored asset graph for 'World'/Game/Map.Map'' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"an absolute file", R"({"asset_path": ")" + MapFile + R"("})",
+			"2 Explored asset graph for '" + MapFile + "' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"a second level spends the budget", R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1})",
+			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"
+			"1 Graph truncated at max_nodes=1\n"},
+		{"unless its fan-out is above the limit",
+			R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1, "max_fanout_per_node": 1})",
+			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"},
 		{"a text file exists, but names no package", R"({"asset_path": "Docs/Notes", "relation": "Both"})",
 			"2 Explored asset graph for 'Docs/Notes' (direction: Both, depth: 1, dependencies: 0, referencers: 0)\n"},
 	};
@@ -110,7 +124,7 @@ TEST(AssetGraphOperation, WritesTheConsoleDocument)
 	FTestProject Project;
 	DescribeProject(Project);
 	FExploreAssetGraphResult Found;
-	UAssetGraphService::ExploreGraph({.AssetPath = "/Game/Map", .MaxNodes = 1}, Found);
+	UAssetGraphService::ExploreGraph({.AssetPath = "/gAME/map", .MaxNodes = 1}, Found); // the registry's spelling comes out
 	EXPECT_EQ(WriteAssetGraphConsoleJson(Found).View(),
 		R"({"root":"/Game/Map","direction":"Dependencies",)"
 		R"("relations":[{"path":"/Game/Hero","kind":"Blueprint","type":"Runtime","relations":[]}],)"

@@ -1,4 +1,5 @@
 #include "Quellar/AssetPathExclusion.h"
+#include "Quellar/QuellarSettings.h"
 #include "Support/TestProject.h"
 
 namespace
@@ -61,4 +62,41 @@ TEST(AssetPathExclusion, ReadsTheSettingsInForce)
 	Project.Settings("bExcludeEnginePlugins=False");
 	Project.Open();
 	ExpectAll({{"the plugin rule can be switched off", "/Plugins/FogSystem/X", false}});
+}
+
+TEST(QuellarSettings, AreKnownWithoutAHost)
+{
+	EXPECT_NE(FindClass("/Script/Quellar.QuellarSettings"), nullptr);
+}
+
+TEST(QuellarSettings, NamesAndDefaults)
+{
+	FTestProject Project;
+	Project.Open();
+	UClass& Class = *UQuellarSettings::StaticClass();
+	const auto& Settings = *Class.GetDefaultObject<UQuellarSettings>();
+	std::string Told = Class.GetMetaData("ToolTip").ToStdString();
+	for (const FProperty* Property : PropertiesOf(Class))
+		Told += "\n" + Join({Property->GetName(), Property->GetMetaData("Category"), Property->GetMetaData("ToolTip")}, "|");
+	EXPECT_EQ(Told,
+		R"(Project settings for Orivane/Quellar behaviors.
+Exposed at: Project Settings → Plugins → Orivane Settings
+ExcludedDirectories|Search|Additional directories to exclude from Asset/Text searches (relative segments).
+bExcludeEnginePlugins|Search|Exclude Engine plugins (CommonUI, EnhancedInput, etc.) but keep project plugins.
+ExcludedPluginNames|Search|Additional plugin names to exclude (e.g., "CommonUI", "EnhancedInput").
+TextSearchExtensions|Search|File extensions to include in text-based searches (lowercase, no dot). Editable in Project Settings.
+bEnableHighSignalFiltering|References|Enable high-signal kind filtering for reference queries (focus on code/logic/config assets).
+DefaultMaxReferences|References|Default maximum results for AssetFindReferences queries.
+DefaultMaxGraphNodes|Graph|Default maximum nodes for ExploreAssetGraph queries.
+DefaultMaxFanoutPerNode|Graph|Default maximum fanout per node (hub protection).)");
+	EXPECT_EQ(Join({Class.GetPathName(), Settings.GetCategoryName(), Settings.GetSectionName()}, "|"),
+		"/Script/Quellar.QuellarSettings|Plugins|Orivane Settings");
+	EXPECT_EQ(
+		Join(Settings.ExcludedDirectories), "Intermediate DerivedDataCache Saved Binaries .git .svn .vs .idea node_modules");
+	EXPECT_EQ(Join(Settings.ExcludedPluginNames), "Niagara Water GeometryCollectionPlugin ChaosSolverPlugin");
+	EXPECT_EQ(Join(Settings.TextSearchExtensions), "uproject uplugin txt md bat py xml yaml yml html css js ts config ini cfg");
+	EXPECT_TRUE(Settings.bExcludeEnginePlugins && Settings.bEnableHighSignalFiltering);
+	EXPECT_EQ(Settings.DefaultMaxReferences, 200);
+	EXPECT_EQ(Settings.DefaultMaxGraphNodes, 150);
+	EXPECT_EQ(Settings.DefaultMaxFanoutPerNode, 50);
 }

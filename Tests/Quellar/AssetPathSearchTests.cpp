@@ -1,4 +1,4 @@
-#include "AssetPathSearchJson.h"
+#include "Quellar/AssetPathSearchJson.h"
 #include "Quellar/AssetPathSearchOperation.h"
 #include "Quellar/AssetPathSearchTypes.h"
 #include "Support/TestProject.h"
@@ -6,14 +6,6 @@
 
 namespace
 {
-std::string Join(const TArray<FString>& Texts)
-{
-	std::string Joined;
-	for (const FString& Text : Texts)
-		Joined += (Joined.empty() ? "" : " ") + Text.ToStdString();
-	return Joined;
-}
-
 /** "4 hits; /Game/UI: /Game/UI/A.A /Game/UI/B.B; files: ...; reasons (directories too)" */
 std::string Search(const FAssetPathSearchParams& Params)
 {
@@ -183,6 +175,14 @@ TEST(AssetPathSearchOperation, ReadsItsArguments)
 		{"a cap below 1", R"({"term": "menu", "max_file_results": -5, "detail_mode": "files"})", Capped},
 		{"a cap is cut to a whole number", R"({"term": "menu", "max_file_results": 1.9, "detail_mode": "files"})", Capped},
 		{"a cap beyond all numbers", R"({"term": "icon", "max_file_results": 1e300, "detail_mode": "files"})", Files},
+		{"directories", R"({"term": "menu", "max_directory_buckets": 1.9})",
+			Answer("4 matches across 1 directories (truncated=true)",
+				R"("total_hits":4,"total_directories":1,"truncated":true,"detail_mode":"directories")",
+				R"("directories":[{"path":"/Game/AI","count":1,"files":["BT_Menu.BT_Menu"]}])")},
+		{"files of a directory", R"({"term": "menu", "path_contains": "/UI", "max_files_per_directory": 0})",
+			Answer("2 matches across 1 directories (truncated=true)",
+				R"("total_hits":2,"total_directories":1,"truncated":true,"detail_mode":"directories")",
+				R"("directories":[{"path":"/Game/UI","count":1,"files":["W_Menu.W_Menu"]}])")},
 		{"filters that are texts",
 			R"({"term": "icon", "class_filters": ["", 3, "Material"], "path_contains": "/UI", "detail_mode": "files"})", Files},
 		{"a number is no filter", R"({"term": "icon", "class_filters": [3], "detail_mode": "files"})", Files},
@@ -192,4 +192,22 @@ TEST(AssetPathSearchOperation, ReadsItsArguments)
 		SCOPED_TRACE(Case.Why);
 		EXPECT_EQ(Execute(Case.Arguments), Case.Expected);
 	}
+}
+
+TEST(AssetPathSearch, CapsWhatNobodyCapped)
+{
+	FTestProject Project;
+	std::vector<std::string> Eleven;
+	for (int32 Index = 0; Index < 11; ++Index)
+		Eleven.push_back("A" + std::to_string(Index) + " World");
+	Project.Links("/Game/A/P", Eleven, {});
+	for (int32 Folder = 0; Folder < 50; ++Folder)
+		Project.Links("/Game/F" + std::to_string(Folder) + "/P", {"A World", "B World", "C World", "D World"}, {});
+	Project.Open();
+	FAssetPathSearchResult Found;
+	UAssetSearchService::Get().AssetPathSearch({.Term = "/P."}, Found);
+	EXPECT_EQ(Found.TotalHits, 211);
+	EXPECT_EQ(Found.Files.Num(), 200);
+	EXPECT_EQ(Found.TotalDirectories, 50);
+	EXPECT_EQ(Found.Directories.begin()->second.Num(), 10);
 }

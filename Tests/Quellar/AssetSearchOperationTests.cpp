@@ -84,12 +84,17 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 		{"the warning names the cap as given", R"({"term": "12", "max_total_hits": 1})",
 			"2 Found 1 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
 			"max_total_hits=1\n"},
+		{"also one below 1, where another is in force",
+			R"({"term": "e", "include_asset_families": ["Text"], "max_hits_per_asset_type": 1, "max_total_hits": 0})",
+			"2 Found 1 asset(s) matching 'e' (mode: contains, case_sensitive: false)\n1 Results truncated at "
+			"max_total_hits=0\n"},
 		{"numbers as text, fractions are cut", R"({"term": "12", "max_total_hits": "1.9"})",
 			"2 Found 1 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
 			"max_total_hits=1\n"},
-		{"a number out of range keeps the default",
+		{"a number out of range is the nearest one in range",
 			R"({"term": "12", "max_total_hits": 1e300, "max_hits_per_asset_type": -1e300})",
-			"2 Found 3 asset(s) matching '12' (mode: contains, case_sensitive: false)\n"},
+			"2 Found 2 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
+			"max_total_hits=2147483647\n"},
 		{"an integer of any length is a number", R"({"term": "12", "max_total_hits": 123456789012345678901234567890})",
 			"2 Found 3 asset(s) matching '12' (mode: contains, case_sensitive: false)\n"},
 		{"negative caps act as one", R"({"term": "12", "max_hits_per_asset_type": -2147483648})",
@@ -123,4 +128,22 @@ TEST(AssetSearchOperation, LeavesOutWhatIsGone)
 	EXPECT_EQ(CountAssets(), "Found 3 asset");
 	Project.GetFolder().Remove("Docs/goes.txt");
 	EXPECT_EQ(CountAssets(), "Found 2 asset");
+}
+
+TEST(AssetSearchOperation, NobodyNeedsToListen)
+{
+	FTestProject Project;
+	Project.File("a.txt", "lamp");
+	Project.Open();
+	for (const char* Arguments : {"{}", R"({"term": "lamp"})", R"({"term": "lamp", "include_asset_families": ["none"]})"})
+	{
+		SCOPED_TRACE(Arguments);
+		TSharedPtr<FJsonObject> Args;
+		ASSERT_TRUE(Json::ParseObject(Arguments, Args));
+		Orivane::FToolResult Result({"1", "asset_search", Arguments});
+		FAssetSearchOperation::ExecuteAsync(*Args, Result, {});
+		EXPECT_TRUE(FGameThread::Get().RunUntil([&] { return !Result.GetMessages().IsEmpty(); }, std::chrono::seconds(60)));
+	}
+	for (const char* Family : {"Text", "none"})
+		UAssetSearchService::Get().AssetSearch(MakeParams(Family, "lamp"), {});
 }

@@ -1,5 +1,7 @@
 #include "Quellar/AssetSearchService.h"
 
+#include "CoreObject/Loader.h"
+#include "OrivaneToolkit/OrivaneSettings.h"
 #include "Support/TestProject.h"
 
 #include <random>
@@ -19,6 +21,14 @@ void Describe(FTestProject& Project)
 	Project.Table("/Game/B/DT_Two", "RowTwo").Column("Health", "int");
 	Project.Table("/Game/a/DT_One", "RowOne").Column("Health", "int");
 	Project.File("Docs/a.txt", "Health").File("Docs/B.txt", "Health");
+}
+
+std::string RenderClasses(const FAssetSearchResult& Result)
+{
+	std::string Text;
+	for (const FAssetResult& Asset : Result.Results)
+		Text += (Text.empty() ? "'" : " '") + Asset.AssetClass.ToStdString() + "'";
+	return Text;
 }
 }
 
@@ -73,6 +83,81 @@ TEST(AssetSearchService, CapsAssetsPerTypeAndInTotal)
 		Params.MaxHitsPerAssetType = Case.MaxPerType;
 		Params.MaxTotalHits = Case.MaxTotal;
 		EXPECT_EQ(RenderAssets(Project.Search(Params)), Case.Expected);
+	}
+}
+
+TEST(AssetSearchService, FindsTwoHundredUnlessTold)
+{
+	FTestProject Project;
+	for (int32 Index = 0; Index < 201; ++Index)
+	{
+		Project.File("Docs/" + std::to_string(Index) + ".txt", "lamp");
+		Project.Header("/Game/M_Lamp" + std::to_string(Index), "/Script/Engine.Material");
+	}
+	const struct
+	{
+		const char* Why;
+		TArray<FString> Families;
+		int32 MaxTotal;
+		int32 ExpectedNum;
+		bool bExpectedTruncated;
+	} Cases[] = {
+		{"hits of a family, which nobody marks", {"Material"}, FAssetSearchParams().MaxTotalHits, 200, false},
+		{"assets of two families", {"Material", "Text"}, FAssetSearchParams().MaxTotalHits, 200, true},
+		{"a cap below one: files of the text family", {"Text"}, 0, 200, false},
+		{"a cap below one: these and the one asset of another family", {"Material", "Text"}, -1, 200, true},
+		{"no such cap", {"Material", "Text"}, 1000, 402, false},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		const FAssetSearchResult Found = Project.Search(
+			{.Term = "lamp", .IncludeAssetFamilies = Case.Families, .MaxTotalHits = Case.MaxTotal, .MaxHitsPerAssetType = 1000});
+		EXPECT_EQ(Found.Results.Num(), Case.ExpectedNum);
+		EXPECT_EQ(Found.bTruncated, Case.bExpectedTruncated);
+	}
+}
+
+TEST(AssetSearchService, EachFamilySaysItsClass)
+{
+	FTestProject Project;
+	for (const char* const Class : {"AnimBlueprint", "BehaviorTree", "BlackboardData", "Blueprint", "DataTable", "EnvQuery",
+			 "InputAction", "InputMappingContext", "Material", "MaterialFunction", "MaterialInstanceConstant", "NiagaraSystem",
+			 "PrimaryDataAsset", "UserDefinedEnum", "UserDefinedStruct", "WidgetBlueprint"})
+		Project.Asset(std::string("/Game/X_") + Class, Class);
+	Project.Asset("/Game/X_MI", "MaterialInstanceConstant").Set("ScalarParameters", R"([{"Name": "X_", "Value": 1}])");
+	Project.Asset("/Game/X_M", "Material").Set("ScalarParameters", R"([{"Name": "X_", "Value": 1}])");
+	Project.File("a.txt", "X_");
+	Project.File("Content/Found.vasset",
+		R"({"varnel_package":1,"assets":[{"name":"Found","class":"/Script/Engine.AnimBlueprint"}],"blueprint_index":[)"
+		R"({"category":"Var","text":"X_Entry"}],"objects":[]})");
+	Project.Open();
+	LoadPackage("/Game/X_NiagaraSystem");
+	const struct
+	{
+		const char* Family;
+		uint8 Mode; // of materials and particle systems
+		const char* Expected;
+	} Cases[] = {
+		{"Blueprint", 0, "'Blueprint' 'AnimBlueprint' 'Blueprint' 'WidgetBlueprint'"}, // the first from the index: any Blueprint
+		{"Text", 0, "'TextFile'"},
+		{"BehaviorTree", 0, "'BehaviorTree'"},
+		{"Blackboard", 0, "'Blackboard'"},
+		{"Enum", 0, "'UserDefinedEnum'"},
+		{"Struct", 0, "'UserDefinedStruct'"},
+		{"DataAsset", 0, "'DataAsset' 'DataAsset' 'DataAsset'"},
+		{"DataTable", 0, "'DataTable'"},
+		{"EnvQuery", 0, "'EnvQuery'"},
+		{"NiagaraSystem", 0, "'NiagaraSystem'"},
+		{"NiagaraSystem", 1, "'NiagaraSystem'"},
+		{"Material", 0, "'' '' '' '' ''"},
+		{"Material", 1, "'Material' 'MaterialFunction' 'MaterialInstance'"},
+	};
+	auto& Settings = *UOrivaneSettings::StaticClass()->GetDefaultObject<UOrivaneSettings>();
+	for (const auto& Case : Cases)
+	{
+		Settings.MaterialSearchMode = Settings.NiagaraSearchMode = Case.Mode;
+		EXPECT_EQ(RenderClasses(Project.Search(Case.Family, "X_")), Case.Expected) << Case.Family << " " << int32{Case.Mode};
 	}
 }
 

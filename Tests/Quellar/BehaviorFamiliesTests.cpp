@@ -259,6 +259,29 @@ TEST(BehaviorTreeFamily, CountsSharedBranchesWithoutWalkingThem)
 	EXPECT_EQ(Render(Project.Search("BehaviorTree", "Leaf")), "BT_Shared: NodeName Leaf @BehaviorTree/Node x160000");
 }
 
+TEST(BehaviorTreeFamily, WalksOnBeyondTheHitCap)
+{
+	FTestProject Project;
+	Project.Script("Game", R"("classes": [{"name": "BTDecorator_Same", "super": "/Script/Engine.BTDecorator"},
+		{"name": "BTService_Same", "super": "/Script/Engine.BTService"}])");
+	Project.Asset("/Game/BT_A", "BehaviorTree")
+		.Set("RootNode", R"("^A")")
+		.Inner("A", "BTComposite_Selector", R"("NodeName": "Same", "Children": [
+			{"ChildTask": "^B", "Decorators": ["^D"]}, {"ChildTask": "^B", "Decorators": ["^D", "^D"]}])")
+		.Inner("A.First", "/Script/Game.BTService_Same")
+		.Inner("A.Second", "/Script/Game.BTService_Same")
+		.Inner("B", "BTTask_Wait", R"("NodeName": "Same")")
+		.Inner("B.First", "/Script/Game.BTService_Same")
+		.Inner("B.Second", "/Script/Game.BTService_Same")
+		.Inner("D", "/Script/Game.BTDecorator_Same");
+	FAssetSearchParams Params = MakeParams("BehaviorTree", "Same");
+	Params.MaxTotalHits = 3;
+	EXPECT_EQ(Render(Project.Search(Params)),
+		"BT_A: NodeName Same @BehaviorTree/Node x3; Service BTService_Same @BehaviorTree/Service x4; "
+		"Decorator BTDecorator_Same @BehaviorTree/Decorator x3")
+		<< "only the services of a node end at the cap, which the first decorator reaches";
+}
+
 TEST(BlackboardFamily, FindsParentAndKeys)
 {
 	FTestProject Project;
@@ -342,4 +365,28 @@ TEST(EnvQueryFamily, FindsOptionsGeneratorsAndTests)
 			{"inherited ones too", "testcomment", "EQS_Hide: TestProperty TestComment @EnvQuery/TestProperties x3"},
 			{"its own name only when nothing else matched", "EQS", "EQS_Hide: AssetName EQS_Hide @EnvQuery"},
 		});
+}
+
+TEST(EnvQueryFamily, StopsAtTheHitCap)
+{
+	FTestProject Project;
+	Project.Script("Game", R"("classes": [
+		{"name": "Ring", "super": "/Script/Engine.EnvQueryGenerator",
+		 "properties": [{"name": "FarA", "type": "int"}, {"name": "FarB", "type": "int"}]},
+		{"name": "Test_Far", "super": "/Script/Engine.EnvQueryTest",
+		 "properties": [{"name": "FarC", "type": "int"}, {"name": "FarD", "type": "int"}]}])");
+	Project.Asset("/Game/EQS_A", "EnvQuery")
+		.Set("Options", R"(["^One", "^FarTwo", "^Three"])")
+		.Inner("One", "EnvQueryOption", R"("Generator": "^Ring", "Tests": ["^Test"])")
+		.Inner("FarTwo", "EnvQueryOption", R"("Generator": "^Ring", "Tests": ["^Test", "^Test"])")
+		.Inner("Three", "EnvQueryOption", R"("Generator": "^Ring", "Tests": ["^Test"])")
+		.Inner("Ring", "/Script/Game.Ring")
+		.Inner("Test", "/Script/Game.Test_Far");
+	FAssetSearchParams Params = MakeParams("EnvQuery", "far");
+	Params.MaxTotalHits = 6;
+	EXPECT_EQ(Render(Project.Search(Params)),
+		"EQS_A: GeneratorProperty FarA @EnvQuery/GeneratorProperties x2; GeneratorProperty FarB @EnvQuery/GeneratorProperties; "
+		"TestClass Test_Far @EnvQuery/Test x2; TestProperty FarC @EnvQuery/TestProperties x2; TestProperty FarD "
+		"@EnvQuery/TestProperties; OptionName FarTwo @EnvQuery/Option")
+		<< "of the option that reaches the cap: a property of its generator, a test with one property";
 }

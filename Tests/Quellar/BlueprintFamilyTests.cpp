@@ -147,6 +147,7 @@ TEST(BlueprintFamily, ReportsNames)
 	AddBlueprint(Project, "__Trash__/Sub/BP_LampGone", "");
 	AddBlueprint(Project, "Intermediate/BP_LampStays", "");
 	AddBlueprint(Project, "A/BP_Door", R"({"category":"Var","text":"Lamp"})");
+	AddWidgetBlueprint(Project, "A/WBP_LampPost", {{"Frame", "Border"}});
 	AddWidgetBlueprint(Project, "C/WBP_Lamp", {{"LampIcon", "Image"}});
 	Project.Header("/Game/C/DA_Lamp", "/Script/Engine.DataAsset");
 	const struct
@@ -159,7 +160,7 @@ TEST(BlueprintFamily, ReportsNames)
 		 "the same asset",
 			{.Term = "lamp"},
 			"/Game/A/BP_Door: Blueprint /Game/A/BP_Door.BP_Door; Var Lamp @/Game/A/BP_Door.BP_Door | "
-			"BP_Lamp: AssetName BP_Lamp | ABP_Lamp: AssetName ABP_Lamp | "
+			"BP_Lamp: AssetName BP_Lamp | WBP_LampPost: AssetName WBP_LampPost | ABP_Lamp: AssetName ABP_Lamp | "
 			"WBP_Lamp: Widget LampIcon @WidgetTree; AssetName WBP_Lamp | BP_LampStays: AssetName BP_LampStays | BP_LampOld: "
 			"AssetName BP_LampOld"},
 		{"exact, case, folder", {.Term = "BP_Lamp", .bExact = true, .bCaseSensitive = true, .PathContains = "/A"},
@@ -176,5 +177,6 @@ TEST(BlueprintFamily, ReportsNames)
 		EXPECT_EQ(Render(Project.Search(Case.Params)), Case.Expected);
 	}
 	FAssetSearchParams Params{.Term = "lamp", .IncludeAssetFamilies = {"Blueprint"}, .MaxHitsPerAssetType = 2};
-	EXPECT_EQ(RenderAssets(Project.Search(Params)), "/Game/A/BP_Door WBP_Lamp (truncated)") << "all Blueprints share one budget";
+	EXPECT_EQ(RenderAssets(Project.Search(Params)), "/Game/A/BP_Door WBP_Lamp (truncated)")
+		<< "all Blueprints share one budget; those with widgets that match come before those found by their names alone";
 }

@@ -1,5 +1,6 @@
 #include "Quellar/BlueprintFindUtils.h"
 
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 #include "Project.h"
 #include "Support/TestProject.h"
@@ -98,6 +99,26 @@ TEST(BlueprintFindUtils, AnEmptyTermStartsNothing)
 	EXPECT_EQ(Queries.Take(), "health:1 health0:1");
 }
 
+TEST(BlueprintFindUtils, IsLookedAtUntilItsSearchHasEnded)
+{
+	FTestProject Project;
+	AddBlueprint(Project, "BP_A", 100000);
+	Project.Open();
+	const auto Look = [] { return FBlueprintFindUtils::Get().UpdateSearchResults(0, 0); };
+	FQueries Queries;
+	EXPECT_EQ(Look(), EActiveTimerReturnType::Stop) << "nothing to look at";
+	bool bContinued = false;
+	for (int32 Round = 0; Round < 20 && !bContinued; ++Round) // a search may have ended before the first look, not every time
+	{
+		Queries.Make("health");
+		while (FBlueprintFindUtils::Get().IsSearchInProgress())
+			bContinued |= Look() == EActiveTimerReturnType::Continue;
+		EXPECT_EQ(Look(), EActiveTimerReturnType::Stop);
+		ASSERT_TRUE(Queries.Wait());
+	}
+	EXPECT_TRUE(bContinued);
+}
+
 TEST(BlueprintFindUtils, ASupersededQueryNeverHearsBack)
 {
 	FTestProject Project;
@@ -117,6 +138,51 @@ TEST(BlueprintFindUtils, ASupersededQueryNeverHearsBack)
 	EXPECT_EQ(Answers, "health0:1");
 	EXPECT_FALSE(FGameThread::Get().RunUntil([] { return false; }, std::chrono::milliseconds(150)));
 	EXPECT_EQ(Queries.Take(), "") << "nor later";
+}
+
+TEST(BlueprintFindUtils, AnswersWhenTheSearchEndsAndNotAtTheNextPoll)
+{
+	using FClock = std::chrono::steady_clock;
+	FTestProject Project;
+	AddBlueprint(Project, "BP_A", 400000);
+	Project.Open();
+	FQueries Queries;
+	auto Shortest = FClock::duration::max();
+	for (int32 Round = 0; Round < 10; ++Round) // another program may have the processor at the wrong moment
+	{
+		const FClock::time_point Start = FClock::now();
+		Queries.Make("health");
+		ASSERT_TRUE(Queries.Wait());
+		Shortest = std::min(Shortest, FClock::now() - Start);
+	}
+	EXPECT_LT(Shortest, std::chrono::milliseconds(100));
+}
+
+TEST(BlueprintFindUtils, AnAbandonedQueryIsAnsweredAtOnce)
+{
+	FTestProject Project;
+	AddBlueprint(Project, "BP_A", 1000);
+	Project.Open();
+	FBlueprintFindUtils& Utils = FBlueprintFindUtils::Get();
+	for (const bool bHasEnded : {false, true})
+	{
+		FQueries Queries;
+		Queries.Make("health");
+		while (bHasEnded && Utils.IsSearchInProgress())
+			std::this_thread::yield();
+		Utils.Abandon();
+		FGameThread::Get().Pump();
+		EXPECT_TRUE(Queries.Take().starts_with("health:")) << "with what was found until then";
+		EXPECT_EQ(FGameThread::Get().Pump(), 0);
+	}
+	std::stop_source Source;
+	FQueries Queries;
+	{
+		const FStopScope Scope(Source.get_token());
+		Queries.Make("health");
+	}
+	Source.request_stop();
+	EXPECT_TRUE(Queries.Wait()) << "a stopped one too, as if it had ended";
 }
 
 TEST(BlueprintFindUtils, GoesAwayInTheMiddleOfASearch)

@@ -6,20 +6,12 @@
 
 namespace
 {
-std::string RenderPaths(const TArray<FString>& Paths)
-{
-	std::string Text;
-	for (const FString& Path : Paths)
-		Text += (Text.empty() ? "" : " ") + Path.ToStdString();
-	return Text;
-}
-
 std::string RenderPaths(const TArray<FAssetData>& Assets)
 {
 	TArray<FString> Paths;
 	for (const FAssetData& Asset : Assets)
 		Paths.Add(Asset.GetObjectPathString());
-	return RenderPaths(Paths);
+	return Join(Paths);
 }
 }
 
@@ -50,12 +42,19 @@ TEST(ClassLookup, FindsBlueprintsByTheirNativeParentTag)
 	Project.Header("/Game/BP_Derived", "/Script/Engine.Blueprint", R"({"NativeParentClass": "/Script/Engine.Pawn"})");
 	Project.Header("/Game/WBP_Widget", "/Script/Engine.WidgetBlueprint", R"({"NativeParentClass": "/Script/Engine.UserWidget"})");
 	Project.Header("/Game/BP_Untagged", "/Script/Engine.Blueprint");
+	Project.Header("/Game/BP_Empty", "/Script/Engine.Blueprint", R"({"NativeParentClass": ""})");
+	Project.Header("/Game/BP_Odd", "/Script/Engine.Blueprint", R"({"NativeParentClass": "Actor"})");
 	Project.Open();
 
 	TArray<FString> Paths;
 	EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent("/Script/Engine.Actor", Paths, true), 2);
-	EXPECT_EQ(RenderPaths(Paths), "/Game/BP_Plain.BP_Plain /Game/BP_Wrapped.BP_Wrapped") << "the tag names the very class";
+	EXPECT_EQ(Join(Paths), "/Game/BP_Plain.BP_Plain /Game/BP_Wrapped.BP_Wrapped") << "the tag names the very class";
 	EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent("/Script/Engine.UserWidget", Paths, true), 1);
+	for (const char* NoPath : {"", "Pawn", "Class'Actor'"})
+	{
+		EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent(NoPath, Paths, false), 2) << NoPath;
+		EXPECT_EQ(Join(Paths), "/Game/BP_Empty.BP_Empty /Game/BP_Odd.BP_Odd") << "what names no class equals what names none";
+	}
 
 	FString Native = "unchanged";
 	EXPECT_TRUE(OrivaneClassLookupUtils::GetBlueprintNativeParent("/Game/BP_Derived.BP_Derived", Native));
@@ -77,6 +76,7 @@ TEST(ClassLookup, LoadsUntaggedBlueprintsWhenAllowed)
 	EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent("/Script/Engine.Pawn", Paths, true), 0);
 	EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent("/Script/Engine.Pawn", Paths, false), 1)
 		<< "a loaded Blueprint's parent may derive from the class";
+	EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent("Pawn", Paths, false), 0) << "a bare name is not a path";
 }
 
 TEST(AssetRegistryUtils, FindsAssetsByClass)

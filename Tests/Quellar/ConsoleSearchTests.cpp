@@ -9,21 +9,13 @@
 
 namespace
 {
-std::string Join(const TArray<FString>& Texts)
-{
-	std::string Joined;
-	for (const FString& Text : Texts)
-		Joined += (Joined.empty() ? "" : "|") + Text.ToStdString();
-	return Joined;
-}
-
 /** "term 'x' path '' families a|b kinds ... exts ... exact max 200" */
 std::string Read(const FConsoleSearchTraits& Traits, const char* Line)
 {
 	const FAssetSearchParams Params = ReadSearchWords(Traits, IConsoleManager::SplitWords(Line));
 	return "'" + Params.Term.ToStdString() + "' in '" + Params.PathContains.ToStdString() + "' families " +
-		Join(Params.IncludeAssetFamilies) + " kinds " + Join(Params.IncludeKinds) + " exts " +
-		Join(Params.IncludeTextExtensions) + (Params.bExact ? " exact" : "") + " max " + std::to_string(Params.MaxTotalHits);
+		Join(Params.IncludeAssetFamilies, "|") + " kinds " + Join(Params.IncludeKinds, "|") + " exts " +
+		Join(Params.IncludeTextExtensions, "|") + (Params.bExact ? " exact" : "") + " max " + std::to_string(Params.MaxTotalHits);
 }
 
 /** Runs a line and pumps the game thread until its search reports. */
@@ -47,18 +39,52 @@ std::string RunLine(const char* Line, FTestProject& Project)
 
 TEST(ConsoleSearch, RegistersThirteenCommands)
 {
-	const FTestProject Project;
-	TArray<FString> Names;
-	for (const auto& Command : IConsoleManager::Get().GetConsoleCommands())
+	FTestProject Project;
+	Project.Open();
+	const std::string Words = " Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false";
+	const struct
 	{
-		Names.Add(Command->Name);
-		EXPECT_TRUE(Command->Help.View().starts_with("Search ") || Command->Name == "Orivane.ExploreAssetGraph")
-			<< *Command->Help;
+		const char* Name;
+		const char* Families;
+		const char* File;
+		std::string Help;
+	} Commands[] = {
+		{"AssetSearch", "Blueprint|BehaviorTree|Blackboard|Enum|Struct|DataAsset|DataTable|EnvQuery|NiagaraSystem|Material|Text",
+			"asset_search",
+			"Search all asset types. Args: term=, path=, families=, kinds=, exact=true|false, max=, summary=true|false"},
+		{"BehaviorTreeSearch", "BehaviorTree", "behavior_tree_search", "Search Behavior Trees." + Words},
+		{"BlackboardSearch", "Blackboard", "blackboard_search", "Search Blackboards." + Words},
+		{"BlueprintSearch", "Blueprint", "blueprint_search",
+			"Search Blueprints by term/path/kinds (summary=true|false). Args: term=, path=, kinds=Var,Graph,Node,Pin,Comment, "
+			"exact=true|false, max=200, summary=true"},
+		{"DataAssetSearch", "DataAsset", "dataasset_search", "Search DataAssets." + Words},
+		{"DataTableSearch", "DataTable", "datatable_search",
+			"Search DataTables (schema-only). Args: term=, path=, exact=true|false, max=, summary=true|false"},
+		{"EnumSearch", "Enum", "enum_search", "Search UserDefinedEnums." + Words},
+		{"EnvQuerySearch", "EnvQuery", "envquery_search", "Search EnvQueries." + Words},
+		{"ExploreAssetGraph", "", "",
+			R"(Explore asset dependency/referencer graph. Usage: Orivane.ExploreAssetGraph asset="/Game/..." )"
+			"[relation=Dependencies|Referencers|Both] [depth=1] [max_nodes=150]"},
+		{"MaterialSearch", "Material", "material_search",
+			"Search Materials, Material Instances, and Material Functions." + Words},
+		{"NiagaraSearch", "NiagaraSystem", "niagara_search", "Search Niagara Systems." + Words},
+		{"StructSearch", "Struct", "struct_search", "Search UserDefinedStructs." + Words},
+		{"TextSearch", "Text", "text_search",
+			"Search whitelisted text files. Args: term=, path=, exts=cpp,h,ini, exact=true|false, max=, summary=true|false"},
+	};
+	const auto Registered = IConsoleManager::Get().GetConsoleCommands();
+	ASSERT_EQ(Registered.Num(), std::ssize(Commands));
+	for (int32 Index = 0; Index < Registered.Num(); ++Index)
+	{
+		const auto& Command = Commands[Index];
+		const std::string Name = std::string("Orivane.") + Command.Name;
+		SCOPED_TRACE(Name);
+		EXPECT_EQ(Registered[Index]->Name.View(), Name);
+		EXPECT_EQ(Registered[Index]->Help.View(), Command.Help);
+		EXPECT_EQ(Join(FConsoleSearches::ReadParams(FString(Name), {}).IncludeAssetFamilies, "|"), Command.Families);
+		const std::string Report = *Command.File ? Name + " wrote Saved/Quellar/" + Command.File + ".json: " : "";
+		EXPECT_EQ(*Command.File ? RunLine((Name + " term=zzz").c_str(), Project) : "", Report);
 	}
-	EXPECT_EQ(Join(Names),
-		"Orivane.AssetSearch|Orivane.BehaviorTreeSearch|Orivane.BlackboardSearch|Orivane.BlueprintSearch|Orivane.DataAssetSearch|"
-		"Orivane.DataTableSearch|Orivane.EnumSearch|Orivane.EnvQuerySearch|Orivane.ExploreAssetGraph|Orivane.MaterialSearch|"
-		"Orivane.NiagaraSearch|Orivane.StructSearch|Orivane.TextSearch");
 }
 
 TEST(ConsoleSearch, ReadsItsWords)

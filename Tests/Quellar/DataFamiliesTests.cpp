@@ -121,7 +121,9 @@ void AddWeapons(FTestProject& Project)
 			{"name": "Damage", "type": "int", "default": 100}, {"name": "Rate", "type": "float", "default": 0.5},
 			{"name": "Weight", "type": "double", "default": 2}, {"name": "bHeavy", "type": "bool", "default": true},
 			{"name": "Label", "type": "text", "default": "A pole"}, {"name": "Row", "type": "name", "default": "Pole"},
-			{"name": "Note", "type": "string"}, {"name": "Big", "type": "uint64", "default": 18446744073709551615},
+			{"name": "Note", "type": "string", "default": "Carved"}, {"name": "Tier", "type": "byte", "default": 200},
+			{"name": "bSharp", "type": "bool"}, {"name": "bFalse", "type": "bool"}, {"name": "bBlunt", "type": "bool"},
+			{"name": "Big", "type": "uint64", "default": 18446744073709551615},
 			{"name": "Slot", "type": "enum</Script/Game.ESlot>", "default": "Right"},
 			{"name": "ByteSlot", "type": "byte</Script/Game.ESlot>", "default": "Right"},
 			{"name": "Marks", "type": "array<int>", "default": [77]}, {"name": "Owner", "type": "object</Script/Engine.Actor>"},
@@ -148,7 +150,13 @@ TEST(DataAssetFamily, FindsWhatTheClassDeclares)
 			{"fractions", "0.5", "DA_Pole: PropertyValue 0.5 @Properties"},
 			{"at least one fractional digit", "2.0", "DA_Pole: PropertyValue 2.0 @Properties"},
 			{"truth", "true", "DA_Pole: PropertyValue true @Properties"},
-			{"text", "a pole", "DA_Pole: PropertyValue A pole @Properties"},
+			{"and its opposite", "false", "DA_Pole: PropertyValue false @Properties x3; PropertyName bFalse @Properties"},
+			{"text, then a name", "pole", "DA_Pole: PropertyValue A pole @Properties; PropertyValue Pole @Properties"},
+			{"string", "carved", "DA_Pole: PropertyValue Carved @Properties"},
+			{"byte", "200", "DA_Pole: PropertyValue 200 @Properties"},
+			{"also one with an enumeration", "1",
+				"DA_Pole: PropertyValue 100 @Properties; PropertyValue -1 @Properties; PropertyValue 1 @Properties; "
+				"PropertyValue 4711 @Properties"},
 			{"large unsigned numbers print as signed ones", "-1", "DA_Pole: PropertyValue -1 @Properties"},
 			{"deprecated properties count", "4711", "DA_Pole: PropertyValue 4711 @Properties"},
 			{"enumerations by name only; an entry's word is nowhere", "Right", ""},
@@ -158,6 +166,10 @@ TEST(DataAssetFamily, FindsWhatTheClassDeclares)
 			{"name and value are two hits, in the order of declaration", "ow",
 				"DA_Pole: PropertyName Row @Properties; PropertyName Owner @Properties"},
 		});
+	FAssetSearchParams Params = MakeParams("DataAsset", "false");
+	Params.MaxTotalHits = 2;
+	EXPECT_EQ(Render(Project.Search(Params)), "DA_Pole: PropertyValue false @Properties x2; PropertyName bFalse @Properties")
+		<< "the hit cap ends the properties, after the value of the one that reaches it";
 }
 
 TEST(DataAssetFamily, ReadsClassesMadeByBlueprints)

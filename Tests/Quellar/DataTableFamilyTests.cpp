@@ -137,6 +137,15 @@ TEST(DataTableFamily, FiltersByFolderAndExclusion)
 	}
 }
 
+TEST(DataTableFamily, NamesAssetsAsTheRegistryDoes)
+{
+	FTestProject Project;
+	Project.File("Content/DT_Items.vasset",
+		R"({"varnel_package": 1, "assets": [{"name": "DT_ITEMS", "class": "/Script/Engine.DataTable"}],)"
+		R"("objects": [{"path": "DT_items", "class": "/Script/Engine.DataTable", "properties": {}}]})");
+	EXPECT_EQ(Render(Project.Search("DataTable", "items")), "DT_ITEMS: AssetName DT_ITEMS @DataTable");
+}
+
 TEST(DataTableFamily, StopsAtTheHitCap)
 {
 	FTestProject Project;
@@ -147,4 +156,24 @@ TEST(DataTableFamily, StopsAtTheHitCap)
 	EXPECT_EQ(
 		Render(Project.Search(Params)), "DT_A: ColumnName Health:int @Schema/Columns; ColumnName HealthMax:int @Schema/Columns")
 		<< "later columns and tables are not read, the table in hand is kept";
+}
+
+TEST(DataTableFamily, ReadsTablesInsideOthersButNoHiddenOnes)
+{
+	FTestProject Project;
+	Project.File("Content/BP_Shop.vasset",
+		R"({"varnel_package": 1, "assets": [{"name": "BP_Shop", "class": "/Script/Engine.Blueprint"},
+			{"name": "DT_Wares", "class": "/Script/Engine.DataTable", "outer": "/Game/BP_Shop.BP_Shop"},
+			{"name": "DT_Wares", "class": "/Script/Engine.DataTable", "outer": "/Game/BP_Shop.BP_Shop:Shelf"},
+			{"name": "DT_Hidden", "class": "/Script/Engine.DataTable", "registry_filtered": true}],
+			"objects": [{"path": "BP_Shop", "class": "/Script/Engine.Blueprint"},
+			{"path": "BP_Shop:DT_Wares", "class": "/Script/Engine.DataTable", "properties": {"Rows": {"One": {}}}},
+			{"path": "BP_Shop:Shelf", "class": "/Script/Engine.DataTable"},
+			{"path": "BP_Shop:Shelf.DT_Wares", "class": "/Script/Engine.DataTable", "properties": {"Rows": {"A": {}, "B": {}}}},
+			{"path": "DT_Hidden", "class": "/Script/Engine.DataTable"}]})");
+	const FAssetSearchResult Found = Project.Search("DataTable", "");
+	EXPECT_EQ(Render(Found), "BP_Shop:DT_Wares: RowCount 1 @Rows | DT_Wares: RowCount 2 @Rows");
+	ASSERT_EQ(Found.Results.Num(), 2);
+	EXPECT_EQ(Found.Results[0].AssetPath.View(), "/Game/BP_Shop.BP_Shop:DT_Wares");
+	EXPECT_EQ(Found.Results[1].AssetPath.View(), "/Game/BP_Shop.BP_Shop:Shelf.DT_Wares");
 }

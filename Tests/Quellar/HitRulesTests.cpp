@@ -57,6 +57,48 @@ TEST(HitRules, RepeatedElementsAreCountedAndNeverCapped)
 	EXPECT_FALSE(Result.bTruncated);
 }
 
+// Beyond a few hits they are found through an index.
+TEST(HitRules, ManyHitsAreKeptApartAndCounted)
+{
+	constexpr int32 NumNames = 1000;
+	FAssetSearchParams Params;
+	Params.MaxHitsPerKind = NumNames;
+	Params.MaxTotalHits = INT32_MAX;
+	FAssetResult Result;
+	int32 TotalHits = 0;
+	const auto AddAll = [&]
+	{
+		for (int32 Name = 0; Name < NumNames; ++Name)
+			for (const char* Kind : {"Var", "Node"})
+				AppendHitWithCaps(Result, Kind, FString::FromInt(Name), Name % 2 ? "Graph" : "", Params, TotalHits);
+	};
+	AddAll();
+	Result = FAssetResult(Result); // a copy goes on counting
+	AddAll();
+	AppendHitWithCaps(Result, "NODE", "one more", "", Params, TotalHits);
+	EXPECT_TRUE(Result.bTruncated);
+	EXPECT_EQ(TotalHits, 2 * NumNames);
+	ASSERT_EQ(Result.Hits.Num(), 2 * NumNames);
+	for (int32 Place = 0; Place < Result.Hits.Num(); ++Place)
+	{
+		EXPECT_EQ(Result.Hits[Place].Name.ToInt(), Place / 2);
+		EXPECT_EQ(Result.Hits[Place].Count, 2);
+	}
+}
+
+TEST(HitRules, AnotherContainerIsAnotherHit)
+{
+	const FAssetSearchParams Params{.MaxHitsPerKind = 2};
+	FAssetResult Result;
+	int32 TotalHits = 0;
+	for (const char* Container : {"Graph", "", "GRAPH", "Other"})
+		AppendHitWithCaps(Result, "Node", "Set Health", Container, Params, TotalHits);
+	ASSERT_EQ(Result.Hits.Num(), 2);
+	EXPECT_EQ(Result.Hits[0].Count, 2);
+	EXPECT_EQ(Result.Hits[1].Count, 1);
+	EXPECT_TRUE(Result.bTruncated) << "a third container weighs on the cap of its kind";
+}
+
 TEST(HitRules, CapsPerKindAndInTotal)
 {
 	const struct

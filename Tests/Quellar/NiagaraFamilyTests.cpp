@@ -41,7 +41,6 @@ TEST(NiagaraFamily, MatchesNamesAloneWithoutLoading)
 	FTestProject Project;
 	Describe(Project);
 	EXPECT_EQ(Render(Project.Search("NiagaraSystem", "spark")), "NS_Sparks: AssetName NS_Sparks @Niagara");
-	EXPECT_EQ(Project.Search("NiagaraSystem", "spark").Results[0].AssetClass, "NiagaraSystem");
 	EXPECT_EQ(Render(Project.Search("NiagaraSystem", "Glow")), "");
 	EXPECT_EQ(FindPackage("/Game/FX/NS_Sparks"), nullptr);
 }

@@ -36,6 +36,7 @@ TEST(TextFamily, FindsFilesByContent)
 	Project.File("Source/Health.cpp", "int Health;");
 	Project.File("Saved/old.txt", "health in an excluded folder");
 	Project.File("Docs/broken.md", "\xFF\xC3 health \x80");
+	Project.File("Docs/caf\xE9.md", "health in a file whose name is not UTF-8");
 
 	const struct
 	{
@@ -46,7 +47,7 @@ TEST(TextFamily, FindsFilesByContent)
 		const char* Expected;
 	} Cases[] = {
 		{"any case, any encoding; excluded folders are searched, unlisted extensions are not", "Health", false, false,
-			"Content/Readme.md Docs/bom.md Docs/broken.md Docs/Notes.TXT Docs/wide.md Saved/old.txt"},
+			"Content/Readme.md Docs/bom.md Docs/broken.md Docs/caf\uFFFD.md Docs/Notes.TXT Docs/wide.md Saved/old.txt"},
 		{"same case only", "HEALTH", false, true, "Docs/wide.md"},
 		{"exact compares the whole content, without its byte-order mark", "Health", true, false, "Docs/bom.md"},
 		{"exact, same case", "Health", true, true, ""},
@@ -62,6 +63,32 @@ TEST(TextFamily, FindsFilesByContent)
 		Params.bCaseSensitive = Case.bCaseSensitive;
 		EXPECT_EQ(RenderAssets(Project.Search(Params)), Case.Expected);
 	}
+}
+
+TEST(TextFamily, SearchesLargeFilesInPieces)
+{
+	constexpr std::size_t Piece = 1024 * 1024;
+	FTestProject Project;
+	Project.File("at the start.txt", "Kelvin" + std::string(3 * Piece, '-'));
+	Project.File("across a border.txt",
+		std::string(Piece - 3, '-') +
+			"\xE2\x84\xAA"
+			"elvin" +
+			std::string(Piece, '-'));
+	Project.File("across the next.txt", std::string(2 * Piece - 5, '-') + "KELVIN" + std::string(Piece, '-'));
+	Project.File("at the end.txt", std::string(2 * Piece, '-') + "kelvin");
+	Project.File("nowhere.txt", std::string(Piece - 3, '-') + "kel-vin" + std::string(Piece, '-'));
+	Project.File("wide.txt", Utf16(std::string(Piece / 2 - 4, '-') + "kelvin" + std::string(Piece, '-')));
+	Project.File("cut.txt", std::string(2 * Piece, '-') + "kelvi\xE2\x84");
+	EXPECT_EQ(RenderAssets(Project.Search(MakeParams("kelvin"))),
+		"across a border.txt across the next.txt at the end.txt at the start.txt wide.txt");
+	EXPECT_EQ(RenderAssets(Project.Search(MakeParams("vi\xEF\xBF\xBD"))), "cut.txt");
+	FAssetSearchParams Params = MakeParams("");
+	Params.PathContains = ".txt";
+	EXPECT_EQ(Project.Search(Params).Results.Num(), 7);
+	Params.Term = "kelvin";
+	Params.bExact = true;
+	EXPECT_EQ(RenderAssets(Project.Search(Params)), "") << "too long to be the term";
 }
 
 TEST(TextFamily, ReportsOneHitPerFile)

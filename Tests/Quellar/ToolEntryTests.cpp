@@ -1,5 +1,8 @@
+#include "Core/Tasks.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "Quellar/BlueprintFindUtils.h"
 #include "Quellar/QuellarModule.h"
+#include "Quellar/ToolEntry.h"
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
@@ -33,13 +36,18 @@ TEST(ToolEntry, IsRegisteredWithItsFixedTexts)
 	{
 		const char* Tool;
 		const char* Metadata;
-		const char* DescriptionStart;
-		const char* DescriptionEnd;
+		const char* Description;
 	} Cases[] = {
 		{"asset_search", R"({"operation_type": "search","data_type": "asset","execution_mode": "sequential"})",
-			"Search Varnel assets (Blueprints, DataAssets,", "identifying asset usage patterns."},
+			"Search Varnel assets (Blueprints, DataAssets, DataTables, Enums, Structs, Text files, etc.) for names/values "
+			"without loading assets. Returns per-asset hit lists with kind/name/container context. Supports AssetRegistry + "
+			"Editor FindInBlueprints index for BP sub-elements. Use for: finding BP variables/functions, discovering DataAsset "
+			"properties, locating text content, identifying asset usage patterns."},
 		{"explore_asset_graph", R"({"operation_type": "search","data_type": "asset"})",
-			"Explore asset dependency/referencer graph via AssetRegistry (no loading).", "relationships, architecture analysis."},
+			"Explore asset dependency/referencer graph via AssetRegistry (no loading). Returns nested relations with "
+			"Runtime/Editor classification based on Hard dependency Game flags. Supports BFS traversal with fanout protection "
+			"and high-signal filtering. Use for: understanding asset dependencies, finding referencer chains, discovering "
+			"runtime vs editor-only relationships, architecture analysis."},
 	};
 	for (const auto& Case : Cases)
 	{
@@ -50,22 +58,38 @@ TEST(ToolEntry, IsRegisteredWithItsFixedTexts)
 		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
 		Tool->InvalidateMetadata();
 		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
-		EXPECT_TRUE(Tool->GetDescription().View().starts_with(Case.DescriptionStart));
-		EXPECT_TRUE(Tool->GetDescription().View().ends_with(Case.DescriptionEnd));
+		EXPECT_EQ(Tool->GetDescription().View(), Case.Description);
 	}
 }
 
 TEST(QuellarModule, RegistersTwoToolsAndTakesThemBack)
 {
-	FTestProject Project;
-	const auto Executor = FOrivaneToolkitModule::GetToolExecutor();
-	EXPECT_FALSE(Executor->FindTool("asset_path_search")) << "its operation is public, but no tool of the module";
-	const auto Kept = Executor->FindTool("explore_asset_graph");
-	Executor->RegisterTool("asset_path_search", Kept);
+	std::string Removed; // outlives every entry
+	const FHeadlessEngine Engine;
 	FModuleManager::Get().UnloadModule("Quellar");
-	for (const char* Name : {"asset_search", "explore_asset_graph", "asset_path_search"})
-		EXPECT_FALSE(Executor->FindTool(Name)) << Name;
-	EXPECT_EQ(Kept->GetSchema().View(), "{}") << "an entry lives as long as somebody holds it";
+	auto Executor = FOrivaneToolkitModule::GetToolExecutor();
+	const auto Kept = MakeShared<FAssetGraphTool>();
+	FQuellarModule Module;
+	for (int32 Round = 0; Round < 2; ++Round)
+	{
+		Module.StartupModule();
+		EXPECT_EQ(Join(Executor->GetToolNames()), "asset_search explore_asset_graph");
+		const std::weak_ptr<Orivane::ITool> Own = Executor->FindTool("asset_search");
+		for (const char* Name : {"asset_path_search", "explore_asset_graph", "asset_search"})
+			Executor->RegisterTool(Name, {Kept.get(), [&Removed, Name](Orivane::ITool*) { Removed += std::string(Name) + " "; }});
+		EXPECT_FALSE(Own.expired()) << "the module keeps its entry";
+		Module.ShutdownModule();
+		EXPECT_EQ(std::exchange(Removed, {}), "asset_search explore_asset_graph asset_path_search ");
+		EXPECT_TRUE(Own.expired());
+		Module.ShutdownModule();
+	}
+
+	Module.StartupModule();
+	const std::weak_ptr<Orivane::ITool> Own = Executor->FindTool("explore_asset_graph");
+	Executor.reset();
+	FModuleManager::Get().UnloadModule("OrivaneToolkit");
+	Module.ShutdownModule();
+	EXPECT_FALSE(Own.expired()) << "without an executor the entries stay";
 }
 
 TEST(ToolEntry, ChecksTheArgumentText)
@@ -99,9 +123,74 @@ TEST(ToolEntry, ChecksTheArgumentText)
 	}
 }
 
+namespace
+{
+/** A Blueprint whose entries take a while to search, and a text file. */
+void AddDoor(FTestProject& Project)
+{
+	std::string Entries = R"({"category":"Var","text":"Health"})";
+	for (int32 Index = 0; Index < 200000; ++Index)
+		Entries += R"(,{"category":"Var","text":"Health)" + std::to_string(Index) + "\"}";
+	Project.File("Content/BP_Door.vasset",
+		R"({"varnel_package":1,"assets":[{"name":"BP_Door","class":"/Script/Engine.Blueprint"}],"blueprint_index":[)" + Entries +
+			R"(],"objects":[]})");
+	Project.File("Docs/Door.txt", "Health");
+	Project.Open();
+}
+
+/** A call of asset_search for what AddDoor describes, and how often it has completed. */
+struct FDoorCall
+{
+	explicit FDoorCall(Orivane::ITool& Tool)
+	{
+		Tool.Execute(Command, Result, [this](Orivane::FToolResult&) { ++NumCompletions; });
+	}
+	/** Runs what is posted until it has completed; how often it has by then. */
+	int32 Finish()
+	{
+		FGameThread::Get().RunUntil([this] { return NumCompletions > 0; }, std::chrono::seconds(60));
+		return NumCompletions;
+	}
+
+	const Orivane::FToolCommand Command{"1", "asset_search", R"({"term":"Health"})"};
+	const TSharedPtr<Orivane::FToolResult> Result = MakeShared<Orivane::FToolResult>(Command);
+	int32 NumCompletions = 0;
+};
+}
+
+TEST(QuellarModule, EndsWhatIsUnderWayWhenItIsShutDown)
+{
+	FTestProject Project;
+	AddDoor(Project);
+	const auto Tool = FOrivaneToolkitModule::GetToolExecutor()->FindTool("asset_search");
+	FDoorCall UnderWay(*Tool);
+	EXPECT_EQ(UnderWay.NumCompletions, 0) << "the Blueprint index is searched by another thread";
+	FModuleManager::Get().UnloadModule("Quellar");
+	EXPECT_EQ(UnderWay.Finish(), 1);
+	EXPECT_TRUE(RenderMessages(*UnderWay.Result).starts_with("Found ")) << RenderMessages(*UnderWay.Result);
+
+	FDoorCall Late(*Tool);
+	EXPECT_EQ(Late.NumCompletions, 1);
+	EXPECT_EQ(RenderMessages(*Late.Result), "Tool 'asset_search' is not available any more: its module is shut down");
+	EXPECT_FALSE(FBlueprintFindUtils::Get().IsSearchInProgress());
+	while (FGameThread::Get().Pump() > 0)
+	{
+	}
+	EXPECT_EQ(UnderWay.NumCompletions, 1);
+}
+
 TEST(QuellarModule, RunsWithoutAnExecutor)
 {
-	FQuellarModule Module;
-	Module.StartupModule();
-	Module.ShutdownModule();
+	FTestProject Project;
+	AddDoor(Project);
+	const auto Tool = FOrivaneToolkitModule::GetToolExecutor()->FindTool("asset_search");
+	FModuleManager::Get().UnloadModule("OrivaneToolkit");
+	FQuellarModule Another;
+	Another.StartupModule();
+	FDoorCall UnderWay(*Tool);
+	Another.ShutdownModule();
+	FModuleManager::Get().UnloadModule("Quellar");
+	EXPECT_EQ(UnderWay.Finish(), 1) << "nothing is shut down";
+	EXPECT_TRUE(RenderMessages(*UnderWay.Result).starts_with("Found 2")) << RenderMessages(*UnderWay.Result);
+	EXPECT_EQ(FDoorCall(*Tool).Finish(), 1);
 }

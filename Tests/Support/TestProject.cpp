@@ -300,3 +300,11 @@ std::string RenderAssets(const FAssetSearchResult& Result)
 		Text += (Text.empty() ? "" : " ") + RenderAssetName(Asset);
 	return Text + (Result.bTruncated ? " (truncated)" : "");
 }
+
+std::string Join(const TArray<FString>& Texts, const char* Separator)
+{
+	std::string Joined;
+	for (const FString& Text : Texts)
+		Joined += (Joined.empty() ? "" : Separator) + Text.ToStdString();
+	return Joined;
+}

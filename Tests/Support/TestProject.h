@@ -140,3 +140,4 @@ struct FSearchCase
 void ExpectFound(FTestProject& Project, const std::string& Family, std::initializer_list<FSearchCase> Cases);
 /** The assets alone, in order: "DT_Items DT_Weapons". */
 std::string RenderAssets(const FAssetSearchResult& Result);
+std::string Join(const TArray<FString>& Texts, const char* Separator = " ");

@@ -165,6 +165,25 @@ TEST(RegistryCache, FaultsAreReportedAtEveryOpening)
 	EXPECT_EQ(Again.NumSkipped, 3);
 }
 
+TEST(RegistryCache, MayChangeInPlaceUnderItsReader)
+{
+	FRegistryProject Project;
+	FillProject(Project);
+	const std::string File = Project.ScanCached().CacheFile.ToStdString();
+	ASSERT_EQ(Project.ScanCached().CacheState.View(), "up to date");
+	const auto Dump = [&Project]
+	{
+		std::string Text;
+		Project.Registry.Dump([&Text](FStringView Line) { Text.append(Line) += '\n'; });
+		return Text;
+	};
+	const std::string Before = Dump();
+	std::ofstream(File, std::ios::in | std::ios::out | std::ios::binary) << std::string(std::filesystem::file_size(File), '\xFF');
+	EXPECT_EQ(Dump(), Before);
+	std::filesystem::resize_file(File, 0);
+	EXPECT_EQ(Dump(), Before);
+}
+
 TEST(RegistryCache, OtherClassParentsReadNoFile)
 {
 	FRegistryProject Project;

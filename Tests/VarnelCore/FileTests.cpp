@@ -1,4 +1,5 @@
 #include "Core/File.h"
+#include "Core/TextDecoder.h"
 
 #include "Support/ScratchFolder.h"
 
@@ -30,6 +31,16 @@ std::vector<std::string> Names(const FScratchFolder& Scratch, const FString& Wil
 		Relative.push_back(Path.ToStdString().substr(Scratch.GetRoot().size() + 1));
 	return Relative;
 }
+
+std::string DecodeInPieces(std::string_view Bytes, std::size_t PieceBytes)
+{
+	FTextDecoder Decoder;
+	std::string Text;
+	for (; !Bytes.empty(); Bytes.remove_prefix(std::min(PieceBytes, Bytes.size())))
+		Decoder.Append(Bytes.substr(0, PieceBytes), Text);
+	Decoder.Finish(Text);
+	return Text;
+}
 }
 
 TEST(FileHelper, TextIsDecodedByItsMark)
@@ -58,6 +69,8 @@ TEST(FileHelper, TextIsDecodedByItsMark)
 		{"UTF-16 half a pair", "\xFF\xFE\x3D\xD8g\0"s, "\xEF\xBF\xBDg"},
 		{"UTF-16 cut in the middle of a unit", "\xFF\xFEg\0\x41"s, "g\xEF\xBF\xBD"},
 		{"UTF-16 mark alone", "\xFF\xFE", ""},
+		{"all lengths, sound and cut", "a\xC3\xBC\xE2\x82\xAC\xF0\x9F\x98\x80\xF0\x9F\x98|\xE2\x82|\xC3",
+			"aü€😀\xEF\xBF\xBD|\xEF\xBF\xBD|\xEF\xBF\xBD"},
 		{"Latin-1",
 			"Gr\xFC\xDF"
 			"e",
@@ -70,6 +83,8 @@ TEST(FileHelper, TextIsDecodedByItsMark)
 		SCOPED_TRACE(Case.Why);
 		std::string Buffer;
 		EXPECT_EQ(FFileHelper::DecodeText(Case.Bytes, Buffer), Case.Expected);
+		for (std::size_t Size = 1; Size <= Case.Bytes.size(); ++Size)
+			EXPECT_EQ(DecodeInPieces(Case.Bytes, Size), Case.Expected) << "pieces of " << Size;
 		Scratch.Write("File", Case.Bytes);
 		EXPECT_EQ(Load(Scratch.Path("File")), Case.Expected);
 	}
@@ -196,6 +211,41 @@ TEST(FileHelper, LinksAreFollowedOutsideTheProjectOnly)
 	TArray<FString> Found;
 	Files.FindFilesRecursive(Found, FPaths::ProjectDir() + "Linked", "*");
 	EXPECT_EQ(Found.Num(), 0) << "a linked folder is no root either";
+}
+
+TEST(FileHelper, NothingIsReachedBelowAProjectThatCannotBeOpened)
+{
+	const FScratchFolder Scratch;
+	Scratch.MakeFolder("bad\xFF");
+	Scratch.Link("bad\xFF", "Link");
+	Scratch.Write("Project/File.md", "text");
+	const struct
+	{
+		const char* Why;
+		std::string Folder;
+		int Reason;
+	} Cases[] = {
+		{"missing", "Nowhere", ENOENT},
+		{"a file", "Project/File.md", ENOTDIR},
+		{"not UTF-8", "bad\xFF", EILSEQ},
+		{"not UTF-8 behind a link", "Link", EILSEQ},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		EXPECT_FALSE(FPaths::SetProjectDir(Scratch.Path(Case.Folder)));
+		EXPECT_EQ(errno, Case.Reason);
+		EXPECT_FALSE(FFileHelper::SaveStringToFile("new", FPaths::ProjectDir() + "Saved/New.md"));
+		EXPECT_FALSE(IFileManager::Get().MakeDirectory(FPaths::ProjectDir() + "Saved"));
+	}
+	ASSERT_TRUE(FPaths::SetProjectDir(Scratch.Path("Project")));
+	EXPECT_EQ(Names(Scratch, "*"), std::vector<std::string>{"Project/File.md"});
+	EXPECT_FALSE(std::filesystem::exists(Scratch.Path("Nowhere").ToStdString()));
+
+	Scratch.Remove("Project");
+	EXPECT_FALSE(FFileHelper::SaveStringToFile("new", FPaths::ProjectDir() + "Saved/New.md"));
+	EXPECT_FALSE(std::filesystem::exists(Scratch.Path("Project").ToStdString())) << "a project that is gone is not made anew";
+	FPaths::SetProjectDir("");
 }
 
 TEST(FileManager, WildcardsMatchFileNames)

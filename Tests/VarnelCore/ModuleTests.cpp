@@ -33,3 +33,8 @@ TEST(ModuleManager, ModulesFindThemselvesWhileTheyStartAndStop)
 	EXPECT_EQ(Events, "start(found) stop(found) gone ");
 	EXPECT_EQ(Manager.GetModule("Recording"), nullptr);
 }
+
+TEST(ModuleManagerDeathTest, NamesTheModuleThatIsNotLoaded)
+{
+	EXPECT_DEATH(FModuleManager::Get().GetModuleChecked("Absent"), "Tried to get module interface for unloaded module: 'Absent'");
+}

@@ -95,6 +95,24 @@ TEST(CaseFolding, EqualTextsHashEquallyAtAnyLength)
 	}
 }
 
+// Every text made of one of each pair has the same hash as the others under the standard library's hash of strings.
+TEST(CaseFolding, TextsPreparedToCollideDoNot)
+{
+	constexpr const char* Pairs[][2] = {{"z1cgnck7hby1_a1z", "awb9j6ze %}p_g3-"}, {"z392vxp8brj15sei", "b8ql4fu4ypr-z7`m"},
+		{"bioz88jgrtmlyii1", "c_wvbauxq@w5qu5#"}, {"5g3kb4h551askjv7", "3iq60ejr7b7f7bm_"},
+		{"rhnxplj6ahuolb9_", "mhutagpz5r9ykwo%"}, {"axt0ap4tyqrr207x", "1hwz6rpimozn-)nz"},
+		{"18qrj0s63bva2qcf", "3381bxs36[v{9mx_"}, {"derpbvanfcc5akva", "os1k68ic8}@667%0"}};
+	TSet<uint64> Hashes;
+	for (uint32 Choice = 0; Choice < 256; ++Choice)
+	{
+		std::string Text;
+		for (uint32 Pair = 0; Pair < 8; ++Pair)
+			Text += Pairs[Pair][Choice >> Pair & 1];
+		Hashes.Add(Unicode::HashFolded(Text));
+	}
+	EXPECT_EQ(Hashes.Num(), 256);
+}
+
 TEST(CaseFolding, OrdersByFoldedCodePoints)
 {
 	const struct

@@ -1,8 +1,10 @@
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <numeric>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -117,6 +119,61 @@ TEST(ParallelForOrdered, WorkersWaitForASlowConsumer)
 		3);
 	EXPECT_EQ(NumConsumed, 10'000);
 	EXPECT_EQ(NumTooEarly, 0);
+}
+
+TEST(ParallelForOrdered, WhatIsThrownEndsTheRunAndReachesTheCaller)
+{
+	for (const int32 NumThreads : ThreadCounts)
+	{
+		SCOPED_TRACE(NumThreads);
+		int32 NumConsumed = 0;
+		const auto ThrowAt = [](int32 Begin, int32 Place)
+		{
+			if (Begin == Place)
+				throw std::runtime_error("full");
+		};
+		const auto Run = [&](int32 WorkPlace, int32 ConsumePlace)
+		{
+			NumConsumed = 0;
+			ParallelForOrdered(
+				100'000, 1, [&](int32 Begin, int32, int32) { ThrowAt(Begin, WorkPlace); },
+				[&](int32 Begin, int32)
+				{
+					ThrowAt(Begin, ConsumePlace);
+					++NumConsumed;
+					return true;
+				},
+				NumThreads);
+		};
+		EXPECT_THROW(Run(500, INDEX_NONE), std::runtime_error);
+		EXPECT_LE(NumConsumed, 500);
+		EXPECT_THROW(Run(INDEX_NONE, 500), std::runtime_error);
+		EXPECT_EQ(NumConsumed, 500);
+		EXPECT_THROW(ParallelFor(
+						 1000, 1, [&](int32 Begin, int32, int32) { ThrowAt(Begin, 500); }, NumThreads),
+			std::runtime_error);
+	}
+}
+
+TEST(StopToken, BelongsToItsThreadAndGoesAlongToWorkers)
+{
+	EXPECT_FALSE(IsStopRequested());
+	std::stop_source Outer;
+	std::stop_source Inner;
+	const FStopScope OuterScope(Outer.get_token());
+	Outer.request_stop();
+	EXPECT_TRUE(IsStopRequested());
+	bool bElsewhere = true;
+	std::jthread([&] { bElsewhere = IsStopRequested(); }).join();
+	EXPECT_FALSE(bElsewhere);
+	{
+		const FStopScope InnerScope(Inner.get_token());
+		EXPECT_FALSE(IsStopRequested()) << "the innermost one counts";
+	}
+	std::atomic<int32> NumStopped = 0;
+	ParallelFor(
+		100, 1, [&](int32, int32, int32) { NumStopped += IsStopRequested(); }, 4);
+	EXPECT_EQ(NumStopped, 100);
 }
 
 TEST(ParallelFor, TouchesEveryIndexOnce)

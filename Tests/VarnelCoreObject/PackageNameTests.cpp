@@ -16,6 +16,8 @@ protected:
 		EXPECT_TRUE(FPackageName::MountRoot("/Game", "/nowhere/Lantern/Content/"));
 		EXPECT_TRUE(FPackageName::MountRoot("/FogSystem", "/nowhere/Lantern/Plugins/Weather/FogSystem/Content"));
 		EXPECT_TRUE(FPackageName::MountRoot("/Inner", "/nowhere/Lantern/Content/Inner/"));
+		EXPECT_TRUE(FPackageName::MountRoot("/Stra\u00DFe", "/nowhere/Lantern/Plugins/Street/Content/"));
+		EXPECT_TRUE(FPackageName::MountRoot("/Kit", "/nowhere/Lantern/Plugins/Kit/Content/"));
 		EXPECT_TRUE(FPackageName::MountRoot("/Engine", "/elsewhere/EngineContent/"));
 	}
 	void TearDown() override
@@ -24,7 +26,7 @@ protected:
 		FPaths::SetProjectDir("");
 	}
 
-	static std::string Convert(const char* Filename)
+	static std::string Convert(const std::string& Filename)
 	{
 		FString LongName = "untouched";
 		const bool bConverted = FPackageName::TryConvertFilenameToLongPackageName(Filename, LongName);
@@ -39,11 +41,12 @@ TEST_F(PackageName, ConvertsFilesAndLongNames)
 	const struct
 	{
 		const char* Why;
-		const char* Filename;
+		std::string Filename;
 		const char* Expected;
 	} Cases[] = {
 		{"absolute file", "/nowhere/Lantern/Content/UI/W_Menu.vasset", "/Game/UI/W_Menu"},
 		{"file relative to the project", "Content/UI/W_Menu.vasset", "/Game/UI/W_Menu"},
+		{"a file in another case", "CONTENT/ui/W_Menu.VASSET", "/Game/ui/W_Menu"},
 		{"backslashes", "Content\\UI\\W_Menu.vasset", "/Game/UI/W_Menu"},
 		{"file of a plugin, whose folder was mounted without a slash", "Plugins/Weather/FogSystem/Content/M_Fog.vasset",
 			"/FogSystem/M_Fog"},
@@ -66,6 +69,10 @@ TEST_F(PackageName, ConvertsFilesAndLongNames)
 		{"object path", "/FogSystem/M_Fog.M_Fog", "/FogSystem/M_Fog"},
 		{"path of a sub-object", "/Game/UI/W_Menu.W_Menu:Tree.Button", "/Game/UI/W_Menu"},
 		{"the root's own spelling counts", "/gAmE/UI/W_Menu", "/Game/UI/W_Menu"},
+		{"export form", "World'/Game/UI/W_Menu.W_Menu'", "/Game/UI/W_Menu"},
+		{"export form with the class's path", "/Script/Engine.World'/Game/UI/W_Menu.W_Menu'", "/Game/UI/W_Menu"},
+		{"a root whose letters take other bytes in another case", "/Stra\u1E9Ee/M_Kerb", "/Stra\u00DFe/M_Kerb"},
+		{"the Kelvin sign is a k", "/\u212Ait/M_Bolt", "/Kit/M_Bolt"},
 		{"long name with backslashes", "\\Game\\UI\\W_Menu", "/Game/UI/W_Menu"},
 		{"long name whose dots stay inside", "/Game/UI/../W_Menu", "/Game/W_Menu"},
 		{"long name whose dots lead out", "/Game/../Other/W_Menu", "-"},
@@ -73,6 +80,7 @@ TEST_F(PackageName, ConvertsFilesAndLongNames)
 		{"a root that is only a prefix", "/GameData/X", "-"},
 		{"a root that nobody mounted", "/Water/M_Basin", "-"},
 		{"declared classes are no files", "/Script/Engine.Actor", "-"},
+		{"longer than any path", "/Game/" + std::string(5000, 'a'), "-"},
 		{"a folder", "/Game/UI/", "-"},
 		{"a slash behind the asset's dot", "/Game/UI.old/W_Menu", "-"},
 		{"a bare name", "W_Menu", "-"},

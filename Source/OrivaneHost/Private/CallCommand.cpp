@@ -57,5 +57,5 @@ int RunCall(const FCallArguments& Arguments)
 	if (!IsRegistered(Arguments.Tool))
 		return EExitCode::WrongUse;
 	return CallToolOfProject(
-		Arguments.Project, Arguments.TimeLimitSeconds, Arguments.Tool, FString::FromExternal(ArgumentText), PrintEnvelope);
+		Arguments.Project, Arguments.TimeLimit, Arguments.Tool, FString::FromExternal(ArgumentText), PrintEnvelope);
 }

@@ -56,6 +56,7 @@ int RunCheck(const FCheckArguments& Arguments)
 	if (!OpenProjectForCommand(Options, Diagnostics, false, ExitCode))
 		return ExitCode;
 	CheckPackages(Diagnostics, Interrupt::GetToken());
+	CheckTextFiles(Diagnostics, Interrupt::GetToken());
 	if (Arguments.bJson)
 		PrintJson(Diagnostics);
 	else

@@ -2,10 +2,13 @@
 
 #include "NearestWord.h"
 #include "OrivaneHost/Program.h"
+#include "Quellar/ToolArguments.h"
 #include "Version.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -74,20 +77,34 @@ Examples:
   orivane check --json --warnings-as-errors)";
 
 /** Reads options as UTF-8 text; what comes from a shell may be anything. */
-CLI::Option* AddText(CLI::App& App, const char* Name, FString& Out, const char* Help)
+CLI::Option* AddText(CLI::App& App, const char* Name, const std::function<void(FString)>& Take, const char* Help)
 {
 	return App.add_option_function<std::string>(
-		Name, [&Out](const std::string& Text) { Out = FString::FromExternal(Text); }, Help);
+		Name, [Take](const std::string& Text) { Take(FString::FromExternal(Text)); }, Help);
+}
+
+CLI::Option* AddText(CLI::App& App, const char* Name, FString& Out, const char* Help)
+{
+	return AddText(
+		App, Name, [&Out](FString Text) { Out = std::move(Text); }, Help);
+}
+
+CLI::Option* AddTexts(CLI::App& App, const char* Name, const std::function<void(TArray<FString>)>& Take, const char* Help)
+{
+	const auto TakeAll = [Take](const std::vector<std::string>& Texts)
+	{
+		TArray<FString> Repaired;
+		for (const std::string& Text : Texts)
+			Repaired.Add(FString::FromExternal(Text));
+		Take(std::move(Repaired));
+	};
+	return App.add_option_function<std::vector<std::string>>(Name, TakeAll, Help)->delimiter(',')->allow_extra_args(false);
 }
 
 CLI::Option* AddTexts(CLI::App& App, const char* Name, TArray<FString>& Out, const char* Help)
 {
-	const auto Take = [&Out](const std::vector<std::string>& Texts)
-	{
-		for (const std::string& Text : Texts)
-			Out.Add(FString::FromExternal(Text));
-	};
-	return App.add_option_function<std::vector<std::string>>(Name, Take, Help)->delimiter(',')->allow_extra_args(false);
+	return AddTexts(
+		App, Name, [&Out](TArray<FString> Texts) { Out = std::move(Texts); }, Help);
 }
 
 template <class T>
@@ -95,38 +112,124 @@ using TWords = std::vector<std::pair<std::string, T>>;
 
 /** An option that takes one of a few words, in any case. */
 template <class T>
-CLI::Option* AddChoice(CLI::App& App, const char* Name, const TWords<T>& Words, T& Out, const char* Help)
+CLI::Option* AddChoice(
+	CLI::App& App, const char* Name, const TWords<T>& Words, const std::function<void(const T&)>& Take, const char* Help)
 {
-	const auto Take = [&Out, Words, Option = std::string(Name)](const std::string& Text)
+	const auto TakeWord = [Take, Words, Option = std::string(Name)](const std::string& Text)
 	{
 		std::string Known;
 		for (const auto& [Word, Value] : Words)
 		{
 			if (CLI::detail::to_lower(Text) == Word)
-				return Out = Value, void();
+				return Take(Value);
 			Known += (Known.empty() ? "" : ", ") + Word;
 		}
 		throw CLI::ValidationError(Option, "'" + Text + "' is none of: " + Known);
 	};
-	return App.add_option_function<std::string>(Name, Take, Help);
+	return App.add_option_function<std::string>(Name, TakeWord, Help);
 }
 
-CLI::Option* AddCap(CLI::App& App, const char* Name, TOptional<int32>& Out, const char* Help)
+template <class T>
+CLI::Option* AddChoice(CLI::App& App, const char* Name, const TWords<T>& Words, T& Out, const char* Help)
 {
-	return App
-		.add_option_function<int32>(
-			Name, [&Out](const int32& Value) { Out = Value; }, Help)
-		->type_name("N");
+	return AddChoice<T>(
+		App, Name, Words, [&Out](const T& Value) { Out = Value; }, Help);
 }
 
-CLI::Option* AddSeconds(CLI::App& App, const char* Name, double& Out, const char* Help)
+CLI::Option* AddSeconds(CLI::App& App, const char* Name, std::chrono::milliseconds& Out, const char* Help)
 {
-	return App.add_option(Name, Out, Help)->check(CLI::Range(0.001, 86400.0))->type_name("SECONDS")->capture_default_str();
+	constexpr double Shortest = 0.001;
+	constexpr double Longest = 86400;
+	const auto Check = [](const std::string& Text) -> std::string
+	{
+		double Seconds = 0;
+		const bool bInRange = CLI::detail::lexical_cast(Text, Seconds) && Seconds >= Shortest && Seconds <= Longest; // no "nan"
+		return bInRange ? "" : "'" + Text + "' is not a time from 0.001 to 86400 seconds";
+	};
+	const auto Take = [&Out](const double& Seconds) { Out = std::chrono::milliseconds(std::llround(Seconds * 1000)); };
+	return App.add_option_function<double>(Name, Take, Help)
+		->check(Check)
+		->type_name("SECONDS")
+		->default_str(std::to_string(std::chrono::duration_cast<std::chrono::seconds>(Out).count()));
+}
+
+/** An option that takes one of a text's choices, in lower case where the tool wants capitals. */
+CLI::Option* AddChoice(CLI::App& App, const FToolArgument& Argument, const TSharedPtr<FJsonObject>& Out, const char* Help)
+{
+	TWords<FString> Words;
+	for (const FString& Choice : Argument.Choices)
+		Words.push_back({Choice.ToLower().ToStdString(), Choice});
+	return AddChoice<FString>(
+		App, Argument.Shell.Names, Words, [Out, Key = Argument.Key](const FString& Choice) { Out->SetStringField(Key, Choice); },
+		Help);
+}
+
+CLI::Option* AddInteger(CLI::App& App, const FToolArgument& Argument, const TSharedPtr<FJsonObject>& Out, const char* Help)
+{
+	const auto Take = [Out, Key = Argument.Key](const int32& Value) { Out->SetNumberField(Key, Value); };
+	CLI::Option* const Option = App.add_option_function<int32>(Argument.Shell.Names, Take, Help);
+	if (Argument.Shell.Least == INT32_MIN)
+		return Option;
+	CLI::Validator InRange = CLI::Range(Argument.Shell.Least, Argument.Maximum);
+	int32 Default = 0;
+	Argument.Default.TryGetNumber(Default);
+	return Option->check(Argument.Maximum == INT32_MAX ? InRange.description("") : InRange)->default_str(std::to_string(Default));
+}
+
+CLI::Option* AddToolArgument(CLI::App& App, const FToolArgument& Argument, const TSharedPtr<FJsonObject>& Out, const char* Help)
+{
+	const auto Key = Argument.Key;
+	const char* const Names = Argument.Shell.Names;
+	if (!Argument.Shell.FlagValue.IsNull())
+		return App.add_flag_callback(
+			Names, [Out, Key, Value = Argument.Shell.FlagValue] { Out->SetField(Key, Value); }, Help);
+	if (Argument.Type == EToolArgument::Integer)
+		return AddInteger(App, Argument, Out, Help);
+	if (Argument.Type == EToolArgument::TextList)
+		return AddTexts(
+			App, Names,
+			[Out, Key](const TArray<FString>& Texts)
+			{
+				FJsonArray List;
+				for (const FString& Text : Texts)
+					List.Add(Text);
+				Out->SetArrayField(Key, std::move(List));
+			},
+			Help);
+	return Argument.Choices.IsEmpty()
+		? AddText(
+			  App, Names, [Out, Key](FString Text) { Out->SetStringField(Key, std::move(Text)); }, Help)
+		: AddChoice(App, Argument, Out, Help);
+}
+
+/** "Object paths listed [200]": options without a value and lists have no default to name, checked numbers name it themselves. */
+FString DescribeOption(const FToolArgument& Argument)
+{
+	FString Default;
+	const bool bNamesDefault = Argument.Shell.FlagValue.IsNull() && Argument.Shell.Least == INT32_MIN &&
+		Argument.Default.TryGetString(Default) && !Default.IsEmpty();
+	return FString(Argument.Shell.Help) + (bNamesDefault ? " [" + Default.ToLower() + "]" : FString());
+}
+
+/** Offers a tool's arguments as options; those that are given stand in Out as the tool takes them. */
+void AddToolArguments(CLI::App& App, const char* ToolName, const TSharedPtr<FJsonObject>& Out)
+{
+	for (const FToolArgument& Argument : FindToolDeclaration(ToolName)->Arguments)
+	{
+		if (!*Argument.Shell.Names)
+			continue;
+		CLI::Option* const Option = AddToolArgument(App, Argument, Out, *DescribeOption(Argument));
+		if (Argument.bRequired)
+			Option->required();
+		if (*Argument.Shell.Placeholder)
+			Option->type_name(Argument.Shell.Placeholder);
+	}
 }
 
 void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 {
-	AddText(App, "-p,--project", Out.Path, "Project folder, or its *.uproject")->type_name("DIR");
+	const auto TakePath = [&Out](const std::string& Path) { Out.Path = Path; }; // as it is: repaired, it may name another one
+	App.add_option_function<std::string>("-p,--project", TakePath, "Project folder, or its *.uproject")->type_name("DIR");
 	AddTexts(App, "--preload", Out.Preload,
 		"Bring into memory first: a package, an object's package, or all below a folder (/Game/FX)")
 		->type_name("PATH");
@@ -159,7 +262,7 @@ void AddCall(CLI::App& Program, FCallArguments& Out)
 		AddCommand(Program, "call", "Call a tool and print its answer as one JSON object, for programs", CallExamples);
 	AddText(*Command, "TOOL", Out.Tool, "Name of the tool, such as asset_search")->required();
 	AddText(*Command, "JSON", Out.ArgumentsJson, "Arguments, a JSON object; '-' reads them from standard input");
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -172,20 +275,10 @@ void AddColor(CLI::App& Command, EColor& Out)
 void AddSearch(CLI::App& Program, FSearchArguments& Out)
 {
 	CLI::App* Command = AddCommand(Program, "search", "Find assets and text files that contain a name or value", SearchExamples);
-	AddText(*Command, "TERM", Out.Term, "Text to look for; '' matches everything")->required();
-	Command->add_flag("-x,--exact", Out.bExact, "The whole name or value equals the term");
-	Command->add_flag("-s,--case-sensitive", Out.bCaseSensitive, "Upper and lower case differ");
-	AddTexts(*Command, "-f,--family", Out.Families, "Only this family of assets (may be repeated, or a list with commas)")
-		->type_name("NAME");
-	AddTexts(*Command, "-k,--kind", Out.Kinds, "Kinds of hits to ask for (may be repeated)")->type_name("NAME");
-	AddText(*Command, "--path", Out.PathContains, "Only assets whose folder, or text files whose path, contains this")
-		->type_name("TEXT");
-	AddCap(*Command, "--max-hits-per-kind", Out.MaxHitsPerKind, "Hits of one kind per asset [10]");
-	AddCap(*Command, "--max-total-hits", Out.MaxTotalHits, "Hits per family, and assets in all [200]");
-	AddCap(*Command, "--max-per-type", Out.MaxHitsPerAssetType, "Assets per asset type [25]");
+	AddToolArguments(*Command, ToolNames::AssetSearch, Out.Tool);
 	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
 	AddColor(*Command, Out.Color);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -198,55 +291,28 @@ void AddGraphFormat(CLI::App& Command, FGraphArguments& Out)
 	Format->type_name("FORMAT");
 	const auto UseJson = [&Out] { Out.Format = EGraphFormat::Json; };
 	Command.add_flag_callback("--json", UseJson, "Same as --format json")->excludes(Format);
-	AddText(Command, "-o,--output", Out.OutputFile, "Write to this file instead of standard output")->type_name("FILE");
+	AddText(Command, "-o,--output", Out.OutputFile, "Write to this file instead of standard output; '-' is standard output")
+		->type_name("FILE");
 }
 
 void AddGraph(CLI::App& Program, FGraphArguments& Out)
 {
 	CLI::App* Command =
 		AddCommand(Program, "graph", "Show what an asset depends on and what refers to it, or draw it", GraphExamples);
-	AddText(*Command, "ASSET", Out.Asset, "The asset, such as /Game/UI/W_MainMenu")->required();
-	const TWords<FString> Relations = {{"dependencies", "Dependencies"}, {"referencers", "Referencers"}, {"both", "Both"}};
-	AddChoice(*Command, "-r,--relation", Relations, Out.Relation, "dependencies, referencers, both [dependencies]")
-		->type_name("WHICH");
-	Command->add_option("-d,--depth", Out.Depth, "Levels, 1 or 2")
-		->check(CLI::Range(1, 2))
-		->type_name("N")
-		->capture_default_str();
-	const auto AddLimit = [Command](const char* Name, int32& Limit, const char* Help)
-	{
-		Command->add_option(Name, Limit, Help)
-			->check(CLI::Range(1, INT32_MAX).description(""))
-			->type_name("N")
-			->capture_default_str();
-	};
-	AddLimit("--max-nodes", Out.MaxNodes, "Relations shown for a direction");
-	AddLimit("--max-fanout", Out.MaxFanout, "Do not walk through packages with more neighbours");
-	Command->add_flag("-a,--all-kinds", Out.bAllKinds, "Also materials, meshes, textures and other kinds that tell little");
+	AddToolArguments(*Command, ToolNames::AssetGraph, Out.Tool);
 	AddGraphFormat(*Command, Out);
 	AddColor(*Command, Out.Color);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
 void AddPaths(CLI::App& Program, FPathsArguments& Out)
 {
 	CLI::App* Command = AddCommand(Program, "paths", "Find assets by a part of their path or name", PathsExamples);
-	AddText(*Command, "TERM", Out.Term, "Text to look for in object paths such as /Game/UI/W_Menu.W_Menu")->required();
-	Command->add_flag("-x,--exact", Out.bExact, "The whole object path or asset name equals the term");
-	Command->add_flag("-s,--case-sensitive", Out.bCaseSensitive, "Upper and lower case differ");
-	const TWords<FString> Views = {{"directories", "directories"}, {"files", "files"}, {"both", "both"}};
-	AddChoice(*Command, "-v,--view", Views, Out.View, "directories, files (one object path a line), both [directories]")
-		->type_name("WHICH");
-	AddText(*Command, "--path", Out.PathContains, "Only assets whose folder contains this")->type_name("TEXT");
-	AddTexts(*Command, "-c,--class", Out.Classes, "Only assets whose class or asset type contains this (may be repeated)")
-		->type_name("NAME");
-	AddCap(*Command, "--max-files", Out.MaxFiles, "Object paths listed [200]");
-	AddCap(*Command, "--max-directories", Out.MaxDirectories, "Directories listed [50]");
-	AddCap(*Command, "--max-per-directory", Out.MaxFilesPerDirectory, "Assets listed in a directory [10]");
+	AddToolArguments(*Command, ToolNames::AssetPathSearch, Out.Tool);
 	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
 	AddColor(*Command, Out.Color);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -255,15 +321,16 @@ void AddConsole(CLI::App& Program, FConsoleArguments& Out)
 	CLI::App* Command =
 		AddCommand(Program, "console", "Run Orivane.* console commands, by hand or from a script", ConsoleExamples);
 	AddTexts(*Command, "-c,--command", Out.Lines, "Run this line and exit (may be repeated)")->type_name("LINE")->delimiter('\0');
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Wait this long for a search, then go on");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Wait this long for a search, then go on");
 	AddProjectOptions(*Command, Out.Project);
 }
 
 void AddInfo(CLI::App& Program, FInfoArguments& Out)
 {
-	CLI::App* Command = AddCommand(
-		Program, "info", "What was opened: counts, mounts, settings in force, cache, timings", "Example:\n  orivane info --json");
+	CLI::App* Command = AddCommand(Program, "info", "What was opened: counts, mounts, settings in force, cache, timings",
+		"Examples:\n  orivane info --json\n  orivane info --settings");
 	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	Command->add_flag("--settings", Out.bSettings, "Print every setting with its value and what it does");
 	Command->add_flag(
 		"--dump-registry", Out.bDumpRegistry, "Print every package, asset, tag and dependency that the registry holds");
 	AddProjectOptions(*Command, Out.Project);
@@ -281,8 +348,8 @@ void AddMcp(CLI::App& Program, FMcpArguments& Out)
 {
 	CLI::App* Command =
 		AddCommand(Program, "mcp", "Serve AI agents: Model Context Protocol on standard input and output", McpExamples);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimitSeconds, "Time a tool may take once it runs");
-	AddSeconds(*Command, "--deadline", Out.DeadlineSeconds, "Time until a call is answered, waiting included");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Time a tool may take once it runs");
+	AddSeconds(*Command, "--deadline", Out.Deadline, "Time until a call is answered, waiting included");
 	Command->add_option("--max-answer-bytes", Out.MaxAnswerBytes, "Longer answers are cut, and say so")
 		->check(CLI::Range(int64{16 * 1024}, int64{8 * 1024 * 1024}))
 		->type_name("BYTES")

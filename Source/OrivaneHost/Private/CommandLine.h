@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Core/Containers.h"
+#include "Core/Json.h"
 #include "Project.h"
 #include "Terminal.h"
 
+#include <chrono>
 #include <variant>
 
 struct FCallArguments
@@ -11,24 +13,16 @@ struct FCallArguments
 	FProjectOptions Project;
 	FString Tool;
 	FString ArgumentsJson = "{}"; // "-": standard input
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FSearchArguments
 {
 	FProjectOptions Project;
-	FString Term;
-	bool bExact = false;
-	bool bCaseSensitive = false;
-	TArray<FString> Families;
-	TArray<FString> Kinds;
-	FString PathContains;
-	TOptional<int32> MaxHitsPerKind;
-	TOptional<int32> MaxTotalHits;
-	TOptional<int32> MaxHitsPerAssetType;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>(); // arguments of the tool, as far as they were given
 	bool bJson = false;
 	EColor Color = EColor::Auto;
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 enum class EGraphFormat : uint8
@@ -43,46 +37,34 @@ enum class EGraphFormat : uint8
 struct FGraphArguments
 {
 	FProjectOptions Project;
-	FString Asset;
-	FString Relation = "Dependencies";
-	int32 Depth = 1;
-	int32 MaxNodes = 150;
-	int32 MaxFanout = 50;
-	bool bAllKinds = false;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>();
 	EGraphFormat Format = EGraphFormat::Tree;
 	FString OutputFile; // "": standard output
 	EColor Color = EColor::Auto;
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FPathsArguments
 {
 	FProjectOptions Project;
-	FString Term;
-	bool bExact = false;
-	bool bCaseSensitive = false;
-	FString View = "directories"; // "files", "both"
-	FString PathContains;
-	TArray<FString> Classes;
-	TOptional<int32> MaxFiles;
-	TOptional<int32> MaxDirectories;
-	TOptional<int32> MaxFilesPerDirectory;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>();
 	bool bJson = false;
 	EColor Color = EColor::Auto;
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FConsoleArguments
 {
 	FProjectOptions Project;
 	TArray<FString> Lines; // to run instead of asking for some
-	double TimeLimitSeconds = 30;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
 struct FInfoArguments
 {
 	FProjectOptions Project;
 	bool bJson = false;
+	bool bSettings = false;
 	bool bDumpRegistry = false;
 };
 
@@ -96,8 +78,8 @@ struct FCheckArguments
 struct FMcpArguments
 {
 	FProjectOptions Project;
-	double TimeLimitSeconds = 30;
-	double DeadlineSeconds = 50;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
+	std::chrono::milliseconds Deadline = std::chrono::seconds(50);
 	int64 MaxAnswerBytes = 2 * 1024 * 1024;
 	bool bPathSearch = true;
 };

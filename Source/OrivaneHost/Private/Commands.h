@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "OrivaneCore/ToolResult.h"
 
+#include <chrono>
 #include <functional>
 
 // One function a command; each returns the program's exit code.
@@ -25,5 +26,5 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
  * What a command of one tool call does once the engine runs: opens the project, calls, and lets Print print the answer and say
  * the program's exit code, which is returned. Answers that never come are explained and end at the time limit.
  */
-int CallToolOfProject(const FProjectOptions& Project, double TimeLimitSeconds, const FString& Tool, const FString& ArgumentsJson,
-	const std::function<int(const Orivane::FToolResult&)>& Print);
+int CallToolOfProject(const FProjectOptions& Project, std::chrono::milliseconds TimeLimit, const FString& Tool,
+	const FString& ArgumentsJson, const std::function<int(const Orivane::FToolResult&)>& Print);

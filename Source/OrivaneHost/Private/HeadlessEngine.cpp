@@ -2,11 +2,9 @@
 
 #include "Core/Tasks.h"
 #include "Engine/EngineClasses.h"
-#include "OrivaneToolkit/OrivaneSettings.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Project.h"
 #include "Quellar/QuellarModule.h"
-#include "Quellar/QuellarSettings.h"
 
 namespace
 {
@@ -21,8 +19,6 @@ FHeadlessEngine::FHeadlessEngine()
 {
 	FGameThread::Get().BindToThisThread();
 	RegisterEngineClasses();
-	UOrivaneSettings::StaticClass();
-	UQuellarSettings::StaticClass();
 
 	FModuleManager& Modules = FModuleManager::Get();
 	Modules.LoadModule("AssetRegistry", MakeShared<FHeadlessAssetRegistryModule>());

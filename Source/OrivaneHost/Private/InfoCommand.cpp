@@ -1,11 +1,11 @@
 #include "Commands.h"
 #include "Core/Json.h"
+#include "CoreObject/DeveloperSettings.h"
 #include "CoreObject/PackageName.h"
+#include "CoreObject/Properties.h"
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
-#include "OrivaneToolkit/OrivaneSettings.h"
 #include "PackageMemory.h"
-#include "Quellar/QuellarSettings.h"
 
 #include <sys/resource.h>
 
@@ -87,18 +87,65 @@ TSharedPtr<FJsonObject> MakeMountsJson()
 	return Mounts;
 }
 
+/** Numbers, truth values, strings and lists of strings: what settings consist of. */
+FJsonValue MakeValueJson(const FProperty& Property, const UObject& Object)
+{
+	const void* Value = Property.ContainerPtrToValuePtr<void>(&Object);
+	if (CastField<FArrayProperty>(&Property))
+		return MakeArray(*static_cast<const TArray<FString>*>(Value));
+	if (const auto* Bool = CastField<FBoolProperty>(&Property))
+		return Bool->GetPropertyValue(Value);
+	if (const auto* String = CastField<FStrProperty>(&Property))
+		return String->GetPropertyValue(Value);
+	if (const auto* Number = CastField<FNumericProperty>(&Property))
+		return Number->IsInteger() ? FJsonValue(Number->GetSignedIntPropertyValue(Value))
+								   : FJsonValue(Number->GetFloatingPointPropertyValue(Value));
+	return FJsonValue();
+}
+
+void ForEachSettingsClass(const std::function<void(UClass&, const UObject& Values)>& Visit)
+{
+	ForEachClass(
+		[&Visit](UClass& Class)
+		{
+			if (IsSettingsClass(Class))
+				Visit(Class, *Class.GetDefaultObject());
+		});
+}
+
 TSharedPtr<FJsonObject> MakeSettingsJson()
 {
-	const auto& Quellar = *UQuellarSettings::StaticClass()->GetDefaultObject<UQuellarSettings>();
-	const auto& Toolkit = *UOrivaneSettings::StaticClass()->GetDefaultObject<UOrivaneSettings>();
 	auto Settings = MakeShared<FJsonObject>();
-	Settings->SetArrayField("ExcludedDirectories", MakeArray(Quellar.ExcludedDirectories));
-	Settings->SetBoolField("bExcludeEnginePlugins", Quellar.bExcludeEnginePlugins);
-	Settings->SetArrayField("ExcludedPluginNames", MakeArray(Quellar.ExcludedPluginNames));
-	Settings->SetArrayField("TextSearchExtensions", MakeArray(Quellar.TextSearchExtensions));
-	Settings->SetNumberField("MaterialSearchMode", static_cast<int32>(Toolkit.MaterialSearchMode));
-	Settings->SetNumberField("NiagaraSearchMode", static_cast<int32>(Toolkit.NiagaraSearchMode));
+	ForEachSettingsClass(
+		[&Settings](UClass& Class, const UObject& Values)
+		{
+			for (const TUniquePtr<FProperty>& Property : Class.GetOwnProperties())
+				Settings->SetField(Property->GetName(), MakeValueJson(*Property, Values));
+		});
 	return Settings;
+}
+
+/** Every setting with what people are told of it, by section of the settings file. */
+TSharedPtr<FJsonObject> MakeSettingsReferenceJson()
+{
+	auto Sections = MakeShared<FJsonObject>();
+	ForEachSettingsClass(
+		[&Sections](UClass& Class, const UObject& Values)
+		{
+			auto Section = MakeShared<FJsonObject>();
+			Section->SetStringField("about", Class.GetMetaData("ToolTip"));
+			for (const TUniquePtr<FProperty>& Property : Class.GetOwnProperties())
+			{
+				auto Setting = MakeShared<FJsonObject>();
+				Setting->SetField("value", MakeValueJson(*Property, Values));
+				Setting->SetStringField("type", Property->GetTypeText());
+				Setting->SetStringField("category", Property->GetMetaData("Category"));
+				Setting->SetStringField("about", Property->GetMetaData("ToolTip"));
+				Section->SetObjectField(Property->GetName(), Setting);
+			}
+			Sections->SetObjectField("[" + Class.GetPathName() + "]", Section);
+		});
+	return Sections;
 }
 
 TSharedPtr<FJsonObject> MakeScanJson(const FProjectSummary& Summary)
@@ -143,7 +190,7 @@ FString DescribeValue(const FJsonValue& Value)
 	{
 		FString Text;
 		Value.TryGetString(Text);
-		return Terminal::Sanitize(Text);
+		return Terminal::Sanitize(Text.Replace("\n", " "));
 	}
 	FString List;
 	for (const FJsonValue& Element : *Array)
@@ -183,7 +230,7 @@ int RunInfo(const FInfoArguments& Arguments)
 		FProject::GetRegistry().Dump([](FStringView Line) { Terminal::Print(Terminal::Sanitize(Line) + "\n"); });
 		return EExitCode::Found;
 	}
-	const TSharedPtr<FJsonObject> Info = MakeInfoJson(Diagnostics);
+	const TSharedPtr<FJsonObject> Info = Arguments.bSettings ? MakeSettingsReferenceJson() : MakeInfoJson(Diagnostics);
 	FString Readable;
 	AppendReadable(Readable, *Info, 0);
 	Terminal::Print(Arguments.bJson ? Json::Write(*Info) + "\n" : Readable);

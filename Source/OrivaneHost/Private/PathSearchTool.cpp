@@ -2,6 +2,7 @@
 
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/AssetPathSearchOperation.h"
+#include "Quellar/ToolArguments.h"
 #include "Quellar/ToolEntry.h"
 
 namespace
@@ -28,5 +29,5 @@ protected:
 
 void RegisterPathSearchTool()
 {
-	FOrivaneToolkitModule::GetToolExecutor()->RegisterTool("asset_path_search", MakeShared<FPathSearchTool>());
+	FOrivaneToolkitModule::GetToolExecutor()->RegisterTool(ToolNames::AssetPathSearch, MakeShared<FPathSearchTool>());
 }

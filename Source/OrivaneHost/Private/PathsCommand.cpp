@@ -2,26 +2,12 @@
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
 #include "PathSearchTool.h"
+#include "Quellar/ToolArguments.h"
 #include "ToolOutput.h"
 
 namespace
 {
 using namespace ToolOutput;
-
-FString MakeToolArguments(const FPathsArguments& Arguments)
-{
-	FJsonObject Args;
-	Args.SetStringField("term", Arguments.Term);
-	Args.SetStringField("mode", Arguments.bExact ? "exact" : "contains");
-	Args.SetBoolField("case_sensitive", Arguments.bCaseSensitive);
-	Args.SetStringField("detail_mode", Arguments.View);
-	Args.SetStringField("path_contains", Arguments.PathContains);
-	SetStrings(Args, "class_filters", Arguments.Classes);
-	SetNumber(Args, "max_file_results", Arguments.MaxFiles);
-	SetNumber(Args, "max_directory_buckets", Arguments.MaxDirectories);
-	SetNumber(Args, "max_files_per_directory", Arguments.MaxFilesPerDirectory);
-	return Json::Write(Args);
-}
 
 /** The texts of a list, a line each. */
 FString ListTexts(const FJsonArray& Texts, const char* Indentation)
@@ -67,7 +53,7 @@ FString DescribeTotals(const FJsonObject& Summary)
 int PrintResult(const Orivane::FToolResult& Result, const FPathsArguments& Arguments)
 {
 	PrintProblems("paths", Result);
-	const TSharedPtr<FJsonObject> Content = GetContent(Result, "asset_path_search");
+	const TSharedPtr<FJsonObject> Content = GetContent(Result, ToolNames::AssetPathSearch);
 	TSharedPtr<FJsonObject> Summary;
 	if (!Content || !Content->TryGetObjectField("summary", Summary))
 		return EExitCode::NotFound;
@@ -85,6 +71,6 @@ int RunPaths(const FPathsArguments& Arguments)
 {
 	const FHeadlessEngine Engine;
 	RegisterPathSearchTool();
-	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "asset_path_search", MakeToolArguments(Arguments),
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, ToolNames::AssetPathSearch, Json::Write(*Arguments.Tool),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "Core/Log.h"
+#include "Core/StopToken.h"
 #include "PackageMemory.h"
 #include "Progress.h"
 #include "ToolCaller.h"
@@ -32,6 +33,7 @@ int RunOrivane(int NumArguments, const char* const* Arguments)
 		return ExitCode;
 	if (!std::holds_alternative<FMcpArguments>(*Command))
 		Interrupt::Install(); // the protocol server has its own way to end
+	const FStopScope Scope(Interrupt::GetToken());
 	ExitCode = std::visit(FRunCommand(), *Command);
 	Log::Flush();
 	return Interrupt::IsRequested() ? EExitCode::Interrupted : ExitCode;
@@ -68,14 +70,13 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 	return true;
 }
 
-int CallToolOfProject(const FProjectOptions& Project, double TimeLimitSeconds, const FString& Tool, const FString& ArgumentsJson,
-	const std::function<int(const Orivane::FToolResult&)>& Print)
+int CallToolOfProject(const FProjectOptions& Project, std::chrono::milliseconds TimeLimit, const FString& Tool,
+	const FString& ArgumentsJson, const std::function<int(const Orivane::FToolResult&)>& Print)
 {
 	FDiagnosticSink Diagnostics;
 	int ExitCode = EExitCode::Found;
 	if (!OpenProjectForCommand(Project, Diagnostics, true, ExitCode))
 		return ExitCode;
-	const auto TimeLimit = std::chrono::milliseconds(static_cast<int64>(TimeLimitSeconds * 1000));
 	const bool bAnswered =
 		CallToolAndWait(Tool, ArgumentsJson, TimeLimit, [&](const Orivane::FToolResult& Result) { ExitCode = Print(Result); });
 	return bAnswered ? ExitCode : EExitCode::Interrupted;

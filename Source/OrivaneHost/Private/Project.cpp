@@ -1,9 +1,9 @@
 #include "Project.h"
 
 #include "BlueprintIndex/FindInBlueprintSearchManager.h"
+#include "Core/Checksum.h"
 #include "Core/File.h"
 #include "Core/ProjectFolder.h"
-#include "Core/Unicode.h"
 #include "CoreObject/Loader.h"
 #include "CoreObject/PackageName.h"
 #include "CoreObject/ScriptModule.h"
@@ -11,7 +11,9 @@
 #include "ProjectFiles.h"
 #include "UserFolders.h"
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <unistd.h>
 
 namespace
@@ -20,7 +22,17 @@ struct FOpenProject
 {
 	bool bOpen = false;
 	FProjectSummary Summary;
+	TOptional<FFileStamp> SettingsStamp; // taken before the settings were read
+	bool bSettingsSettled = false;		 // a later change of the file gives another stamp
 };
+
+/** The stamp first: what is written after it shows in the next comparison. */
+void ReadSettings(FOpenProject& Project, const FString& Folder, FDiagnosticSink& Diagnostics)
+{
+	Project.SettingsStamp = ProjectFiles::GetSettingsStamp(Folder);
+	Project.bSettingsSettled = !Project.SettingsStamp || Project.SettingsStamp->IsSettled();
+	ProjectFiles::ReadSettings(Folder, Diagnostics);
+}
 
 FOpenProject& GetOpenProject()
 {
@@ -34,12 +46,19 @@ FString GetUserCacheFolder(const FString& ProjectFolder)
 	const FString Base = GetUserFolder("XDG_CACHE_HOME", ".cache");
 	if (Base.IsEmpty())
 		return {};
-	return Base + FString::Printf("/orivane/%016llx/", static_cast<unsigned long long>(Unicode::HashFolded(ProjectFolder)));
+	return Base + FString::Printf("/orivane/%016llx/", static_cast<unsigned long long>(ChecksumOf(ProjectFolder)));
 }
 
 int64 GetDefaultObjectMemory()
 {
 	return static_cast<int64>(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGESIZE) / 4;
+}
+
+FString DescribeOpenError(int ErrorNumber)
+{
+	if (ErrorNumber == EILSEQ)
+		return "its path is not valid UTF-8; rename the folders on it";
+	return FString::FromExternal(std::strerror(ErrorNumber));
 }
 
 void MountRoots(const FProjectSummary& Summary, const FString& EngineContent)
@@ -169,11 +188,17 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	FProjectSummary Summary;
 	if (!ProjectFiles::FindDescriptor(Options.Path, Summary.Folder, Summary.DescriptorFile, OutError))
 		return false;
-	FPaths::SetProjectDir(Summary.Folder);
+	if (!FPaths::SetProjectDir(Summary.Folder))
+	{
+		OutError = "the folder " + FString::FromExternal(Summary.Folder) + " cannot be opened: " + DescribeOpenError(errno);
+		FPaths::SetProjectDir("");
+		return false;
+	}
 	Summary.Folder = FPaths::ProjectDir();
 
 	ProjectFiles::ReadDescriptor(Summary, Diagnostics);
-	ProjectFiles::ReadSettings(Summary.Folder, Diagnostics);
+	FOpenProject Opened;
+	ReadSettings(Opened, Summary.Folder, Diagnostics);
 	const TArray<FScriptModuleFile> Modules = ProjectFiles::ReadScriptModules(Summary.Folder, Diagnostics);
 	DeclareScriptModules(Modules, &Diagnostics);
 	for (const FScriptModuleFile& Module : Modules)
@@ -191,6 +216,18 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	SetPackageLocator(LocatePackage);
 	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
-	GetOpenProject() = {.bOpen = true, .Summary = std::move(Summary)};
+	Opened.bOpen = true;
+	Opened.Summary = std::move(Summary);
+	GetOpenProject() = std::move(Opened);
+	return true;
+}
+
+bool FProject::RefreshSettings(FDiagnosticSink& Diagnostics)
+{
+	FOpenProject& Project = GetOpenProject();
+	const FString& Folder = Project.Summary.Folder;
+	if (!Project.bOpen || (Project.bSettingsSettled && ProjectFiles::GetSettingsStamp(Folder) == Project.SettingsStamp))
+		return false;
+	ReadSettings(Project, Folder, Diagnostics);
 	return true;
 }

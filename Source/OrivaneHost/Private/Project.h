@@ -13,7 +13,7 @@ struct FScanProgress
 /** How a project is to be opened. */
 struct FProjectOptions
 {
-	FString Path;		   // project folder or its *.uproject; empty: look from the current folder upward
+	FString Path;		   // project folder or its *.uproject, any bytes; empty: look from the current folder upward
 	FString EngineContent; // folder mounted as /Engine; empty: none
 	ERegistryCache Cache = ERegistryCache::Use;
 	int32 NumThreads = 0;	 // 0: all processors
@@ -57,6 +57,9 @@ public:
 	static bool Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, FString& OutError);
 	static void Close();
 	static bool IsOpen();
+	/** Reads the settings again where their file has changed since they were read; costs a look at the file otherwise. To be
+	 * called before a search that is to obey them. True, and what is wrong with them in the sink, when they were read. */
+	static bool RefreshSettings(FDiagnosticSink& Diagnostics);
 	static const FProjectSummary& GetSummary();
 	/** Lives as long as the program; empty while no project is open. */
 	static FAssetRegistry& GetRegistry();

@@ -1,7 +1,9 @@
 #include "ProjectCheck.h"
 
+#include "Core/File.h"
 #include "CoreObject/Loader.h"
 #include "Project.h"
+#include "Quellar/TextSearch.h"
 #include "RingCheck.h"
 
 #include <algorithm>
@@ -134,6 +136,36 @@ void LoadEveryPackage(FRingCheck& Rings, FDiagnosticSink& Diagnostics, const std
 		Rings.Add(*Package);
 	}
 }
+}
+
+void CheckTextFiles(FDiagnosticSink& Diagnostics, std::stop_token Stop)
+{
+	FFileTreeOptions Options;
+	Options.KeepFile = IsSearchableTextFile;
+	Options.Stop = Stop;
+	const FFileTree Files = FFileTree::List(FPaths::ProjectDir(), Options);
+	const auto Report = [&](std::string_view File, const char* Rule, FString Text)
+	{
+		Diagnostics.Add({.File = FString::FromExternal(File),
+			.Severity = EDiagnosticSeverity::Warning,
+			.Text = std::move(Text),
+			.Rule = Rule});
+	};
+	for (const std::string& Folder : Files.GetUnreadableFolders())
+		Report(Folder, "unreadable-folder", "the folder cannot be read, so its text files are not searched");
+	FFileTreeReader Reader(Files);
+	std::string Byte;
+	for (int32 Index = 0; Index < Files.Num() && !Stop.stop_requested(); ++Index)
+	{
+		const EFileRead Outcome =
+			Reader.ReadInPieces(Index, Byte, FFileHelper::MaxTextFileBytes, 1, [](std::string_view) { return false; });
+		if (Outcome == EFileRead::TooLarge)
+			Report(Files.GetRelativePath(Index), "text-too-large",
+				FString::Printf("text files of more than %d MiB are not searched",
+					static_cast<int>(FFileHelper::MaxTextFileBytes / (1024 * 1024))));
+		else if (Outcome == EFileRead::Unreadable)
+			Report(Files.GetRelativePath(Index), "unreadable-file", "the file cannot be read, so it is not searched");
+	}
 }
 
 void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop)

@@ -10,3 +10,6 @@
  * thread.
  */
 void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop);
+
+/** Reports the text files that searches pass over: too large, or not readable. */
+void CheckTextFiles(FDiagnosticSink& Diagnostics, std::stop_token Stop);

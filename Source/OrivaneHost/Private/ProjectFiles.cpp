@@ -3,6 +3,7 @@
 #include "Core/File.h"
 #include "Core/JsonDocument.h"
 #include "Core/ProjectFolder.h"
+#include "Core/Unicode.h"
 #include "CoreObject/DeveloperSettings.h"
 #include "CoreObject/PackageName.h"
 
@@ -134,6 +135,11 @@ bool IsNameTaken(const FString& Name, const TArray<FProjectPlugin>& Plugins)
 
 bool ProjectFiles::FindDescriptor(const FString& Path, FString& OutFolder, FString& OutDescriptor, FString& OutError)
 {
+	if (const FString Start = FPaths::ConvertRelativePathToFull(Path.IsEmpty() ? "." : Path); !Unicode::IsValidUtf8(Start))
+	{
+		OutError = "the path " + FString::FromExternal(Start) + " is not valid UTF-8; rename the folders on it";
+		return false;
+	}
 	if (Path.IsEmpty())
 		return FindUpward(OutFolder, OutDescriptor, OutError);
 	const FString Full = FPaths::ConvertRelativePathToFull(Path);
@@ -163,6 +169,12 @@ void ProjectFiles::ReadSettings(const FString& Folder, FDiagnosticSink& Diagnost
 	ReadFile(Folder, SettingsFile, false, FFileHelper::MaxTextFileBytes, Bytes, Diagnostics);
 	const FConfigFile File = FConfigFile::Parse(FFileHelper::DecodeText(Bytes, Scratch), SettingsFile, &Diagnostics);
 	LoadDeveloperSettings(File, SettingsFile, &Diagnostics);
+}
+
+TOptional<FFileStamp> ProjectFiles::GetSettingsStamp(const FString& Folder)
+{
+	FFileStamp Stamp;
+	return FProjectFolder(Folder).GetFileStamp(SettingsFile, Stamp) ? TOptional<FFileStamp>(Stamp) : TOptional<FFileStamp>();
 }
 
 TArray<FScriptModuleFile> ProjectFiles::ReadScriptModules(const FString& Folder, FDiagnosticSink& Diagnostics)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Diagnostics.h"
+#include "Core/FileTree.h"
 #include "CoreObject/ScriptModule.h"
 #include "Project.h"
 
@@ -12,8 +13,10 @@ namespace ProjectFiles
 bool FindDescriptor(const FString& Path, FString& OutFolder, FString& OutDescriptor, FString& OutError);
 /** Fills name and description; a descriptor that cannot be read gives the file's name. */
 void ReadDescriptor(FProjectSummary& Summary, FDiagnosticSink& Diagnostics);
-/** Applies Config/DefaultGame.ini to the settings classes. */
+/** Applies Config/DefaultGame.ini to the settings classes; without the file they have their defaults. */
 void ReadSettings(const FString& Folder, FDiagnosticSink& Diagnostics);
+/** Of Config/DefaultGame.ini; none without the file. */
+TOptional<FFileStamp> GetSettingsStamp(const FString& Folder);
 TArray<FScriptModuleFile> ReadScriptModules(const FString& Folder, FDiagnosticSink& Diagnostics);
 /** Plugins in ascending byte order of their folders; a second one of a name is reported and left out. */
 TArray<FProjectPlugin> FindPlugins(const FString& Folder, FDiagnosticSink& Diagnostics);

@@ -2,6 +2,8 @@
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
 #include "Quellar/AssetSearchService.h"
+#include "Quellar/TextSearch.h"
+#include "Quellar/ToolArguments.h"
 #include "ToolOutput.h"
 
 #include <algorithm>
@@ -10,28 +12,14 @@ namespace
 {
 using namespace ToolOutput;
 
-FString MakeToolArguments(const FSearchArguments& Arguments)
-{
-	FJsonObject Args;
-	Args.SetStringField("term", Arguments.Term);
-	Args.SetStringField("mode", Arguments.bExact ? "exact" : "contains");
-	Args.SetBoolField("case_sensitive", Arguments.bCaseSensitive);
-	SetStrings(Args, "include_asset_families", Arguments.Families);
-	SetStrings(Args, "include_kinds", Arguments.Kinds);
-	Args.SetStringField("path_contains", Arguments.PathContains);
-	SetNumber(Args, "max_hits_per_kind", Arguments.MaxHitsPerKind);
-	SetNumber(Args, "max_total_hits", Arguments.MaxTotalHits);
-	SetNumber(Args, "max_hits_per_asset_type", Arguments.MaxHitsPerAssetType);
-	return Json::Write(Args);
-}
-
 /** The tool ignores unknown families in silence, as agents rely on; a person at a shell has mistyped. */
-bool AreFamiliesKnown(const TArray<FString>& Families)
+bool AreFamiliesKnown(const FJsonObject& ToolArguments)
 {
 	const TArray<FString> Known = UAssetSearchService::GetFamilyNames();
-	for (const FString& Family : Families)
+	for (const FJsonValue& Element : GetArray(ToolArguments, "include_asset_families"))
 	{
-		if (Known.Contains(Family))
+		FString Family;
+		if (Element.TryGetString(Family) && Known.Contains(Family))
 			continue;
 		FString Error = FString("orivane search: there is no family '") + Terminal::Sanitize(Family) + "'; families:";
 		for (const FString& Name : Known)
@@ -86,9 +74,23 @@ private:
 	FString Out;
 };
 
+/** Files that might have held the term. */
+void PrintGaps()
+{
+	const FTextSearchGaps& Gaps = GetTextSearchGaps();
+	const int32 Num = Gaps.TooLarge.Num() + Gaps.Unreadable.Num();
+	if (Num == 0)
+		return;
+	const FString& Example = Gaps.TooLarge.IsEmpty() ? Gaps.Unreadable[0] : Gaps.TooLarge[0];
+	Terminal::PrintError(FString::Printf("orivane search: warning: %d text file(s) or folder(s) are too large or cannot be read, "
+										 "such as %s; see: orivane check\n",
+		Num, *Terminal::Sanitize(Example)));
+}
+
 int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
 {
 	PrintProblems("search", Result);
+	PrintGaps();
 	const TSharedPtr<FJsonObject> Content = GetContent(Result);
 	if (!Content)
 		return EExitCode::NotFound;
@@ -111,9 +113,9 @@ int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Argu
 
 int RunSearch(const FSearchArguments& Arguments)
 {
-	if (!AreFamiliesKnown(Arguments.Families))
+	if (!AreFamiliesKnown(*Arguments.Tool))
 		return EExitCode::WrongUse;
 	const FHeadlessEngine Engine;
-	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "asset_search", MakeToolArguments(Arguments),
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, ToolNames::AssetSearch, Json::Write(*Arguments.Tool),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

@@ -1,6 +1,7 @@
 #include "TimeOutAdvice.h"
 
 #include "Core/Json.h"
+#include "Quellar/ToolArguments.h"
 
 namespace
 {
@@ -30,7 +31,7 @@ bool NeverEnds(const FString& Term, const TArray<FString>& Families)
 FString ExplainTimeOut(const Orivane::FToolCommand& Command)
 {
 	TSharedPtr<FJsonObject> Arguments;
-	if (Command.ToolName != "asset_search" || !Json::ParseObject(Command.ArgumentsJson, Arguments))
+	if (Command.ToolName != ToolNames::AssetSearch || !Json::ParseObject(Command.ArgumentsJson, Arguments))
 		return "ask for less, or allow more time with --time-limit";
 	if (IsEmptyBlueprintSearch(*Arguments))
 		return "a search of Blueprints never ends with an empty term; give a term, or list families without Blueprint in "

@@ -5,6 +5,9 @@
 #include "Terminal.h"
 #include "TimeOutAdvice.h"
 
+#include <mutex>
+#include <stop_token>
+
 namespace
 {
 const char* DescribeType(Orivane::EToolMessage Type)
@@ -82,11 +85,10 @@ bool CallToolAndWait(const FString& ToolName, const FString& ArgumentsJson, std:
 		std::lock_guard Guard(Answer->Lock);
 		return Answer->Result.has_value();
 	};
+	// The tool may be running on this very thread.
+	const std::stop_callback OnInterrupt(Interrupt::GetToken(), [&] { Executor->Cancel(Id); });
 	if (!FGameThread::Get().RunUntil(IsAnswered, std::chrono::hours(24), Interrupt::GetToken()))
-	{
-		Executor->Cancel(Id);
 		return false;
-	}
 	OnAnswer(*Answer->Result);
 	return true;
 }

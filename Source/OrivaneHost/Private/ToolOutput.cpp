@@ -4,21 +4,6 @@
 
 #include <algorithm>
 
-void ToolOutput::SetStrings(FJsonObject& Args, const char* Key, const TArray<FString>& Texts)
-{
-	FJsonArray Array;
-	for (const FString& Text : Texts)
-		Array.Add(Text);
-	if (!Texts.IsEmpty())
-		Args.SetArrayField(Key, std::move(Array));
-}
-
-void ToolOutput::SetNumber(FJsonObject& Args, const char* Key, TOptional<int32> Number)
-{
-	if (Number)
-		Args.SetNumberField(Key, *Number);
-}
-
 FString ToolOutput::GetText(const FJsonObject& Object, const char* Key)
 {
 	FString Text;

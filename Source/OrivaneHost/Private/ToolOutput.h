@@ -23,9 +23,6 @@ private:
 /** What the commands that call a tool and print its answer share. */
 namespace ToolOutput
 {
-/** Sets an argument of the tool, unless nothing was given for it. */
-void SetStrings(FJsonObject& Args, const char* Key, const TArray<FString>& Texts);
-void SetNumber(FJsonObject& Args, const char* Key, TOptional<int32> Number);
 /** A field's text fit for a terminal; "" when there is none. */
 FString GetText(const FJsonObject& Object, const char* Key);
 /** A field's elements; none when there is no such array. */

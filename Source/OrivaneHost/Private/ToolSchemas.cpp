@@ -1,7 +1,7 @@
 #include "ToolSchemas.h"
 
 #include "Core/Assert.h"
-#include "Quellar/AssetSearchService.h"
+#include "Quellar/ToolArguments.h"
 
 namespace
 {
@@ -33,24 +33,6 @@ TSharedPtr<FJsonObject> MakeOutput(const char* PayloadKey, const char* PayloadSc
 	return ParseSchema(FString(OutputStart) + "\"" + PayloadKey + "\": " + PayloadSchema + OutputEnd);
 }
 
-constexpr const char* AssetSearchInput = R"({
-"type": "object",
-"properties": {
-	"term": {"type": "string", "description": "Text to look for in names and values. Required; an empty text matches everything, but Blueprints are never searched for it: list other families."},
-	"mode": {"type": "string", "enum": ["contains", "exact"], "default": "contains", "description": "contains: the term occurs in the text; exact: the whole text equals the term."},
-	"case_sensitive": {"type": "boolean", "default": false, "description": "Whether upper and lower case differ."},
-	"include_asset_families": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Families of assets to search; empty: all. Material and NiagaraSystem match asset names only, unless the project's settings have them read in depth."},
-	"include_kinds": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Kinds of hits to ask for; only the widget kinds of Blueprints are selected by it."},
-	"path_contains": {"type": "string", "default": "", "description": "Only assets whose folder (for text files: whose path) contains this text, such as /Game/UI."},
-	"include_text_extensions": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Read for compatibility; the project settings' TextSearchExtensions decide which text files are searched."},
-	"max_hits_per_kind": {"type": "integer", "default": 10, "description": "Hits of one kind reported per asset, at least 1."},
-	"max_total_hits": {"type": "integer", "default": 200, "description": "Hits per family and assets in all; below 1 the assets are capped at 200."},
-	"max_hits_per_asset_type": {"type": "integer", "default": 25, "description": "Assets reported per asset type, at least 1."},
-	"prefer_editor_index": {"type": "boolean", "default": true, "description": "Read for compatibility; Blueprint contents always come from the index."}
-},
-"required": ["term"]
-})";
-
 constexpr const char* AssetSearchPayload = R"({"type": "object", "description": "What was found.",
 		"properties": {
 			"assets": {"type": "array", "description": "Assets in ascending path order.", "items": {"type": "object",
@@ -68,19 +50,6 @@ constexpr const char* AssetSearchPayload = R"({"type": "object", "description": 
 				"required": ["asset", "class", "truncated", "hits"]}},
 			"truncated": {"type": "boolean", "description": "Assets were left out; narrow the search or raise the caps."}},
 		"required": ["assets", "truncated"]})";
-
-constexpr const char* AssetGraphInput = R"({
-"type": "object",
-"properties": {
-	"asset_path": {"type": "string", "description": "Asset to start from, such as /Game/UI/W_Menu; \"asset\" in what asset_search answers."},
-	"relation": {"type": "string", "enum": ["Dependencies", "Referencers", "Both"], "default": "Dependencies", "description": "What it depends on, what refers to it, or both."},
-	"depth": {"type": "integer", "minimum": 1, "maximum": 2, "default": 1, "description": "Levels to walk."},
-	"max_nodes": {"type": "integer", "default": 150, "description": "Relations reported for a direction, at least 1."},
-	"max_fanout_per_node": {"type": "integer", "default": 50, "description": "Assets with more neighbours are listed, not walked through."},
-	"high_signal_only": {"type": "boolean", "default": true, "description": "Leave out materials, particle systems, meshes, textures and the like."}
-},
-"required": ["asset_path"]
-})";
 
 constexpr const char* AssetGraphPayload =
 	R"({"type": "object", "description": "relations and summary; for both directions a pair for each instead.",
@@ -107,22 +76,6 @@ constexpr const char* AssetGraphPayload =
 			"referencers_summary": {"type": "object", "description": "As summary."}},
 		"required": ["root", "direction", "truncated"]})";
 
-constexpr const char* PathSearchInput = R"({
-"type": "object",
-"properties": {
-	"term": {"type": "string", "minLength": 1, "description": "Text to look for in object paths (/Game/UI/W_Menu.W_Menu)."},
-	"mode": {"type": "string", "enum": ["contains", "exact"], "default": "contains", "description": "exact: equals the whole object path or asset name."},
-	"case_sensitive": {"type": "boolean", "default": false, "description": "Whether upper and lower case differ."},
-	"detail_mode": {"type": "string", "enum": ["directories", "files", "both"], "default": "directories", "description": "Hits by folder, as one list, or both."},
-	"path_contains": {"type": "string", "default": "", "description": "Only assets whose folder contains this."},
-	"class_filters": {"type": "array", "items": {"type": "string"}, "default": [], "description": "Only assets whose class path or asset type contains one of these."},
-	"max_file_results": {"type": "integer", "default": 200, "description": "Paths in the list."},
-	"max_directory_buckets": {"type": "integer", "default": 50, "description": "Folders."},
-	"max_files_per_directory": {"type": "integer", "default": 10, "description": "Paths in a folder."}
-},
-"required": ["term"]
-})";
-
 constexpr const char* PathSearchPayload = R"({"type": "object", "description": "What was found.",
 		"properties": {
 			"summary": {"type": "object", "description": "total_hits counts all; truncated: some are not listed.",
@@ -141,43 +94,99 @@ constexpr const char* PathSearchPayload = R"({"type": "object", "description": "
 			"files": {"type": "array", "description": "Object paths, ascending.", "items": {"type": "string"}}},
 		"required": ["summary"]})";
 
-TSharedPtr<FJsonObject> GetMember(const TSharedPtr<FJsonObject>& Object, const char* Key)
+FJsonArray MakeArray(const TArray<FString>& Words)
 {
-	TSharedPtr<FJsonObject> Member;
-	const bool bFound = Object->TryGetObjectField(Key, Member);
-	checkf(bFound, "a built-in schema has the members that are filled in");
-	return Member;
+	FJsonArray Array;
+	for (const FString& Word : Words)
+		Array.Add(Word);
+	return Array;
 }
 
-/** The families' names are the module's to say. */
-TSharedPtr<FJsonObject> MakeAssetSearchInput()
+const char* GetTypeWord(EToolArgument Type)
 {
-	FJsonArray Families;
-	for (const FString& Name : UAssetSearchService::GetFamilyNames())
-		Families.Add(Name);
-	const TSharedPtr<FJsonObject> Schema = ParseSchema(AssetSearchInput);
-	const auto FamilyList = GetMember(GetMember(Schema, "properties"), "include_asset_families");
-	GetMember(FamilyList, "items")->SetArrayField("enum", std::move(Families));
+	switch (Type)
+	{
+		case EToolArgument::Text:
+			return "string";
+		case EToolArgument::Flag:
+			return "boolean";
+		case EToolArgument::Integer:
+			return "integer";
+		case EToolArgument::TextList:
+			break;
+	}
+	return "array";
+}
+
+TSharedPtr<FJsonObject> MakeArgument(const FToolArgument& Argument)
+{
+	auto Schema = MakeShared<FJsonObject>();
+	Schema->SetStringField("type", GetTypeWord(Argument.Type));
+	const auto Words = Argument.Type == EToolArgument::TextList ? MakeShared<FJsonObject>() : Schema; // where they are limited
+	if (Argument.Type == EToolArgument::TextList)
+		Words->SetStringField("type", GetTypeWord(EToolArgument::Text));
+	if (Argument.MinLength > 0)
+		Schema->SetNumberField("minLength", Argument.MinLength);
+	if (!Argument.Choices.IsEmpty())
+		Words->SetArrayField("enum", MakeArray(Argument.Choices));
+	if (Argument.Type == EToolArgument::TextList)
+		Schema->SetObjectField("items", Words);
+	if (Argument.Maximum != INT32_MAX) // a range; what is below a cap's least value counts as that, and is no fault
+	{
+		Schema->SetNumberField("minimum", Argument.Minimum);
+		Schema->SetNumberField("maximum", Argument.Maximum);
+	}
+	if (!Argument.bRequired)
+		Schema->SetField("default", Argument.Default);
+	Schema->SetStringField("description", Argument.Help);
 	return Schema;
+}
+
+TSharedPtr<FJsonObject> MakeInput(const FToolDeclaration& Tool)
+{
+	auto Properties = MakeShared<FJsonObject>();
+	FJsonArray Required;
+	for (const FToolArgument& Argument : Tool.Arguments)
+	{
+		Properties->SetObjectField(Argument.Key, MakeArgument(Argument));
+		if (Argument.bRequired)
+			Required.Add(Argument.Key);
+	}
+	auto Schema = MakeShared<FJsonObject>();
+	Schema->SetStringField("type", "object");
+	Schema->SetObjectField("properties", Properties);
+	Schema->SetArrayField("required", std::move(Required));
+	return Schema;
+}
+
+struct FToolTexts
+{
+	const char* Name;
+	const char* Title;
+	const char* PayloadKey;
+	const char* PayloadSchema;
+};
+constexpr FToolTexts Texts[] = {
+	{ToolNames::AssetSearch, "Search assets by name or value", "content", AssetSearchPayload},
+	{ToolNames::AssetGraph, "Explore what assets depend on and refer to", "content", AssetGraphPayload},
+	{ToolNames::AssetPathSearch, "Find assets by path", ToolNames::AssetPathSearch, PathSearchPayload},
+};
+
+TArray<FToolSchema> MakeSchemas()
+{
+	TArray<FToolSchema> Schemas;
+	for (const FToolTexts& Tool : Texts)
+		Schemas.Add({.Name = Tool.Name,
+			.Title = Tool.Title,
+			.Input = MakeInput(*FindToolDeclaration(Tool.Name)),
+			.Output = MakeOutput(Tool.PayloadKey, Tool.PayloadSchema)});
+	return Schemas;
 }
 }
 
 const TArray<FToolSchema>& GetToolSchemas()
 {
-	static const TArray<FToolSchema> Schemas = {
-		{.Name = "asset_search",
-			.Title = "Search assets by name or value",
-			.Input = MakeAssetSearchInput(),
-			.Output = MakeOutput("content", AssetSearchPayload)},
-		{.Name = "explore_asset_graph",
-			.Title = "Explore what assets depend on and refer to",
-			.Input = ParseSchema(AssetGraphInput),
-			.Output = MakeOutput("content", AssetGraphPayload)},
-		{.Name = "asset_path_search",
-			.Title = "Find assets by path",
-			.Input = ParseSchema(PathSearchInput),
-			.Output = MakeOutput("asset_path_search", PathSearchPayload)},
-	};
+	static const TArray<FToolSchema> Schemas = MakeSchemas();
 	return Schemas;
 }
 

@@ -4,24 +4,53 @@
 #include "CoreObject/PackageName.h"
 #include "TextFileLookup.h"
 
+#include <algorithm>
+
 namespace
 {
-bool PackageHasAsset(const IAssetRegistry& Registry, const FString& PackageName)
+bool PackageHasAsset(const IAssetRegistry& Registry, FStringView PackageName)
 {
 	TArray<FAssetData> Assets;
-	Registry.GetAssetsByPackageName(PackageName, Assets);
+	if (const FName Package = Registry.FindPackage(PackageName); !Package.IsNone())
+		Registry.GetAssetsByPackageName(Package, Assets);
 	return !Assets.IsEmpty();
+}
+
+/** Also an asset that queries skip: who writes its whole path knows of it. */
+bool HasAssetAt(const IAssetRegistry& Registry, FStringView ObjectPath)
+{
+	TArray<FAssetData> Assets;
+	if (const FName Package = Registry.FindPackage(FPackageName::ObjectPathToPackageName(ObjectPath)); !Package.IsNone())
+		Registry.GetAssetsByPackageName(Package, Assets, false, false);
+	return Assets.ContainsByPredicate(
+		[ObjectPath](const FAssetData& Asset) { return Asset.GetObjectPathString() == FString(ObjectPath); });
+}
+
+/** Explorations take such a path for a name as it stands, and anything else for whatever converts to one. */
+bool BeginsWithEngineRoot(const FString& Path)
+{
+	return Path.StartsWith("/Game") || Path.StartsWith("/Script") || Path.StartsWith("/Engine");
+}
+
+bool RegistryKnowsName(const IAssetRegistry& Registry, FStringView Name)
+{
+	const auto NumDots = std::count(Name.begin(), Name.end(), '.');
+	return NumDots == 0 ? PackageHasAsset(Registry, Name) : NumDots == 1 && HasAssetAt(Registry, Name);
 }
 
 bool RegistryKnows(const IAssetRegistry& Registry, const FString& Path)
 {
-	if (Path.StartsWith("/") && PackageHasAsset(Registry, Path))
-		return true;
-	const FSoftObjectPath ObjectPath(Path.View());
-	if (ObjectPath.IsValid())
-		return Registry.GetAssetByObjectPath(ObjectPath).IsValid();
+	if (BeginsWithEngineRoot(Path))
+		return RegistryKnowsName(Registry, Path);
 	FString PackageName;
-	return FPackageName::TryConvertFilenameToLongPackageName(Path, PackageName) && PackageHasAsset(Registry, PackageName);
+	const FStringView Name = FPackageName::ExportTextPathToObjectPath(Path);
+	if (FPackageName::TryConvertPackageFileToLongPackageName(Name, PackageName))
+		return PackageHasAsset(Registry, PackageName);
+	if (!FPackageName::TryConvertFilenameToLongPackageName(Path, PackageName))
+		return false;
+	const std::size_t Dot = Name.find('.', Name.find_last_of("/\\") + 1);
+	return Dot == FStringView::npos ? PackageHasAsset(Registry, PackageName)
+									: HasAssetAt(Registry, PackageName + Name.substr(Dot));
 }
 }
 
@@ -29,6 +58,11 @@ bool FAssetOperationBase::AssetExists(const FString& Path)
 {
 	auto* Module = static_cast<FAssetRegistryModule*>(FModuleManager::Get().GetModule("AssetRegistry"));
 	return (Module && RegistryKnows(Module->Get(), Path)) || TextFileExists(Path);
+}
+
+void FAssetOperationBase::SetTextFileRule(FIsTextFile Rule)
+{
+	::SetTextFileRule(Rule);
 }
 
 FString FAssetOperationBase::SerializeJson(const TSharedPtr<FJsonObject>& Object)

@@ -1,9 +1,15 @@
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 
+#include "OrivaneToolkit/OrivaneSettings.h"
 #include "ToolExecutor.h"
 
 FOrivaneToolkitModule::FOrivaneToolkitModule() : Executor(MakeShared<Orivane::FToolExecutor>(Orivane::EExecutorClock::OwnThread))
 {
+}
+
+void FOrivaneToolkitModule::StartupModule()
+{
+	UOrivaneSettings::StaticClass();
 }
 
 FOrivaneToolkitModule::~FOrivaneToolkitModule() = default;

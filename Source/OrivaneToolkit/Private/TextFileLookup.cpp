@@ -1,150 +1,181 @@
 #include "TextFileLookup.h"
 
-#include "Core/File.h"
-#include "Core/FileTree.h"
+#include "Core/ProjectFolder.h"
+#include "Core/SeededHash.h"
 #include "Core/Unicode.h"
 
 #include <atomic>
-#include <filesystem>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace
 {
-namespace fs = std::filesystem;
+FIsTextFile TextFileRule = nullptr;
 
 std::string_view CutAtFirstDot(std::string_view Text)
 {
 	return Text.substr(0, Text.find('.'));
 }
 
+/** Names on disk need not be valid UTF-8; they are known by their repaired form. */
+std::string FoldName(std::string_view Name)
+{
+	return Unicode::Fold(Unicode::RepairUtf8(Name));
+}
+
+/** Names on disk by a folded form of theirs. */
+using FNames = std::unordered_multimap<std::string, std::string, SeededHash::FHashText>;
+
 /** What one folder held when it was listed. */
 struct FFolderListing
 {
-	struct FDottedFolder
-	{
-		std::string FoldedStem;
-		std::string Name;
-	};
-	std::unordered_set<std::string> FoldedFileStems;
-	std::vector<FDottedFolder> DottedFolders; // a path is cut at its first dot, which may stand in the name of a folder
-	fs::file_time_type FolderTime;
-	bool bSettled = false; // the folder had been quiet for a while, so its time tells of every later change
+	FNames FilesByStem;			// the stem is the name up to its first dot
+	FNames FoldersByName;		//
+	FNames DottedFoldersByStem; // a path is cut at its first dot, which may stand in the name of a folder
+	FFileStamp Stamp;
+	bool bSettled = false; // the stamp was when the folder was listed, so it tells of every later change
 };
 
-/** A folder's time has the kernel's tick as its grain: a change within the same tick as the listing would go unnoticed. */
-constexpr auto SettleTime = std::chrono::seconds(1);
-
-FFolderListing ListFolder(const FString& ProjectDir, const std::string& Folder, fs::file_time_type FolderTime)
+/** Folders of the open project, each listed anew when its stamp shows a change. Paths are relative to the project, "" or with a
+ * slash at the end, in the spelling of the disk. */
+class FFolderListings
 {
-	FFolderListing Listing;
-	Listing.FolderTime = FolderTime;
-	Listing.bSettled = fs::file_time_type::clock::now() - FolderTime > SettleTime;
+public:
+	explicit FFolderListings(const FString& InProjectDir) : ProjectDir(InProjectDir), Project(InProjectDir) {}
+
+	bool IsOf(const FString& OtherProjectDir) const { return ProjectDir.View() == OtherProjectDir.View() && Project.IsOpen(); }
+	/** Null when there is no such folder. Costs one look at the folder while nothing changes. */
+	const FFolderListing* Find(const std::string& Folder);
+	/** The folders whose paths equal the given one without regard to case. */
+	std::vector<std::string> FindFolders(std::string_view Path);
+	bool HoldsTextFile(const std::string& Folder, const std::string& FoldedStem);
+
+private:
+	FFolderListing List(const std::string& Folder, const FFileStamp& Stamp) const;
+	bool HoldsTextFileBelow(const std::string& Folder) const;
+
+	const FString ProjectDir;
+	const FProjectFolder Project;
+	std::unordered_map<std::string, FFolderListing, SeededHash::FHashText> Listings;
+};
+
+FFolderListing FFolderListings::List(const std::string& Folder, const FFileStamp& Stamp) const
+{
+	FFolderListing Listing{.Stamp = Stamp, .bSettled = Stamp.IsSettled()};
 
 	FFileTreeOptions Options;
 	Options.NumThreads = 1;
 	Options.EnterFolder = [&](std::string_view Name)
 	{
+		Listing.FoldersByName.emplace(FoldName(Name), Name);
 		if (Name.find('.') != std::string_view::npos)
-			Listing.DottedFolders.push_back({Unicode::Fold(CutAtFirstDot(Name)), std::string(Name)});
+			Listing.DottedFoldersByStem.emplace(FoldName(CutAtFirstDot(Name)), Name);
 		return false;
 	};
-	const FFileTree Files = FFileTree::List(ProjectDir.ToStdString() + Folder, Options); // follows no link below the project
+	const FFileTree Files = FFileTree::List(ProjectDir.ToStdString() + Folder, Options);
 	for (int32 Index = 0; Index < Files.Num(); ++Index)
-		Listing.FoldedFileStems.insert(Unicode::Fold(CutAtFirstDot(Files.GetRelativePath(Index))));
+	{
+		const std::string_view Name = Files.GetRelativePath(Index);
+		Listing.FilesByStem.emplace(FoldName(CutAtFirstDot(Name)), Name);
+	}
 	return Listing;
 }
 
-bool HoldsAnyFile(const FString& ProjectDir, const std::string& Folder)
+const FFolderListing* FFolderListings::Find(const std::string& Folder)
+{
+	FFileStamp Stamp;
+	if (!Project.GetFolderStamp(std::string_view(Folder).substr(0, Folder.empty() ? 0 : Folder.size() - 1), Stamp))
+	{
+		Listings.erase(Folder);
+		return nullptr;
+	}
+	FFolderListing& Listing = Listings[Folder];
+	if (!Listing.bSettled || Listing.Stamp != Stamp)
+		Listing = List(Folder, Stamp);
+	return &Listing;
+}
+
+std::vector<std::string> FFolderListings::FindFolders(std::string_view Path)
+{
+	std::vector<std::string> Found = {""};
+	while (!Path.empty() && !Found.empty())
+	{
+		const std::string Segment = Unicode::Fold(Path.substr(0, Path.find('/')));
+		Path.remove_prefix(Path.find('/') + 1);
+		std::vector<std::string> Deeper;
+		for (const std::string& Folder : Found)
+		{
+			const FFolderListing* const Listing = Find(Folder);
+			const auto [First, End] = Listing ? Listing->FoldersByName.equal_range(Segment)
+											  : std::pair<FNames::const_iterator, FNames::const_iterator>();
+			for (auto Name = First; Name != End; ++Name)
+				Deeper.push_back(Folder + Name->second + "/");
+		}
+		Found = std::move(Deeper);
+	}
+	return Found;
+}
+
+bool FFolderListings::HoldsTextFile(const std::string& Folder, const std::string& FoldedStem)
+{
+	const FFolderListing* const Listing = Find(Folder);
+	if (!Listing)
+		return false;
+	const auto [FirstFile, EndFiles] = Listing->FilesByStem.equal_range(FoldedStem);
+	if (std::any_of(FirstFile, EndFiles, [](const auto& File) { return TextFileRule(File.second); }))
+		return true;
+	const auto [FirstFolder, EndFolders] = Listing->DottedFoldersByStem.equal_range(FoldedStem);
+	return std::any_of(FirstFolder, EndFolders, [&](const auto& Dotted) { return HoldsTextFileBelow(Folder + Dotted.second); });
+}
+
+bool FFolderListings::HoldsTextFileBelow(const std::string& Folder) const
 {
 	std::stop_source FoundOne;
 	std::atomic<bool> bFound = false;
 	FFileTreeOptions Options;
 	Options.NumThreads = 1;
 	Options.Stop = FoundOne.get_token();
-	Options.KeepFile = [&](std::string_view)
+	Options.KeepFile = [&](std::string_view Path)
 	{
+		if (!TextFileRule(Path))
+			return false;
 		bFound = true;
-		FoundOne.request_stop();
-		return true;
+		return FoundOne.request_stop();
 	};
 	FFileTree::List(ProjectDir.ToStdString() + Folder, Options);
 	return bFound;
 }
 
-/** The spelling on disk of one folder name below Parent; "" when there is none. */
-std::string FindFolderName(const std::string& Parent, std::string_view Name)
+FFolderListings& GetListings(const FString& ProjectDir)
 {
-	std::error_code Error;
-	if (fs::is_directory(Parent + std::string(Name), Error))
-		return std::string(Name);
-	for (const fs::directory_entry& Entry : fs::directory_iterator(Parent, Error))
-	{
-		const std::string Candidate = Entry.path().filename().string();
-		if (Entry.is_directory(Error) && Unicode::EqualsFolded(Candidate, Name))
-			return Candidate;
-	}
-	return {};
+	static TUniquePtr<FFolderListings> Listings;
+	if (!Listings || !Listings->IsOf(ProjectDir))
+		Listings = MakeUnique<FFolderListings>(ProjectDir);
+	return *Listings;
+}
 }
 
-/** The spelling on disk of a folder path below the project, both with a trailing slash; false when there is none. */
-bool ResolveFolder(const FString& ProjectDir, std::string_view Folder, std::string& Out)
+void SetTextFileRule(FIsTextFile Rule)
 {
-	while (!Folder.empty())
-	{
-		const std::size_t Slash = Folder.find('/');
-		const std::string Name = FindFolderName(ProjectDir.ToStdString() + Out, Folder.substr(0, Slash));
-		if (Name.empty())
-			return false;
-		Out += Name + "/";
-		Folder.remove_prefix(Slash + 1);
-	}
-	return true;
-}
-
-/** Null when there is no such folder. Costs one look at the folder's time while nothing changes. */
-const FFolderListing* FindListing(const FString& ProjectDir, const std::string& Folder)
-{
-	static std::unordered_map<std::string, FFolderListing> Listings;
-	std::string Key = ProjectDir.ToStdString() + Folder;
-	std::error_code Error;
-	const fs::file_time_type FolderTime = fs::last_write_time(Key, Error);
-	if (Error)
-	{
-		Listings.erase(Key);
-		return nullptr;
-	}
-	FFolderListing& Listing = Listings[std::move(Key)];
-	if (!Listing.bSettled || Listing.FolderTime != FolderTime)
-		Listing = ListFolder(ProjectDir, Folder, FolderTime);
-	return &Listing;
-}
+	TextFileRule = Rule;
 }
 
 bool TextFileExists(const FString& Stem)
 {
 	const FString& ProjectDir = FPaths::ProjectDir();
 	const std::string_view Text = Stem.View();
-	const std::size_t Slash = Text.rfind('/');
-	const std::string_view FolderPart = Slash == std::string_view::npos ? std::string_view() : Text.substr(0, Slash + 1);
-	const bool bSafe = FolderPart.empty() || FPaths::IsSafeRelativePath(FolderPart.substr(0, Slash));
-	if (ProjectDir.IsEmpty() || !bSafe || Text.find('.') != std::string_view::npos || Text.find('\0') != std::string_view::npos)
+	if (!TextFileRule || ProjectDir.IsEmpty() || Text.find('.') != std::string_view::npos)
 		return false;
-
-	std::string Folder(FolderPart);
-	const FFolderListing* Listing = FindListing(ProjectDir, Folder);
-	if (!Listing && (Folder.clear(), ResolveFolder(ProjectDir, FolderPart, Folder)))
-		Listing = FindListing(ProjectDir, Folder);
-	if (!Listing)
-		return false;
-	const std::string FoldedStem = Unicode::Fold(Text.substr(FolderPart.size()));
-	if (Listing->FoldedFileStems.contains(FoldedStem))
+	const std::string_view FolderPath = Text.substr(0, Text.rfind('/') + 1); // npos + 1: no folder
+	const std::string FoldedStem = Unicode::Fold(Text.substr(FolderPath.size()));
+	FFolderListings& Listings = GetListings(ProjectDir);
+	const std::string AsSpelled(FolderPath);
+	if (Listings.HoldsTextFile(AsSpelled, FoldedStem)) // as results of a search are, at the cost of one look
 		return true;
-	for (const FFolderListing::FDottedFolder& Dotted : Listing->DottedFolders)
+	for (const std::string& Folder : Listings.FindFolders(FolderPath))
 	{
-		if (Dotted.FoldedStem == FoldedStem && HoldsAnyFile(ProjectDir, Folder + Dotted.Name))
+		if (Folder != AsSpelled && Listings.HoldsTextFile(Folder, FoldedStem))
 			return true;
 	}
 	return false;

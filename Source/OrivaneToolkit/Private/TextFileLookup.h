@@ -1,10 +1,11 @@
 #pragma once
 
-#include "Core/String.h"
+#include "OrivaneToolkit/AssetOperationBase.h"
 
+void SetTextFileRule(FIsTextFile Rule);
 /**
- * Whether the project folder holds a regular file whose relative path, cut at its first dot, equals Stem without regard to case.
- * Answers are always those of the file system as it is now: what was listed before is trusted only while its folder is unchanged.
- * Game thread.
+ * Whether the project holds a text file whose path relative to the project, cut at its first dot, equals Stem without regard to
+ * case, whichever of several folders that differ in case it lies in. No link is followed. Answers are always those of the file
+ * system as it is now: what was listed before is trusted only while its folder is unchanged. Game thread.
  */
 bool TextFileExists(const FString& Stem);

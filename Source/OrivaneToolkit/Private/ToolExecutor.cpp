@@ -1,10 +1,10 @@
 #include "ToolExecutor.h"
 
 #include "Core/Json.h"
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace Orivane
 {
@@ -18,10 +18,23 @@ bool IsSequential(ITool& Tool)
 		Mode == FString("sequential");
 }
 
+/** What a tool that was asked to stop may take to leave the game thread. */
+constexpr auto GraceTime = std::chrono::milliseconds(500);
+
+FToolExecutor::FTime Add(FToolExecutor::FTime Time, std::chrono::milliseconds Span)
+{
+	const auto Left = std::chrono::duration_cast<std::chrono::milliseconds>(FToolExecutor::FTime::max() - Time);
+	return Span < Left ? Time + Span : FToolExecutor::FTime::max();
+}
+
+FString DescribeSeconds(std::chrono::milliseconds Time)
+{
+	return FString::FromInt(std::chrono::ceil<std::chrono::seconds>(Time).count()) + " s";
+}
+
 FString DescribeTimeOut(const FToolCommand& Command, const FToolCallOptions& Options)
 {
-	const int64 Seconds = std::chrono::ceil<std::chrono::seconds>(Options.TimeLimit).count();
-	FString Text = FString::Printf("Tool '%s' did not complete within %d s", *Command.ToolName, static_cast<int>(Seconds));
+	const FString Text = "Tool '" + Command.ToolName + "' did not complete within " + DescribeSeconds(Options.TimeLimit);
 	const FString Explanation = Options.ExplainTimeOut ? Options.ExplainTimeOut(Command) : FString();
 	return Explanation.IsEmpty() ? Text : Text + ": " + Explanation;
 }
@@ -41,7 +54,35 @@ FToolExecutor::FToolExecutor(EExecutorClock InClock, std::function<FTime()> InNo
 		ClockThread = std::jthread([this](std::stop_token Stop) { RunClock(Stop); });
 }
 
-FToolExecutor::~FToolExecutor() = default;
+FToolExecutor::~FToolExecutor()
+{
+	StopClock();
+	std::map<FToolCallId, FCallPtr> Left;
+	{
+		std::lock_guard Guard(Lock);
+		Left.swap(OpenCalls);
+	}
+	for (const auto& [Id, Call] : Left)
+	{
+		Call->Stop.request_stop();
+		FToolResult Result(Call->Command);
+		Result.AddErrorMessage("Tool '" + Call->Command.ToolName + "' did not complete: its executor is shut down");
+		Call->OnAnswer.ExecuteIfBound(Result);
+		Call->OnAnswer.Unbind();
+	}
+}
+
+/** Whoever lets go of the executor last may be the clock's thread, in the middle of an answer. */
+void FToolExecutor::StopClock()
+{
+	if (!ClockThread.joinable())
+		return;
+	ClockThread.request_stop();
+	if (ClockThread.get_id() == std::this_thread::get_id())
+		ClockThread.detach();
+	else
+		ClockThread.join();
+}
 
 void FToolExecutor::RegisterTool(const FString& Name, const TSharedPtr<ITool>& Entry)
 {
@@ -101,6 +142,7 @@ bool FToolExecutor::Cancel(FToolCallId Id)
 	}
 	if (!Found || !Close(Found))
 		return false;
+	Found->Stop.request_stop();
 	DispatchNextSequential();
 	return true;
 }
@@ -115,10 +157,10 @@ void FToolExecutor::Dispatch(const FCallPtr& Call)
 {
 	{
 		std::lock_guard Guard(Lock);
-		Call->Deadline = Now() + Call->Options.TimeLimit;
+		Call->Dispatched = Now();
 		Call->bDispatched = true;
+		WakeClockIfSooner();
 	}
-	DeadlinesChanged.notify_all();
 	AsyncTask(ENamedThreads::GameThread,
 		[WeakThis = weak_from_this(), Call]
 		{
@@ -140,26 +182,58 @@ void FToolExecutor::DispatchNextSequential()
 	Dispatch(Next);
 }
 
+/** Lives while a call's tool is on the game thread. */
+class FToolExecutor::FOnThread
+{
+public:
+	FOnThread(FToolExecutor& InExecutor, const FCallPtr& Call) : Executor(InExecutor), Scope(Call->Stop.get_token())
+	{
+		std::lock_guard Guard(Executor.Lock);
+		Executor.OnThread.push_back(Call);
+	}
+	~FOnThread()
+	{
+		std::lock_guard Guard(Executor.Lock);
+		Executor.OnThread.pop_back();
+	}
+	FOnThread(const FOnThread&) = delete;
+	FOnThread& operator=(const FOnThread&) = delete;
+
+private:
+	FToolExecutor& Executor;
+	const FStopScope Scope;
+};
+
 void FToolExecutor::Run(const FCallPtr& Call)
 {
-	{
-		std::lock_guard Guard(Lock);
-		if (!OpenCalls.contains(Call->Id))
-			return;
-		Call->bStarted = true;
-	}
+	if (!Start(Call))
+		return;
 	// Taken out of the call: a tool that keeps its completion, and with it the call, must not keep itself alive.
 	const TSharedPtr<ITool> Tool = std::move(Call->Tool);
 	const auto Result = MakeShared<FToolResult>(Call->Command);
-	if (!Tool)
-	{
-		Result->AddErrorMessage(DescribeUnknownTool(Call->Command, GetToolNames()));
-		Answer(Call, *Result);
-		return;
-	}
-	// The completion owns the result, so a tool that completes late, after the caller was answered, still writes into live
-	// memory.
-	Tool->Execute(Call->Command, Result,
+	if (Tool)
+		return Execute(*Tool, Call, Result);
+	Result->AddErrorMessage(DescribeUnknownTool(Call->Command, GetToolNames()));
+	Answer(Call, *Result);
+}
+
+bool FToolExecutor::Start(const FCallPtr& Call)
+{
+	std::lock_guard Guard(Lock);
+	if (!OpenCalls.contains(Call->Id))
+		return false;
+	Call->bStarted = true;
+	Call->Deadline = Add(Now(), Call->Options.TimeLimit);
+	WakeClockIfSooner();
+	return true;
+}
+
+/** The completion owns the result, so a tool that completes late, after the caller was answered, still writes into live memory.
+ */
+void FToolExecutor::Execute(ITool& Tool, const FCallPtr& Call, const TSharedPtr<FToolResult>& Result)
+{
+	const FOnThread Here(*this, Call);
+	Tool.Execute(Call->Command, Result,
 		[WeakThis = weak_from_this(), Call, Result](FToolResult& Completed)
 		{
 			if (const auto This = WeakThis.lock())
@@ -170,40 +244,100 @@ void FToolExecutor::Run(const FCallPtr& Call)
 bool FToolExecutor::Close(const FCallPtr& Call)
 {
 	std::lock_guard Guard(Lock);
-	if (OpenCalls.erase(Call->Id) == 0)
+	if (!OpenCalls.contains(Call->Id))
 		return false;
+	Remove(Call);
+	return true;
+}
+
+void FToolExecutor::Remove(const FCallPtr& Call)
+{
+	OpenCalls.erase(Call->Id);
 	std::erase(SequentialQueue, Call);
 	if (RunningSequential == Call)
 		RunningSequential = nullptr;
-	return true;
 }
 
 void FToolExecutor::Answer(const FCallPtr& Call, FToolResult& Result)
 {
-	if (!Close(Call))
-		return;
+	if (Close(Call))
+		Deliver(Call, Result);
+}
+
+void FToolExecutor::Deliver(const FCallPtr& Call, FToolResult& Result)
+{
 	Call->OnAnswer.ExecuteIfBound(Result);
 	Call->OnAnswer.Unbind();
 	DispatchNextSequential();
 }
 
+void FToolExecutor::DeliverError(const FCallPtr& Call, const FString& Error)
+{
+	FToolResult Result(Call->Command);
+	Result.AddErrorMessage(Error);
+	Deliver(Call, Result);
+}
+
+FToolExecutor::FTime FToolExecutor::GetEnd(const FCall& Call) const
+{
+	if (Call.bStarted)
+		return Call.Deadline;
+	if (!Call.bDispatched)
+		return FTime::max();
+	if (!OnThread.empty())
+		return Add(std::max(OnThread.back()->Deadline, Call.Dispatched), GraceTime);
+	return Add(Call.Dispatched, Call.Options.TimeLimit); // something else than a tool holds the thread
+}
+
+FToolExecutor::FTime FToolExecutor::FindNextEnd() const
+{
+	FTime Next = FTime::max();
+	for (const auto& [Id, Open] : OpenCalls)
+		Next = std::min(Next, GetEnd(*Open));
+	return Next;
+}
+
+void FToolExecutor::WakeClockIfSooner()
+{
+	if (FindNextEnd() < ClockWakes)
+		DeadlinesChanged.notify_all();
+}
+
 void FToolExecutor::EndOverdueCalls()
 {
-	std::vector<FCallPtr> Overdue;
+	const auto Self = weak_from_this().lock(); // whom an answer reaches may let go of the executor
+	for (const FOverdueCall& Overdue : TakeOverdueCalls())
 	{
-		std::lock_guard Guard(Lock);
-		for (const auto& [Id, Open] : OpenCalls)
-		{
-			if (Open->bDispatched && Open->Deadline <= Now())
-				Overdue.push_back(Open);
-		}
+		Overdue.Call->Stop.request_stop();
+		DeliverError(Overdue.Call, DescribeEnd(Overdue));
 	}
-	for (const FCallPtr& Call : Overdue)
+}
+
+std::vector<FToolExecutor::FOverdueCall> FToolExecutor::TakeOverdueCalls()
+{
+	std::lock_guard Guard(Lock);
+	const FTime Time = Now();
+	std::vector<FOverdueCall> Overdue;
+	for (const auto& [Id, Open] : OpenCalls)
 	{
-		FToolResult Result(Call->Command);
-		Result.AddErrorMessage(DescribeTimeOut(Call->Command, Call->Options));
-		Answer(Call, Result);
+		if (GetEnd(*Open) <= Time)
+			Overdue.push_back({Open, Open->bStarted || OnThread.empty() ? nullptr : OnThread.back()});
 	}
+	for (const FOverdueCall& Each : Overdue)
+		Remove(Each.Call);
+	return Overdue;
+}
+
+FString FToolExecutor::DescribeEnd(const FOverdueCall& Overdue)
+{
+	const FCall& Call = *Overdue.Call;
+	if (Call.bStarted)
+		return DescribeTimeOut(Call.Command, Call.Options);
+	const FString CouldNotStart = "Tool '" + Call.Command.ToolName + "' could not start";
+	if (!Overdue.Holder)
+		return CouldNotStart + " within " + DescribeSeconds(Call.Options.TimeLimit) + ": the game thread is busy";
+	return CouldNotStart + ": it waited for tool '" + Overdue.Holder->Command.ToolName +
+		"', which still holds the game thread after its limit of " + DescribeSeconds(Overdue.Holder->Options.TimeLimit);
 }
 
 void FToolExecutor::RunClock(std::stop_token Stop)
@@ -212,25 +346,9 @@ void FToolExecutor::RunClock(std::stop_token Stop)
 	{
 		{
 			std::unique_lock Guard(Lock);
-			FTime Earliest = FTime::max();
-			for (const auto& [Id, Open] : OpenCalls)
-			{
-				if (Open->bDispatched)
-					Earliest = std::min(Earliest, Open->Deadline);
-			}
-			if (Earliest == FTime::max())
-				DeadlinesChanged.wait(Guard, Stop,
-					[this] {
-						return std::any_of(
-							OpenCalls.begin(), OpenCalls.end(), [](const auto& Open) { return Open.second->bDispatched; });
-					});
-			else
-				DeadlinesChanged.wait_until(Guard, Stop, Earliest,
-					[this, Earliest]
-					{
-						return std::any_of(OpenCalls.begin(), OpenCalls.end(),
-							[&](const auto& Open) { return Open.second->bDispatched && Open.second->Deadline < Earliest; });
-					});
+			ClockWakes = FindNextEnd();
+			DeadlinesChanged.wait_until(Guard, Stop, ClockWakes, [this] { return FindNextEnd() < ClockWakes; });
+			ClockWakes = FTime::min(); // awake: it looks before it sleeps again
 		}
 		EndOverdueCalls();
 	}

@@ -1,36 +1,12 @@
 #include "Quellar/AssetGraphOperation.h"
 
+#include "ArgumentTable.h"
 #include "AssetGraphJson.h"
+#include "Core/StopToken.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 
 namespace
 {
-constexpr int32 MaxToolDepth = 2;
-
-EAssetGraphDirection ReadDirection(const FJsonObject& Args)
-{
-	FString Word;
-	Args.TryGetStringField("relation", Word);
-	if (Word == "Referencers")
-		return EAssetGraphDirection::Referencers;
-	return Word == "Both" ? EAssetGraphDirection::Both : EAssetGraphDirection::Dependencies;
-}
-
-/** False without a path. */
-bool ReadParams(const FJsonObject& Args, FExploreAssetGraphParams& Params)
-{
-	if (!Args.TryGetStringField("asset_path", Params.AssetPath))
-		return false;
-	Params.Direction = ReadDirection(Args);
-	int32 Depth = 0;
-	if (Args.TryGetNumberField("depth", Depth))
-		Params.Depth = Depth >= MaxToolDepth ? MaxToolDepth : 1;
-	Args.TryGetNumberField("max_nodes", Params.MaxNodes);
-	Args.TryGetNumberField("max_fanout_per_node", Params.MaxFanoutPerNode);
-	Args.TryGetBoolField("high_signal_only", Params.bHighSignalOnly);
-	return true;
-}
-
 /** Joined, not formatted: a path may hold any character, a zero byte too. The direction is the one that was asked for, also where
  * the path names no package. */
 FString DescribeSuccess(const FExploreAssetGraphParams& Params, const FExploreAssetGraphResult& Found)
@@ -55,7 +31,7 @@ FString DescribeSuccess(const FExploreAssetGraphParams& Params, const FExploreAs
 void FAssetGraphOperation::Execute(const FJsonObject& Args, Orivane::FToolResult& Result)
 {
 	FExploreAssetGraphParams Params;
-	if (!ReadParams(Args, Params))
+	if (!ReadArguments(GetAssetGraphArguments(), Args, Params))
 	{
 		Result.AddErrorMessage("Missing required parameter 'asset_path'");
 		return;
@@ -68,6 +44,8 @@ void FAssetGraphOperation::Execute(const FJsonObject& Args, Orivane::FToolResult
 	}
 	FExploreAssetGraphResult Found;
 	UAssetGraphService::ExploreGraph(Params, Found);
+	if (IsStopRequested())
+		return;
 	Result.AddSuccessMessage(DescribeSuccess(Params, Found));
 	if (Found.bTruncated)
 		Result.AddWarningMessage(FString::Printf("Graph truncated at max_nodes=%d", Params.MaxNodes));

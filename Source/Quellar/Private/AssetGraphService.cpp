@@ -1,6 +1,7 @@
 #include "Quellar/AssetGraphService.h"
 
 #include "Core/HashMap.h"
+#include "Core/StopToken.h"
 #include "CoreObject/PackageSource.h"
 #include "Quellar/AssetPathExclusion.h"
 #include "Quellar/AssetPathUtils.h"
@@ -48,7 +49,7 @@ private:
 		int32 Parent; // index of the relation that led here
 	};
 
-	/** False when the budget ended the walk. */
+	/** False when the budget, or a stop, ended the walk. */
 	bool Expand(const FEntry& Entry);
 	/** False when the relation did not fit any more. */
 	bool Visit(const FEntry& From, FNode Neighbour, uint8 Flags);
@@ -93,7 +94,7 @@ bool FDirectionalWalk::Expand(const FEntry& Entry)
 		return true;
 	for (std::size_t Index = 0; Index < Neighbours.Nodes.size(); ++Index)
 	{
-		if (!Visit(Entry, Neighbours.Nodes[Index], Neighbours.Flags[Index]))
+		if (IsStopRequested() || !Visit(Entry, Neighbours.Nodes[Index], Neighbours.Flags[Index]))
 			return false;
 	}
 	return true;

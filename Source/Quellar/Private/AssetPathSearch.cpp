@@ -1,3 +1,4 @@
+#include "Core/StopToken.h"
 #include "Quellar/AssetPathSearchTypes.h"
 #include "Quellar/AssetRegistryUtils.h"
 #include "Quellar/AssetSearchService.h"
@@ -44,7 +45,8 @@ bool PassesClassFilters(const FTopLevelAssetPath& Class, const TArray<FString>& 
 {
 	const FString Path = Class.ToString(); // ends with the class name
 	const FString Kind = AssetTypeFromClassName(Class.AssetName);
-	return Filters.ContainsByPredicate([&](const FString& Filter) { return Path.Contains(Filter) || Kind.Contains(Filter); });
+	return Filters.ContainsByPredicate(
+		[&](const FString& Filter) { return IsStopRequested() || Path.Contains(Filter) || Kind.Contains(Filter); });
 }
 
 /** Takes hits in registry order, counts all and keeps what the caps allow. */
@@ -175,6 +177,8 @@ void FHitCollector::Add(FAssetPathView::FRange Hits)
 
 void FHitCollector::Finish()
 {
+	if (IsStopRequested())
+		return;
 	const auto Less = [](const FString& A, const FString& B) { return A < B; };
 	Result.Files.StableSort(Less);
 	Directories.StableSort([](const FDirectory& A, const FDirectory& B) { return A.Path < B.Path; });
@@ -207,7 +211,7 @@ void UAssetSearchService::AssetPathSearch(const FAssetPathSearchParams& Params, 
 			return;
 		if (ClassFilters.IsEmpty())
 			return Hits.Add(Range);
-		for (int32 Asset = Range.Begin; Asset < Range.End; ++Asset)
+		for (int32 Asset = Range.Begin; Asset < Range.End && !IsStopRequested(); ++Asset)
 		{
 			if (IsOfClass(Paths.GetClass(Asset)))
 				Hits.Add({Asset, Asset + 1});
@@ -216,7 +220,7 @@ void UAssetSearchService::AssetPathSearch(const FAssetPathSearchParams& Params, 
 	Paths.Find({.Text = Params.Term, .bExact = Params.MatchMode == 1, .Case = Case},
 		[&](FAssetPathView::FRange Range)
 		{
-			while (Range.Begin < Range.End)
+			while (Range.Begin < Range.End && !IsStopRequested())
 			{
 				const int32 End = Paths.FindEndOfFolder(Range);
 				AddFolder({Range.Begin, End});

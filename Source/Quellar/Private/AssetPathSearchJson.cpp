@@ -1,4 +1,4 @@
-#include "AssetPathSearchJson.h"
+#include "Quellar/AssetPathSearchJson.h"
 
 #include "Core/Json.h"
 

@@ -12,6 +12,18 @@ bool BeginsWithEngineRoot(const FString& Path)
 	return Path.StartsWith("/Game") || Path.StartsWith("/Script") || Path.StartsWith("/Engine");
 }
 
+/** In the registry's spelling where it knows the package. Names stay for good, so what is too long for one is refused. */
+bool MakeName(const FString& PackageName, FName& Out)
+{
+	if (PackageName.View().size() > FPackageName::MaxLongPackageNameBytes)
+		return false;
+	const IAssetRegistry* const Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
+	Out = Registry ? Registry->FindPackage(PackageName) : FName();
+	if (Out.IsNone())
+		Out = FName(PackageName);
+	return true;
+}
+
 bool HasSlash(const FString& Path)
 {
 	return Path.View().find_first_of("/\\") != FStringView::npos;
@@ -24,18 +36,9 @@ bool AssetPathUtils::NormalizeToPackageName(const FString& Path, FName& Out)
 		return false;
 	FString PackageName;
 	if (HasSlash(Path) && !BeginsWithEngineRoot(Path))
-	{
-		if (!FPackageName::TryConvertFilenameToLongPackageName(Path, PackageName))
-			return false;
-		Out = FName(PackageName);
-		return true;
-	}
-	const FStringView WithoutName = Path.View().substr(0, Path.View().rfind('.'));
-	PackageName = WithoutName;
-	if (!BeginsWithEngineRoot(PackageName))
-		return false;
-	Out = FName(PackageName);
-	return true;
+		return FPackageName::TryConvertFilenameToLongPackageName(Path, PackageName) && MakeName(PackageName, Out);
+	PackageName = Path.View().substr(0, Path.View().rfind('.'));
+	return BeginsWithEngineRoot(PackageName) && MakeName(PackageName, Out);
 }
 
 bool AssetPathUtils::GetRepresentativeAsset(const FName& Package, FAssetData& Out)

@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+DEFINE_LOG_CATEGORY(LogAssetRegistryUtils);
+
 namespace
 {
 std::mutex CachedRegistryLock;

@@ -1,53 +1,22 @@
 #include "Quellar/AssetSearchOperation.h"
 
+#include "ArgumentTable.h"
 #include "AssetSearchJson.h"
+#include "Core/StopToken.h"
 #include "CoreObject/PackageName.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Quellar/AssetSearchService.h"
 
 namespace
 {
-/** Elements that are no strings are left out; a key that holds no array leaves the list as it is. */
-void ReadStrings(const FJsonObject& Args, FStringView Key, TArray<FString>& Out)
-{
-	const FJsonArray* Elements = nullptr;
-	if (!Args.TryGetArrayField(Key, Elements))
-		return;
-	Out.Empty();
-	for (const FJsonValue& Element : *Elements)
-	{
-		FString Text;
-		if (Element.TryGetString(Text))
-			Out.Add(std::move(Text));
-	}
-}
-
-/** False without a term. */
-bool ReadParams(const FJsonObject& Args, FAssetSearchParams& Params)
-{
-	if (!Args.TryGetStringField("term", Params.Term))
-		return false;
-	FString Mode;
-	Args.TryGetStringField("mode", Mode);
-	Params.bExact = Mode == "exact";
-	Args.TryGetBoolField("case_sensitive", Params.bCaseSensitive);
-	ReadStrings(Args, "include_asset_families", Params.IncludeAssetFamilies);
-	ReadStrings(Args, "include_kinds", Params.IncludeKinds);
-	Args.TryGetStringField("path_contains", Params.PathContains);
-	ReadStrings(Args, "include_text_extensions", Params.IncludeTextExtensions);
-	Args.TryGetNumberField("max_hits_per_kind", Params.MaxHitsPerKind);
-	Args.TryGetNumberField("max_total_hits", Params.MaxTotalHits);
-	Args.TryGetNumberField("max_hits_per_asset_type", Params.MaxHitsPerAssetType);
-	Args.TryGetBoolField("prefer_editor_index", Params.bPreferEditorIndex);
-	return true;
-}
-
 /** The results whose asset still exists. */
 FAssetSearchResult KeepExisting(const FAssetSearchResult& Found)
 {
 	FAssetSearchResult Kept{.bTruncated = Found.bTruncated};
 	for (const FAssetResult& Asset : Found.Results)
 	{
+		if (IsStopRequested())
+			break;
 		if (FAssetOperationBase::AssetExists(FPackageName::ObjectPathToPackageName(Asset.AssetPath)))
 			Kept.Results.Add(Asset);
 	}
@@ -76,7 +45,7 @@ void FAssetSearchOperation::ExecuteAsync(
 	const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete)
 {
 	FAssetSearchParams Params;
-	if (!ReadParams(Args, Params))
+	if (!ReadArguments(GetAssetSearchArguments(), Args, Params))
 	{
 		Result.AddErrorMessage("Missing required parameter 'term'");
 		OnComplete.ExecuteIfBound(Result);

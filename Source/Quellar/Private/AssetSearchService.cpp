@@ -1,6 +1,7 @@
 #include "Quellar/AssetSearchService.h"
 
 #include "AssetTypeGroup.h"
+#include "Core/StopToken.h"
 #include "Families/BehaviorTreeFamily.h"
 #include "Families/BlackboardFamily.h"
 #include "Families/BlueprintFamily.h"
@@ -151,5 +152,10 @@ void UAssetSearchService::AssetSearch(const FAssetSearchParams& Params, FOnAsset
 	if (Tasks.IsEmpty())
 		Aggregate->FinishWithoutFamilies();
 	for (const FFamilySearchTask& Task : Tasks)
-		Task.Run.Execute([Aggregate](const FAssetSearchResult& Report) { Aggregate->Merge(Report); });
+	{
+		if (IsStopRequested())
+			Aggregate->Merge({});
+		else
+			Task.Run.Execute([Aggregate](const FAssetSearchResult& Report) { Aggregate->Merge(Report); });
+	}
 }

@@ -1,31 +1,48 @@
 #include "Quellar/BlueprintFindUtils.h"
 
 #include "BlueprintIndex/FindInBlueprintSearchManager.h"
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
+
+#include <functional>
+#include <stop_token>
 
 namespace
 {
 constexpr double PollingSeconds = 0.1;
-// Most searches take less than it takes to start a thread: this long the first look waits, so that it need not come twice.
-constexpr double ShortSearchSeconds = 0.005;
 constexpr int32 PollingPriority = 1;
 
 double GetSeconds()
 {
 	return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
+
+/** What a search that has ended found, with its lines. */
+TArray<TSharedPtr<FImaginaryFiBData>> CollectBlueprints(const FStreamSearch& Search)
+{
+	TArray<TSharedPtr<FImaginaryFiBData>> Found;
+	Search.GetFilteredImaginaryResults(Found);
+	for (const TSharedPtr<FImaginaryFiBData>& Blueprint : Found)
+		Blueprint->ExpandAllChildren();
+	return Found;
+}
 }
 
+/** Looks at one search until it has ended. */
 class FBlueprintFindUtils::FPollingRunnable final : public FRunnable
 {
 public:
-	explicit FPollingRunnable(FBlueprintFindUtils* InAdapter) : Adapter(InAdapter) {}
-
-	bool Init() override
+	/** On the thread that makes the search: its stop token counts. */
+	FPollingRunnable(FBlueprintFindUtils* InAdapter, const TSharedPtr<FStreamSearch>& InSearch)
+		: Adapter(InAdapter)
+		, Search(InSearch)
+		, OnStopRequest(GetStopToken(),
+			  [Weak = std::weak_ptr(InSearch)]
+			  {
+				  if (const auto Stopped = Weak.lock())
+					  Stopped->Stop();
+			  })
 	{
-		if (const TSharedPtr<FStreamSearch> Search = Adapter->GetStreamSearch())
-			Search->WaitForCompletion(ShortSearchSeconds);
-		return true;
 	}
 
 	uint32 Run() override
@@ -34,10 +51,12 @@ public:
 		while (!IsStopped())
 		{
 			const double Time = GetSeconds();
-			Adapter->UpdateSearchResults(Time, static_cast<float>(Time - LastTime));
+			if (Adapter->UpdateSearchResults(Time, static_cast<float>(Time - LastTime)) == EActiveTimerReturnType::Stop)
+				break;
 			LastTime = Time;
-			Pause();
+			Search->WaitForCompletion(PollingSeconds);
 		}
+		Search.reset();
 		return 0;
 	}
 
@@ -48,25 +67,14 @@ public:
 	}
 
 	/** Sets the flag alone. */
-	void RequestStop()
-	{
-		const std::lock_guard Guard(PauseLock);
-		StopFlag.exchange(1);
-		PauseEnded.notify_all();
-	}
+	void RequestStop() { StopFlag.exchange(1); }
 	bool IsStopped() const { return StopFlag != 0; }
 
 private:
-	void Pause()
-	{
-		std::unique_lock Guard(PauseLock);
-		PauseEnded.wait_for(Guard, std::chrono::duration<double>(PollingSeconds), [this] { return IsStopped(); });
-	}
-
 	FBlueprintFindUtils* const Adapter;
+	TSharedPtr<FStreamSearch> Search; // the polling thread's
 	std::atomic<int32> StopFlag = 0;
-	std::mutex PauseLock;
-	std::condition_variable PauseEnded;
+	const std::stop_callback<std::function<void()>> OnStopRequest;
 };
 
 FBlueprintFindUtils& FBlueprintFindUtils::Get()
@@ -82,7 +90,7 @@ FBlueprintFindUtils::FBlueprintFindUtils()
 
 FBlueprintFindUtils::~FBlueprintFindUtils()
 {
-	Abandon();
+	EndSearch(); // nobody is there any more to hear of it
 	OnCancelCacheAll();
 }
 
@@ -96,7 +104,7 @@ void FBlueprintFindUtils::MakeSearchQuery(
 	ClearResults();
 	if (SearchString.IsEmpty())
 		return;
-	Abandon();
+	EndSearch();
 	LaunchStreamThread(SearchString, Options, std::move(Callback));
 }
 
@@ -109,7 +117,7 @@ void FBlueprintFindUtils::LaunchStreamThread(
 		SearchValue = FText::FromString(SearchString);
 		StreamSearch = Search;
 		OnSearchComplete = std::move(Callback);
-		PollingRunnable = MakeShared<FPollingRunnable>(this);
+		PollingRunnable = MakeShared<FPollingRunnable>(this, Search);
 		PollingThread = FRunnableThread::Create(PollingRunnable.get(), "BlueprintSearchPolling", 0, PollingPriority);
 		if (PollingThread)
 			return;
@@ -120,19 +128,30 @@ void FBlueprintFindUtils::LaunchStreamThread(
 
 void FBlueprintFindUtils::Abandon()
 {
-	TSharedPtr<FStreamSearch> Search;
-	FOnBlueprintSearchComplete Callback; // let go of outside the lock: what it holds may do anything
+	const auto [Search, Callback] = EndSearch();
+	if (!Search)
+		return;
+	auto Found = CollectBlueprints(*Search);
+	std::stop_source Abandoned;
+	Abandoned.request_stop();
+	const FStopScope Scope(Abandoned.get_token());
+	Callback.ExecuteIfBound(Found);
+}
+
+std::pair<TSharedPtr<FStreamSearch>, FOnBlueprintSearchComplete> FBlueprintFindUtils::EndSearch()
+{
+	std::pair<TSharedPtr<FStreamSearch>, FOnBlueprintSearchComplete> Ended; // let go of outside the lock: it may do anything
 	{
 		const std::lock_guard Guard(Lock);
-		Search = std::move(StreamSearch);
-		Callback = std::exchange(OnSearchComplete, {});
+		Ended = {std::move(StreamSearch), std::exchange(OnSearchComplete, {})};
 	}
-	if (Search)
+	if (Ended.first)
 	{
-		Search->Stop();
-		Search->EnsureCompletion();
+		Ended.first->Stop();
+		Ended.first->EnsureCompletion();
 	}
 	ReleasePolling();
+	return Ended;
 }
 
 /** Waits for the polling thread, which must not wait for the lock meanwhile. */

@@ -3,6 +3,9 @@
 #include "Engine/Blueprint.h"
 #include "Quellar/AssetRegistryUtils.h"
 
+DEFINE_LOG_CATEGORY(LogClassLookupUtils);
+DEFINE_LOG_CATEGORY(LogEditorClassViewer);
+
 namespace
 {
 UClass* ResolveClass(const FString& NormalizedPath, const FString& Path)

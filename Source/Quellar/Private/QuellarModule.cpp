@@ -1,12 +1,15 @@
 #include "Quellar/QuellarModule.h"
 
 #include "Console/ExploreAssetGraphCommand.h"
+#include "Families/TextFamily.h"
+#include "OrivaneToolkit/AssetOperationBase.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/BlueprintFindUtils.h"
-#include "Quellar/ToolEntry.h"
+#include "Quellar/ToolArguments.h"
 
 void FQuellarModule::StartupModule()
 {
+	FAssetOperationBase::SetTextFileRule(&IsSearchableTextFile);
 	RegisterTools();
 	RegisterExploreAssetGraphCommand();
 }
@@ -17,20 +20,26 @@ void FQuellarModule::RegisterTools()
 	if (!Executor)
 		return;
 	AssetSearchEntry = MakeShared<FAssetSearchTool>();
-	Executor->RegisterTool("asset_search", AssetSearchEntry);
+	Executor->RegisterTool(ToolNames::AssetSearch, AssetSearchEntry);
 	AssetGraphEntry = MakeShared<FAssetGraphTool>();
-	Executor->RegisterTool("explore_asset_graph", AssetGraphEntry);
+	Executor->RegisterTool(ToolNames::AssetGraph, AssetGraphEntry);
 }
 
 void FQuellarModule::ShutdownModule()
 {
-	FBlueprintFindUtils::Get().Abandon();
 	const TSharedPtr<Orivane::IToolExecutor> Executor = FOrivaneToolkitModule::GetToolExecutor();
 	if (!Executor)
 		return;
-	Executor->UnregisterTool("asset_search");
-	Executor->UnregisterTool("explore_asset_graph");
-	Executor->UnregisterTool("asset_path_search");
+	Executor->UnregisterTool(ToolNames::AssetSearch);
+	Executor->UnregisterTool(ToolNames::AssetGraph);
+	Executor->UnregisterTool(ToolNames::AssetPathSearch);
+	// Calls that wait keep their entries; those under way are completed here, and the threads behind them end.
+	for (const TSharedPtr<FToolEntry>& Entry : {AssetSearchEntry, AssetGraphEntry, AssetPathSearchEntry})
+	{
+		if (Entry)
+			Entry->Close();
+	}
+	FBlueprintFindUtils::Get().Abandon();
 	AssetSearchEntry.reset();
 	AssetGraphEntry.reset();
 	AssetPathSearchEntry.reset();

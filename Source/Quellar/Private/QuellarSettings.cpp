@@ -18,14 +18,30 @@ UClass* UQuellarSettings::StaticClass()
 {
 	static UClass* const Class =
 		TClassBuilder<UQuellarSettings>("/Script/Quellar.QuellarSettings", UDeveloperSettings::StaticClass())
-			.Member("ExcludedDirectories", &UQuellarSettings::ExcludedDirectories)
-			.Member("bExcludeEnginePlugins", &UQuellarSettings::bExcludeEnginePlugins)
-			.Member("ExcludedPluginNames", &UQuellarSettings::ExcludedPluginNames)
-			.Member("TextSearchExtensions", &UQuellarSettings::TextSearchExtensions)
-			.Member("bEnableHighSignalFiltering", &UQuellarSettings::bEnableHighSignalFiltering)
-			.Member("DefaultMaxReferences", &UQuellarSettings::DefaultMaxReferences)
-			.Member("DefaultMaxGraphNodes", &UQuellarSettings::DefaultMaxGraphNodes)
-			.Member("DefaultMaxFanoutPerNode", &UQuellarSettings::DefaultMaxFanoutPerNode)
+			.ToolTip("Project settings for Orivane/Quellar behaviors.\n"
+					 "Exposed at: Project Settings → Plugins → Orivane Settings")
+			.Member("ExcludedDirectories", &UQuellarSettings::ExcludedDirectories,
+				{"Search", "Additional directories to exclude from Asset/Text searches (relative segments)."})
+			.Member("bExcludeEnginePlugins", &UQuellarSettings::bExcludeEnginePlugins,
+				{"Search", "Exclude Engine plugins (CommonUI, EnhancedInput, etc.) but keep project plugins."})
+			.Member("ExcludedPluginNames", &UQuellarSettings::ExcludedPluginNames,
+				{"Search", "Additional plugin names to exclude (e.g., \"CommonUI\", \"EnhancedInput\")."})
+			.Member("TextSearchExtensions", &UQuellarSettings::TextSearchExtensions,
+				{"Search",
+					"File extensions to include in text-based searches (lowercase, no dot). Editable in Project Settings."})
+			.Member("bEnableHighSignalFiltering", &UQuellarSettings::bEnableHighSignalFiltering,
+				{"References", "Enable high-signal kind filtering for reference queries (focus on code/logic/config assets)."})
+			.Member("DefaultMaxReferences", &UQuellarSettings::DefaultMaxReferences,
+				{"References", "Default maximum results for AssetFindReferences queries."})
+			.Member("DefaultMaxGraphNodes", &UQuellarSettings::DefaultMaxGraphNodes,
+				{"Graph", "Default maximum nodes for ExploreAssetGraph queries."})
+			.Member("DefaultMaxFanoutPerNode", &UQuellarSettings::DefaultMaxFanoutPerNode,
+				{"Graph", "Default maximum fanout per node (hub protection)."})
 			.Build();
 	return Class;
+}
+
+namespace
+{
+const FAutoNativeClass Registration(&UQuellarSettings::StaticClass);
 }

@@ -37,6 +37,12 @@ void FToolEntry::InvalidateMetadata()
 void FToolEntry::Execute(const Orivane::FToolCommand& Command, TSharedPtr<Orivane::FToolResult> Result,
 	TDelegate<void(Orivane::FToolResult&)> OnComplete)
 {
+	if (bClosed)
+	{
+		Result->AddErrorMessage("Tool '" + Command.ToolName + "' is not available any more: its module is shut down");
+		OnComplete.ExecuteIfBound(*Result);
+		return;
+	}
 	TSharedPtr<FJsonObject> Args;
 	if (!Json::ParseObject(Command.ArgumentsJson, Args))
 	{

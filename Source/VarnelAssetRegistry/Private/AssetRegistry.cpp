@@ -214,6 +214,13 @@ bool FAssetRegistry::HasPackage(FName PackageName) const
 	return State->Take()->Names.FindPackage(PackageName) != NoId;
 }
 
+FName FAssetRegistry::FindPackage(FStringView LongName) const
+{
+	const auto Current = State->Take();
+	const uint32 Package = Current->Image->FindPackage(LongName);
+	return Package == NoId ? FName() : Current->Names.GetNode(Package);
+}
+
 bool FAssetRegistry::GetDependencies(FName PackageName, TArray<FPackageDependency>& OutDependencies) const
 {
 	const auto Current = State->Take();

@@ -1,6 +1,7 @@
 #include "ClassTable.h"
 
 #include "Core/Unicode.h"
+#include "CoreObject/PackageName.h"
 
 #include <algorithm>
 #include <numeric>
@@ -80,9 +81,9 @@ void FClassTable::AddDeclared(const TArray<std::pair<FTopLevelAssetPath, FTopLev
 
 void FClassTable::AddGenerated(std::string_view Class, std::string_view Parent, std::string_view NativeParent)
 {
-	Class = StripExportForm(Class);
-	Parent = StripExportForm(Parent);
-	NativeParent = StripExportForm(NativeParent);
+	Class = FPackageName::ExportTextPathToObjectPath(Class);
+	Parent = FPackageName::ExportTextPathToObjectPath(Parent);
+	NativeParent = FPackageName::ExportTextPathToObjectPath(NativeParent);
 	if (!IsClassPath(Class))
 		return;
 	const uint32 Id = Paths.Add(Class);

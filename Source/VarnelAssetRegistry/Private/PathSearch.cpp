@@ -1,5 +1,6 @@
 #include "PathSearch.h"
 
+#include "Core/StopToken.h"
 #include "Core/Unicode.h"
 #include "TextRun.h"
 #include "TrigramIndex.h"
@@ -87,6 +88,8 @@ uint32 FPathSearch::FindPackagesIn(FRowRange Packages)
 	for (std::size_t At = 0; (At = Finder.Find(Run.Bytes, At)) != std::string_view::npos;
 		 At = Run.GetStart(Next - Packages.Begin))
 	{
+		if (IsStopRequested())
+			break;
 		const uint32 Found = Run.FindText(At, Next - Packages.Begin);
 		const std::size_t PrefixBytes = At - Run.GetStart(Found) + Piece.size();
 		Next = FindEndOfPrefix(Packages.Begin + Found, PrefixBytes);
@@ -141,7 +144,7 @@ void FPathSearch::VisitMatching(FRowRange Assets)
 {
 	if (!bVerify && Assets.Num() > 0)
 		Visit(Assets);
-	for (uint32 Asset = Assets.Begin; bVerify && Asset < Assets.End; ++Asset)
+	for (uint32 Asset = Assets.Begin; bVerify && Asset < Assets.End && !IsStopRequested(); ++Asset)
 	{
 		if (Matches(Asset))
 			Visit({Asset, Asset + 1});
@@ -153,6 +156,8 @@ void FPathSearch::VisitOwnNamed(uint32 EndAsset)
 {
 	for (; NextOwnNamed < Tables.OwnNamedAssets.size() && Tables.OwnNamedAssets[NextOwnNamed] < EndAsset; ++NextOwnNamed)
 	{
+		if (IsStopRequested())
+			return;
 		const uint32 Asset = Tables.OwnNamedAssets[NextOwnNamed];
 		if (MayMatch(Asset) && (!bVerify || Matches(Asset)))
 			Visit({Asset, Asset + 1});

@@ -19,7 +19,7 @@ class FPathSearch
 {
 public:
 	FPathSearch(const FRegistryImage& InImage, const FAssetPathQuery& Query, std::function<void(FRowRange Assets)> InVisit);
-	/** Visits what matches, ascending. */
+	/** Visits what matches, ascending; a stop, see Core/StopToken.h, ends it early. */
 	void Run();
 
 private:

@@ -230,12 +230,16 @@ void FRegistryBuilder::AddEntries()
 
 void FRegistryBuilder::AddDependencies()
 {
+	FTextTable& Nodes = Texts(EZone::Nodes);
+	FTextTable Others(ESearchCase::IgnoreCase); // names without a file
+	const uint32 NumPackages = Nodes.Num();
 	TTextMap MapNode(Input, EZone::Nodes,
-		[this, &Nodes = Texts(EZone::Nodes)](std::string_view Name)
+		[&](std::string_view Name)
 		{
-			const uint32 Node = Nodes.Add(Name);
-			bNodeRespelled |= Nodes.Get(Node) != Name;
-			return Node;
+			const uint32 Package = Nodes.Find(Name);
+			const uint32 Other = Package == NoId ? Others.Add(Name) : NoId;
+			bNodeRespelled |= (Package == NoId ? Others.Get(Other) : Nodes.Get(Package)) != Name;
+			return Package == NoId ? NumPackages + Other : Package;
 		});
 	Draft.FirstDependencies = {0};
 	for (const FPackageDraft& Package : Input.Packages)
@@ -249,7 +253,10 @@ void FRegistryBuilder::AddDependencies()
 		}
 		Draft.FirstDependencies.push_back(static_cast<uint32>(Draft.DependencyTargets.size()));
 	}
-	Draft.FirstDependencies.resize(std::size_t{Texts(EZone::Nodes).Num()} + 1, Draft.FirstDependencies.back());
+	const std::vector<uint32> Places = AppendSorted(Others, Nodes);
+	for (uint32& Target : Draft.DependencyTargets)
+		Target = Target < NumPackages ? Target : Places[Target - NumPackages];
+	Draft.FirstDependencies.resize(std::size_t{Nodes.Num()} + 1, Draft.FirstDependencies.back());
 	AddReferencers();
 }
 
@@ -357,7 +364,6 @@ bool FRegistryBuilder::IsRespelled(const FPackageDraft& Package, uint32 Row) con
 
 void FRegistryBuilder::AddTexts()
 {
-	Draft.NodeSlots = Texts(EZone::Nodes).TakeSlots();
 	std::size_t NumTexts = 0;
 	std::size_t NumBytes = 0;
 	for (const FTextTable& Zone : Zones)

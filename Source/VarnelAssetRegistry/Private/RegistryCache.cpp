@@ -1,6 +1,6 @@
 #include "RegistryCache.h"
 
-#include "Checksum.h"
+#include "Core/Checksum.h"
 #include "Core/File.h"
 #include "FolderText.h"
 
@@ -58,6 +58,17 @@ FDescriptor OpenFolder(const FString& Start, const FString& Inner, EMissingFolde
 	return Folder;
 }
 
+/** Of a file that is something else no more than the start is read. */
+EImageState LookAtStart(int Descriptor)
+{
+	struct stat Status;
+	char Start[FRegistryImage::NumStartBytes];
+	const ssize_t NumRead = pread(Descriptor, Start, sizeof Start, 0);
+	if (NumRead < 0 || fstat(Descriptor, &Status) != 0)
+		return EImageState::Foreign;
+	return FRegistryImage::LookAtStart({Start, static_cast<std::size_t>(NumRead)}, static_cast<std::size_t>(Status.st_size));
+}
+
 bool WriteAll(int Descriptor, std::string_view Bytes)
 {
 	while (!Bytes.empty())
@@ -90,7 +101,7 @@ FRegistryCache::FRegistryCache(const FString& ProjectFolder, const FString& Cach
 	if (bInside)
 		FileName += "AssetRegistry.cache";
 	else
-		FileName += FString::Printf("AssetRegistry-%016llx.cache", static_cast<unsigned long long>(HashBytes(Project)));
+		FileName += FString::Printf("AssetRegistry-%016llx.cache", static_cast<unsigned long long>(ChecksumOf(Project)));
 }
 
 TSharedPtr<const FRegistryImage> FRegistryCache::Read(EImageState& OutState) const
@@ -101,7 +112,11 @@ TSharedPtr<const FRegistryImage> FRegistryCache::Read(EImageState& OutState) con
 		return nullptr;
 	const FString Name = FPaths::GetCleanFilename(FileName);
 	const FDescriptor File(openat(Folder.Get(), *Name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC));
-	return File.IsOpen() ? FRegistryImage::Open(FImageBytes::Map(File.Get()), OutState) : nullptr;
+	if (!File.IsOpen())
+		return nullptr;
+	// Mapped, the file would go on changing in place under a program that has checked it.
+	OutState = LookAtStart(File.Get());
+	return OutState == EImageState::Sound ? FRegistryImage::Open(FImageBytes::Read(File.Get()), OutState) : nullptr;
 }
 
 bool FRegistryCache::Write(const FRegistryImage& Image) const

@@ -15,7 +15,7 @@ public:
 
 	/** Absolute. In a folder that projects may share the name tells them apart. */
 	const FString& GetFileName() const { return FileName; }
-	/** The image, mapped; null when there is no sound one, with the reason. */
+	/** The image, read into memory; null when there is no sound one, with the reason. */
 	TSharedPtr<const FRegistryImage> Read(EImageState& OutState) const;
 	/** Creates the folder, writes to a temporary name in it and renames. False when that does not work. */
 	bool Write(const FRegistryImage& Image) const;

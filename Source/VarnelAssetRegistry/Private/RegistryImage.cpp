@@ -1,21 +1,23 @@
 #include "RegistryImage.h"
 
 #include "AssetObjectPath.h"
-#include "Checksum.h"
+#include "Core/Checksum.h"
+#include "Core/Tasks.h"
 #include "Core/Unicode.h"
 #include "TableChecks.h"
-#include "TextTable.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <type_traits>
 
 namespace
 {
 constexpr std::array<char, 8> ImageMagic = {'V', 'A', 'R', 'N', 'R', 'E', 'G', '\n'};
-constexpr uint32 ImageVersion = 5; // counts up with every change to the columns, their meaning or their order
+constexpr uint32 ImageVersion = 6; // counts up with every change to the columns, their meaning or their order
 constexpr uint32 OwnByteOrder = 0x01020304;
 constexpr std::size_t ColumnAlignment = 64;
+constexpr std::size_t ParallelBytes = 4 * 1024 * 1024; // smaller images are not worth the threads
 
 struct FColumnPlace
 {
@@ -38,6 +40,8 @@ struct FImageHeader
 };
 static_assert(std::has_unique_object_representations_v<FImageHeader>, "no byte of the header may be left to chance");
 
+static_assert(sizeof(FImageHeader) <= FRegistryImage::NumStartBytes);
+
 uint64 AlignUp(uint64 Offset)
 {
 	return (Offset + ColumnAlignment - 1) / ColumnAlignment * ColumnAlignment;
@@ -46,7 +50,7 @@ uint64 AlignUp(uint64 Offset)
 uint64 HashHeader(FImageHeader Header)
 {
 	Header.Hash = 0;
-	return HashBytes(std::string_view(reinterpret_cast<const char*>(&Header), sizeof(Header)));
+	return ChecksumOf(std::string_view(reinterpret_cast<const char*>(&Header), sizeof(Header)));
 }
 
 template <class TColumn>
@@ -80,7 +84,7 @@ void CopyColumns(FRegistryDraft& Draft, FImageHeader& Header, char* Target)
 			std::memset(Target + End, 0, Place.Offset - End);
 			if (Place.NumBytes > 0)
 				std::memcpy(Target + Place.Offset, Column.data(), Place.NumBytes);
-			Place.Hash = HashBytes(std::string_view(Target + Place.Offset, Place.NumBytes));
+			Place.Hash = ChecksumOf(std::string_view(Target + Place.Offset, Place.NumBytes));
 			End = Place.Offset + Place.NumBytes;
 			Column = {};
 		});
@@ -110,26 +114,33 @@ bool ReadHeader(std::string_view Bytes, FImageHeader& Header)
 }
 
 /** Every column lies where Build would have put it, and holds whole elements. */
-bool ArePlacesSound(std::string_view Bytes, const FImageHeader& Header)
+bool ArePlacesSound(std::size_t NumBytes, const FImageHeader& Header)
 {
 	uint64 End = sizeof(FImageHeader);
 	std::size_t Index = 0;
-	bool bSound = Header.NumBytes == Bytes.size();
+	bool bSound = Header.NumBytes == NumBytes;
 	FRegistryTables().ForEach(
 		[&](auto& Column)
 		{
 			const FColumnPlace& Place = Header.Columns[Index++];
-			bSound = bSound && Place.Offset == AlignUp(End) && Place.Offset <= Bytes.size() &&
-				Place.NumBytes <= Bytes.size() - Place.Offset && Place.NumBytes % sizeof(Column[0]) == 0;
+			bSound = bSound && Place.Offset == AlignUp(End) && Place.Offset <= NumBytes &&
+				Place.NumBytes <= NumBytes - Place.Offset && Place.NumBytes % sizeof(Column[0]) == 0;
 			End = Place.Offset + Place.NumBytes;
 		});
-	return bSound && AlignUp(End) == Bytes.size();
+	return bSound && AlignUp(End) == NumBytes;
 }
 
 bool AreHashesRight(std::string_view Bytes, const FImageHeader& Header)
 {
-	return std::all_of(Header.Columns.begin(), Header.Columns.end(),
-		[Bytes](const FColumnPlace& Place) { return HashBytes(Bytes.substr(Place.Offset, Place.NumBytes)) == Place.Hash; });
+	std::atomic<bool> bRight = true;
+	const auto Check = [&](int32 Column, int32, int32)
+	{
+		const FColumnPlace& Place = Header.Columns[static_cast<std::size_t>(Column)];
+		if (ChecksumOf(Bytes.substr(Place.Offset, Place.NumBytes)) != Place.Hash)
+			bRight = false;
+	};
+	ParallelFor(static_cast<int32>(NumColumns), 1, Check, Bytes.size() < ParallelBytes ? 1 : 0);
+	return bRight;
 }
 }
 
@@ -149,14 +160,23 @@ TSharedPtr<const FRegistryImage> FRegistryImage::Build(FRegistryDraft&& Draft, c
 	return Image;
 }
 
-TSharedPtr<const FRegistryImage> FRegistryImage::Open(FImageBytes Bytes, EImageState& OutState)
+EImageState FRegistryImage::LookAtStart(std::string_view Start, std::size_t NumFileBytes)
 {
 	FImageHeader Header;
-	OutState = EImageState::Foreign;
-	if (!ReadHeader(Bytes.View(), Header))
+	if (!ReadHeader(Start, Header))
+		return EImageState::Foreign;
+	const bool bSound = HashHeader(Header) == Header.Hash && ArePlacesSound(NumFileBytes, Header);
+	return bSound ? EImageState::Sound : EImageState::Damaged;
+}
+
+TSharedPtr<const FRegistryImage> FRegistryImage::Open(FImageBytes Bytes, EImageState& OutState)
+{
+	OutState = LookAtStart(Bytes.View(), Bytes.View().size());
+	if (OutState != EImageState::Sound)
 		return nullptr;
 	OutState = EImageState::Damaged;
-	if (HashHeader(Header) != Header.Hash || !ArePlacesSound(Bytes.View(), Header) || !AreHashesRight(Bytes.View(), Header))
+	FImageHeader Header;
+	if (!ReadHeader(Bytes.View(), Header) || !AreHashesRight(Bytes.View(), Header))
 		return nullptr;
 	const auto Image = MakeShared<FRegistryImage>();
 	Image->Bytes = std::move(Bytes);
@@ -174,7 +194,6 @@ TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 	Draft.TextStarts = {0};
 	Draft.NameTrigrams.Starts = {0};
 	Draft.EntryTrigrams.Starts = {0};
-	Draft.NodeSlots.resize(1);
 	for (std::vector<uint32>* First :
 		{&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstUses, &Draft.FirstTags, &Draft.FirstClassAssets,
 			&Draft.FirstClassChildren, &Draft.FirstDependencies, &Draft.FirstReferencers, &Draft.FirstRootFiles})
@@ -184,21 +203,21 @@ TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 
 uint32 FRegistryImage::FindNode(std::string_view Name) const
 {
-	return FindTextSlot(Tables.NodeSlots, Unicode::HashFolded(Name),
-		[this, Name](uint32 Node) { return Unicode::EqualsFolded(Tables.GetText(EZone::Nodes, Node), Name); });
+	const std::string Folded = Unicode::Fold(Name);
+	const uint32 Package = FindSorted(EZone::Nodes, {0, NumPackages()}, Folded);
+	return Package != NoId ? Package : FindSorted(EZone::Nodes, {NumPackages(), NumNodes()}, Folded);
 }
 
 uint32 FRegistryImage::FindPackage(std::string_view Name) const
 {
-	const uint32 Node = FindNode(Name);
-	return Node < NumPackages() ? Node : NoId;
+	return FindSorted(EZone::Nodes, {0, NumPackages()}, Unicode::Fold(Name));
 }
 
-/** First of the zone's Num sorted texts that is not below a folded text. */
-uint32 FRegistryImage::LowerBound(EZone Zone, uint32 Num, std::string_view Folded) const
+/** First of a zone's sorted texts that is not below a folded text; the end of the range when all are. */
+uint32 FRegistryImage::LowerBound(EZone Zone, FRowRange Sorted, std::string_view Folded) const
 {
-	uint32 Begin = 0;
-	while (Num > 0)
+	uint32 Begin = Sorted.Begin;
+	for (uint32 Num = Sorted.Num(); Num > 0;)
 	{
 		const uint32 Half = Num / 2;
 		const bool bBelow = Tables.GetFolded(Zone, Begin + Half) < Folded;
@@ -208,26 +227,31 @@ uint32 FRegistryImage::LowerBound(EZone Zone, uint32 Num, std::string_view Folde
 	return Begin;
 }
 
+uint32 FRegistryImage::FindSorted(EZone Zone, FRowRange Sorted, std::string_view Folded) const
+{
+	const uint32 Found = LowerBound(Zone, Sorted, Folded);
+	return Found < Sorted.End && Tables.GetFolded(Zone, Found) == Folded ? Found : NoId;
+}
+
 uint32 FRegistryImage::FindClass(std::string_view Path) const
 {
-	const std::string Folded = Unicode::Fold(Path);
-	const uint32 Found = LowerBound(EZone::Classes, NumClasses(), Folded);
-	return Found < NumClasses() && Tables.GetFolded(EZone::Classes, Found) == Folded ? Found : NoId;
+	return FindSorted(EZone::Classes, {0, NumClasses()}, Unicode::Fold(Path));
 }
 
 FRowRange FRegistryImage::FindPackagesBelow(std::string_view Folder) const
 {
 	std::string Prefix = Unicode::Fold(Folder) + '/';
-	const uint32 Begin = LowerBound(EZone::Nodes, NumPackages(), Prefix);
+	const FRowRange Packages = {0, NumPackages()};
+	const uint32 Begin = LowerBound(EZone::Nodes, Packages, Prefix);
 	Prefix.back() = '/' + 1;
-	return {Begin, std::max(Begin, LowerBound(EZone::Nodes, NumPackages(), Prefix))};
+	return {Begin, std::max(Begin, LowerBound(EZone::Nodes, Packages, Prefix))};
 }
 
 FRowRange FRegistryImage::FindFolders(std::string_view Folder) const
 {
 	const std::string Folded = Unicode::Fold(Folder);
 	const uint32 NumFolders = Tables.NumTexts(EZone::Folders);
-	const uint32 Begin = LowerBound(EZone::Folders, NumFolders, Folded);
+	const uint32 Begin = LowerBound(EZone::Folders, {0, NumFolders}, Folded);
 	uint32 End = Begin;
 	while (End < NumFolders && Tables.GetFolded(EZone::Folders, End) == Folded)
 		++End;

@@ -23,9 +23,8 @@ enum class EImageState : uint8
 };
 
 /**
- * The registry at one moment: all columns in one block of bytes that holds no pointers. The same block lies in memory after a
- * scan, in the cache file, and in memory mapped from there. Immutable; any thread. The same project gives the same bytes, however
- * it was read.
+ * The registry at one moment: all columns in one block of bytes that holds no pointers. The same block lies in memory and in
+ * the cache file. Immutable; any thread. The same project gives the same bytes, however it was read.
  */
 class FRegistryImage
 {
@@ -34,6 +33,9 @@ public:
 	static TSharedPtr<const FRegistryImage> Build(FRegistryDraft&& Draft, const FImageKey& Key);
 	/** Takes bytes of unknown origin: null, with the reason, unless they are an image, undamaged, of this version and machine. */
 	static TSharedPtr<const FRegistryImage> Open(FImageBytes Bytes, EImageState& OutState);
+	/** What the start of a file of that size tells: Sound when the rest is worth reading. */
+	static EImageState LookAtStart(std::string_view Start, std::size_t NumFileBytes);
+	static constexpr std::size_t NumStartBytes = 4096; // that tell
 	/** An image without packages. */
 	static TSharedPtr<const FRegistryImage> MakeEmpty();
 
@@ -71,7 +73,9 @@ public:
 	FRegistryImage() = default; // for the functions above
 
 private:
-	uint32 LowerBound(EZone Zone, uint32 Num, std::string_view Folded) const;
+	uint32 LowerBound(EZone Zone, FRowRange Sorted, std::string_view Folded) const;
+	/** NoId when no text of the range equals the folded one. */
+	uint32 FindSorted(EZone Zone, FRowRange Sorted, std::string_view Folded) const;
 
 	FImageBytes Bytes;
 	FImageKey Key;

@@ -1,6 +1,6 @@
 #include "RegistryScan.h"
 
-#include "Checksum.h"
+#include "Core/Checksum.h"
 #include "Core/Unicode.h"
 #include "RegistryCache.h"
 
@@ -27,11 +27,11 @@ private:
 
 uint64 MakeReadersKey(const FRegistryScanOptions& Options)
 {
-	// Images hold hashes of folded texts: a program that folds or hashes otherwise must not use them.
-	std::string Text = std::to_string(Unicode::HashFolded("Grüße, ΑΣ и Ѣ! 0123456789 abcdefghijklmnopqrstuvwxyz"));
+	// Images hold folded texts and are ordered by them: a program that folds otherwise must not use them.
+	std::string Text = Unicode::Fold("Grüße, ΑΣ и Ѣ! Kelvin \u212A");
 	for (const IPackageSource* Source : Options.Sources)
 		Text += ':' + std::to_string(Source->GetHeaderVersion()) + '.' + std::to_string(Source->GetExtensionLength());
-	return HashBytes(Text);
+	return ChecksumOf(Text);
 }
 
 uint64 MakeClassesKey(const FRegistryScan::FClassParents& ClassParents)
@@ -39,7 +39,7 @@ uint64 MakeClassesKey(const FRegistryScan::FClassParents& ClassParents)
 	std::string Text;
 	for (const auto& [Child, Parent] : ClassParents)
 		Text.append(Child.ToString()).append(":").append(Parent.ToString()).append("\n");
-	return HashBytes(Text);
+	return ChecksumOf(Text);
 }
 
 void AddProgress(std::atomic<int32>* Counter, std::size_t Num)

@@ -19,8 +19,8 @@ inline constexpr uint32 NoId = UINT32_MAX;
  */
 enum class EZone : uint8
 {
-	Nodes,	 // long package names: those with a file in registry order, then those that only others refer to. A node's id is its
-			 // text's id
+	Nodes,	 // long package names: those with a file, then those that only others refer to, each part in registry order. A node's
+			 // id is its text's id
 	Folders, // of packages, in registry order
 	Classes, // class paths, in registry order
 	Names,	 // of assets, and the object paths of their outers
@@ -36,13 +36,6 @@ namespace EAssetFlags
 {
 inline constexpr uint8 RegistryFiltered = 1;
 }
-
-/** Place in a hash table of texts without regard to case; free when Id is NoId. */
-struct FTextSlot
-{
-	uint32 Hash = 0; // lower half of the text's hash
-	uint32 Id = NoId;
-};
 
 /** Rows or ids from Begin up to but not including End. */
 struct FRowRange
@@ -74,7 +67,6 @@ struct TRegistryColumns
 	TStorage<uint64> FoldedStarts; // the same for the folded twin; left out where no text changes its length
 	TStorage<char> TextBytes;
 	TStorage<char> FoldedBytes;
-	TStorage<FTextSlot> NodeSlots; // nodes by name; the number of slots is a power of two
 
 	// By package, in registry order
 	TStorage<uint32> PackageFolders;
@@ -135,10 +127,10 @@ struct TRegistryColumns
 	/** References to all columns, in the order in which they lie in an image. */
 	auto Tie()
 	{
-		return std::tie(TextStarts, FoldedStarts, TextBytes, FoldedBytes, NodeSlots, PackageFolders, PackageFiles, FirstAssets,
-			FirstEntries, RespelledPackages, NameTrigrams.Keys, NameTrigrams.Starts, NameTrigrams.Lists, AssetPackages,
-			AssetNames, AssetClasses, AssetOuters, AssetFlags, FirstTags, TagKeys, TagValues, OwnNamedAssets, EntryCategories,
-			EntryTexts, EntryComments, EntryDepths, IndexedAssets, FirstUses, Uses, EntryTrigrams.Keys, EntryTrigrams.Starts,
+		return std::tie(TextStarts, FoldedStarts, TextBytes, FoldedBytes, PackageFolders, PackageFiles, FirstAssets, FirstEntries,
+			RespelledPackages, NameTrigrams.Keys, NameTrigrams.Starts, NameTrigrams.Lists, AssetPackages, AssetNames,
+			AssetClasses, AssetOuters, AssetFlags, FirstTags, TagKeys, TagValues, OwnNamedAssets, EntryCategories, EntryTexts,
+			EntryComments, EntryDepths, IndexedAssets, FirstUses, Uses, EntryTrigrams.Keys, EntryTrigrams.Starts,
 			EntryTrigrams.Lists, ClassParents, FirstClassAssets, ClassAssets, FirstClassChildren, ClassChildren,
 			FirstDependencies, DependencyTargets, DependencyFlags, FirstReferencers, ReferencerSources, ReferencerFlags,
 			FilePackages, FileStamps, FileExtensions, FileSources, RootNames, RootFolders, FirstRootFiles);

@@ -1,7 +1,6 @@
 #include "TableChecks.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace
 {
@@ -55,19 +54,6 @@ bool AreTextsSound(const FRegistryTables& Tables)
 		return false;
 	return Tables.ZoneStarts.front() == 0 && Tables.ZoneStarts.back() == Tables.TextStarts.size() - 1 &&
 		std::is_sorted(Tables.ZoneStarts.begin(), Tables.ZoneStarts.end());
-}
-
-/** A search in the table must meet a free slot to end. */
-bool AreSlotsSound(std::span<const FTextSlot> Slots, uint32 NumNodes)
-{
-	std::size_t NumFree = 0;
-	for (const FTextSlot& Slot : Slots)
-	{
-		NumFree += Slot.Id == NoId;
-		if (Slot.Id >= NumNodes && Slot.Id != NoId)
-			return false;
-	}
-	return std::has_single_bit(Slots.size()) && NumFree > 0;
 }
 
 bool ArePackagesSound(const FRegistryTables& Tables)
@@ -185,7 +171,7 @@ bool AreFilesSound(const FRegistryTables& Tables)
 
 bool AreTablesSound(const FRegistryTables& Tables)
 {
-	return AreTextsSound(Tables) && AreSlotsSound(Tables.NodeSlots, Tables.NumTexts(EZone::Nodes)) && ArePackagesSound(Tables) &&
-		AreTrigramsSound(Tables.NameTrigrams) && AreAssetsSound(Tables) && AreEntriesSound(Tables) &&
-		AreTrigramsSound(Tables.EntryTrigrams) && AreClassesSound(Tables) && IsGraphSound(Tables) && AreFilesSound(Tables);
+	return AreTextsSound(Tables) && ArePackagesSound(Tables) && AreTrigramsSound(Tables.NameTrigrams) && AreAssetsSound(Tables) &&
+		AreEntriesSound(Tables) && AreTrigramsSound(Tables.EntryTrigrams) && AreClassesSound(Tables) && IsGraphSound(Tables) &&
+		AreFilesSound(Tables);
 }

@@ -1,20 +1,28 @@
 #include "TextTable.h"
 
-#include "Checksum.h"
+#include "Core/SeededHash.h"
 #include "Core/Unicode.h"
 
 #include <bit>
 
 uint64 FTextTable::HashOf(std::string_view Text) const
 {
-	return Case == ESearchCase::IgnoreCase ? Unicode::HashFolded(Text) : HashBytes(Text);
+	return Case == ESearchCase::IgnoreCase ? Unicode::HashFolded(Text) : SeededHash::HashBytes(Text);
+}
+
+bool FTextTable::IsSame(std::string_view A, std::string_view B) const
+{
+	return Case == ESearchCase::IgnoreCase ? Unicode::EqualsFolded(A, B) : A == B;
 }
 
 uint32 FTextTable::FindHashed(std::string_view Text, uint64 Hash) const
 {
-	if (Case == ESearchCase::IgnoreCase)
-		return FindTextSlot(Slots, Hash, [this, Text](uint32 Id) { return Unicode::EqualsFolded(Get(Id), Text); });
-	return FindTextSlot(Slots, Hash, [this, Text](uint32 Id) { return Get(Id) == Text; });
+	for (std::size_t Index = Hash;; ++Index)
+	{
+		const FSlot& Slot = Slots[Index & (Slots.size() - 1)];
+		if (Slot.Id == NoId || (Slot.Hash == static_cast<uint32>(Hash) && IsSame(Get(Slot.Id), Text)))
+			return Slot.Id;
+	}
 }
 
 uint32 FTextTable::Find(std::string_view Text) const
@@ -41,7 +49,7 @@ uint32 FTextTable::AddHashed(std::string_view Text, uint64 Hash)
 	return Id;
 }
 
-void FTextTable::Insert(FTextSlot New)
+void FTextTable::Insert(FSlot New)
 {
 	std::size_t Index = New.Hash & (Slots.size() - 1);
 	while (Slots[Index].Id != NoId)
@@ -51,9 +59,9 @@ void FTextTable::Insert(FTextSlot New)
 
 void FTextTable::Resize(std::size_t NumSlots)
 {
-	std::vector<FTextSlot> Old(NumSlots);
+	std::vector<FSlot> Old(NumSlots);
 	Old.swap(Slots);
-	for (const FTextSlot& Slot : Old)
+	for (const FSlot& Slot : Old)
 	{
 		if (Slot.Id != NoId)
 			Insert(Slot);

@@ -5,18 +5,6 @@
 #include <string_view>
 #include <vector>
 
-/** Finds a slot in a table of FTextSlot whose size is a power of two and that has a free slot. */
-template <class TIsSame>
-uint32 FindTextSlot(std::span<const FTextSlot> Slots, uint64 Hash, TIsSame IsSame)
-{
-	for (std::size_t Index = Hash;; ++Index)
-	{
-		const FTextSlot& Slot = Slots[Index & (Slots.size() - 1)];
-		if (Slot.Id == NoId || (Slot.Hash == static_cast<uint32>(Hash) && IsSame(Slot.Id)))
-			return Slot.Id;
-	}
-}
-
 /** Distinct texts with ids from 0 in the order in which they were first added; the first spelling stays where case is ignored.
  * One thread at a time. */
 class FTextTable
@@ -39,19 +27,25 @@ public:
 	const std::vector<uint64>& GetStarts() const { return Starts; }
 	const std::vector<char>& GetBytes() const { return Bytes; }
 	/** Hand over the storage; the table must not be used any more. */
-	std::vector<FTextSlot> TakeSlots() { return std::move(Slots); }
 	std::vector<uint64> TakeStarts() { return std::move(Starts); }
 	std::vector<char> TakeBytes() { return std::move(Bytes); }
 
 private:
+	struct FSlot
+	{
+		uint32 Hash = 0; // lower half of the text's hash
+		uint32 Id = NoId;
+	};
+
 	uint64 HashOf(std::string_view Text) const;
+	bool IsSame(std::string_view A, std::string_view B) const;
 	uint32 AddHashed(std::string_view Text, uint64 Hash);
 	uint32 FindHashed(std::string_view Text, uint64 Hash) const;
-	void Insert(FTextSlot New);
+	void Insert(FSlot New);
 	void Resize(std::size_t NumSlots);
 
 	const ESearchCase Case;
 	std::vector<uint64> Starts = {0};
 	std::vector<char> Bytes;
-	std::vector<FTextSlot> Slots = std::vector<FTextSlot>(16); // at most two thirds are taken
+	std::vector<FSlot> Slots = std::vector<FSlot>(16); // a power of two, at most two thirds are taken
 };

@@ -1,9 +1,9 @@
 #include "CaseFolding.h"
 
+#include "Core/SeededHash.h"
 #include "Core/Unicode.h"
 
 #include <algorithm>
-#include <bit>
 #include <string>
 
 namespace Unicode
@@ -229,13 +229,24 @@ bool EqualsFolded(std::string_view A, std::string_view B)
 	return CompareFolded(A, B) == 0;
 }
 
+bool SkipFoldedPrefix(std::string_view& Text, std::string_view Prefix)
+{
+	const char* At = Text.data();
+	const char* AtPrefix = Prefix.data();
+	SkipCommonFolded(At, At + Text.size(), AtPrefix, AtPrefix + Prefix.size());
+	if (AtPrefix != Prefix.data() + Prefix.size())
+		return false;
+	Text.remove_prefix(static_cast<std::size_t>(At - Text.data()));
+	return true;
+}
+
 uint64 HashFolded(std::string_view Text)
 {
 	TFoldedPiece<256> Piece;
 	uint64 Hash = 0;
 	const char* const End = Text.data() + Text.size();
 	for (const char* At = Text.data(); At < End;)
-		Hash = std::rotl(Hash, 23) * 0x9E3779B97F4A7C15 ^ std::hash<std::string_view>()(Piece.Take(At, End));
+		Hash = SeededHash::HashBytes(Piece.Take(At, End), Hash);
 	return Hash;
 }
 }

@@ -1,22 +1,17 @@
 #include "Core/File.h"
 
+#include "Core/TextDecoder.h"
 #include "Core/Unicode.h"
 #include "PathResolver.h"
 #include "SecureOpen.h"
+#include "WriteFile.h"
 
-#include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
-constexpr FStringView Utf8Mark = "\xEF\xBB\xBF";
-constexpr FStringView Utf16LittleMark = "\xFF\xFE";
-constexpr FStringView Utf16BigMark = "\xFE\xFF";
-constexpr int32 MaxTemporaryNames = 100; // tried before saving gives up
-
 bool MatchesEveryName(FStringView Wildcard)
 {
 	return Wildcard == "*" || Wildcard == "*.*";
@@ -94,7 +89,9 @@ bool FFileManager::MakeDirectory(const FString& Path)
 {
 	const FString Full = FPaths::ConvertRelativePathToFull(Path);
 	const FStringView Text = Full.View();
-	for (std::size_t Start = 1; Start < Text.size() && !DirectoryExists(Full);)
+	// The project's own folder is never made: where it is gone, so is the project.
+	const TOptional<FStringView> InProject = PathResolver::GetPathInProject(Text);
+	for (std::size_t Start = InProject ? Text.size() - InProject->size() : 1; Start < Text.size() && !DirectoryExists(Full);)
 	{
 		const std::size_t End = std::min(Text.find('/', Start), Text.size());
 		const FString Parent(Text.substr(0, Start));
@@ -107,54 +104,6 @@ bool FFileManager::MakeDirectory(const FString& Path)
 	return DirectoryExists(Full);
 }
 
-bool WriteAll(const FFileHandle& File, FStringView Bytes)
-{
-	while (!Bytes.empty())
-	{
-		const ssize_t Written = write(File.Get(), Bytes.data(), Bytes.size());
-		if (Written < 0 && errno != EINTR)
-			return false;
-		Bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(Written, 0)));
-	}
-	return true;
-}
-
-/** A name that other programs and threads do not use at the same time. It is short, since the target's own may have the longest
- * length allowed. */
-FFileHandle CreateTemporary(const FFileHandle& Folder, std::string& OutName)
-{
-	static std::atomic<uint32> Counter = 0;
-	for (int32 Try = 0; Try < MaxTemporaryNames; ++Try)
-	{
-		OutName = ".save-" + std::to_string(getpid()) + "-" + std::to_string(Counter++) + ".tmp";
-		FFileHandle File(openat(Folder.Get(), OutName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-		if (File.IsOpen() || errno != EEXIST)
-			return File;
-	}
-	return {};
-}
-
-/** A file that only its owner may read stays so. */
-void KeepPermissions(const FFileHandle& Folder, const std::string& TargetName, const FFileHandle& File)
-{
-	struct stat Status;
-	if (fstatat(Folder.Get(), TargetName.c_str(), &Status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(Status.st_mode))
-		static_cast<void>(fchmod(File.Get(), Status.st_mode & 0777));
-}
-
-bool ReplaceFile(const FFileHandle& Folder, const std::string& TargetName, FStringView Bytes)
-{
-	std::string TemporaryName;
-	FFileHandle File = CreateTemporary(Folder, TemporaryName);
-	if (!File.IsOpen())
-		return false;
-	KeepPermissions(Folder, TargetName, File);
-	const bool bWritten = WriteAll(File, Bytes) && File.Close();
-	if (bWritten && renameat(Folder.Get(), TemporaryName.c_str(), Folder.Get(), TargetName.c_str()) == 0)
-		return true;
-	unlinkat(Folder.Get(), TemporaryName.c_str(), 0);
-	return false;
-}
 }
 
 IFileManager& IFileManager::Get()
@@ -181,17 +130,11 @@ bool FFileHelper::LoadFileToString(FString& Out, const FString& Path)
 
 FStringView FFileHelper::DecodeText(std::string_view Bytes, std::string& Scratch)
 {
-	if (Bytes.starts_with(Utf16LittleMark) || Bytes.starts_with(Utf16BigMark))
-	{
-		const bool bBigEndian = Bytes.starts_with(Utf16BigMark);
-		Scratch = Unicode::Utf16ToUtf8(Bytes.substr(Utf16LittleMark.size()), bBigEndian);
-		return Scratch;
-	}
-	if (Bytes.starts_with(Utf8Mark))
-		Bytes.remove_prefix(Utf8Mark.size());
-	if (Unicode::IsValidUtf8(Bytes))
+	const ETextEncoding Encoding = TakeByteOrderMark(Bytes);
+	if (Encoding == ETextEncoding::Utf8 && Unicode::IsValidUtf8(Bytes))
 		return Bytes;
-	Scratch = Unicode::RepairUtf8(Bytes);
+	Scratch = Encoding == ETextEncoding::Utf8 ? Unicode::RepairUtf8(Bytes)
+											  : Unicode::Utf16ToUtf8(Bytes, Encoding == ETextEncoding::Utf16Big);
 	return Scratch;
 }
 
@@ -210,5 +153,5 @@ bool FFileHelper::SaveStringToFile(FStringView Text, const FString& Path)
 	if (Name.empty() || Path.View().ends_with('/') || !IFileManager::Get().MakeDirectory(FolderPath))
 		return false;
 	const FFileHandle Folder = PathResolver::Open(FolderPath, SecureOpen::ToPassFolder);
-	return Folder.IsOpen() && ReplaceFile(Folder, Name, Text);
+	return Folder.IsOpen() && WriteFile::Replace(Folder, Name, Text);
 }

@@ -6,17 +6,25 @@
 #include "SecureOpen.h"
 
 #include <cerrno>
+#include <chrono>
 
 namespace
 {
-EFileRead ReadBeneath(const FFileHandle& Folder, std::string_view Path, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
+/** A closed handle has left the reason in errno. */
+EFileRead ReadOpened(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
 {
-	const FFileHandle File = SecureOpen::OpenBeneath(Folder.Get(), Path, SecureOpen::ToReadFile);
 	if (File.IsOpen())
 		return SecureOpen::ReadRegularFile(File, Buffer, MaxBytes, Padding);
 	Buffer.clear();
 	return SecureOpen::ToFileRead(errno);
 }
+}
+
+bool FFileStamp::IsSettled() const
+{
+	using namespace std::chrono;
+	constexpr nanoseconds Quiet = seconds(1);
+	return system_clock::now().time_since_epoch() - nanoseconds(ChangedNanoseconds) > Quiet;
 }
 
 FFileTree::FFileTree() = default;
@@ -73,7 +81,8 @@ const FFileStamp& FFileTree::GetStamp(int32 Index) const
 
 EFileRead FFileTree::Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding) const
 {
-	return ReadBeneath(*Root, GetRelativePath(Index), Buffer, MaxBytes, Padding);
+	return ReadOpened(
+		SecureOpen::OpenBeneath(Root->Get(), GetRelativePath(Index), SecureOpen::ToReadFile), Buffer, MaxBytes, Padding);
 }
 
 FFileTreeReader::FFileTreeReader(const FFileTree& InTree) : Tree(InTree), Folder(std::make_unique<FFileHandle>())
@@ -84,19 +93,29 @@ FFileTreeReader::~FFileTreeReader() = default;
 
 EFileRead FFileTreeReader::Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
 {
+	return ReadOpened(Open(Index), Buffer, MaxBytes, Padding);
+}
+
+EFileRead FFileTreeReader::ReadInPieces(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
+	const std::function<bool(std::string_view Piece)>& Take)
+{
+	const FFileHandle File = Open(Index);
+	return File.IsOpen() ? SecureOpen::ReadInPieces(File, Buffer, MaxBytes, PieceBytes, Take) : SecureOpen::ToFileRead(errno);
+}
+
+/** A closed handle leaves the reason in errno. */
+FFileHandle FFileTreeReader::Open(int32 Index)
+{
 	const std::string_view Path = Tree.GetRelativePath(Index);
 	const std::size_t FolderLength = Tree.Files[static_cast<std::size_t>(Index)].FolderLength;
 	if (FolderLength == 0)
-		return ReadBeneath(*Tree.Root, Path, Buffer, MaxBytes, Padding);
+		return SecureOpen::OpenBeneath(Tree.Root->Get(), Path, SecureOpen::ToReadFile);
 	if (!Folder->IsOpen() || FolderPath != Path.substr(0, FolderLength))
 	{
 		FolderPath = Path.substr(0, FolderLength);
 		*Folder = SecureOpen::OpenBeneath(Tree.Root->Get(), FolderPath, SecureOpen::ToPassFolder);
 	}
 	if (!Folder->IsOpen())
-	{
-		Buffer.clear();
-		return SecureOpen::ToFileRead(errno);
-	}
-	return ReadBeneath(*Folder, Path.substr(FolderLength + 1), Buffer, MaxBytes, Padding);
+		return {};
+	return SecureOpen::OpenBeneath(Folder->Get(), Path.substr(FolderLength + 1), SecureOpen::ToReadFile);
 }

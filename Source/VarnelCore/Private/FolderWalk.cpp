@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <dirent.h>
-#include <sys/stat.h>
 
 namespace
 {
@@ -18,30 +17,6 @@ uint64 MakeSortKey(std::string_view Name)
 	for (std::size_t At = 0; At < sizeof(Key); ++At)
 		Key = Key << 8 | (At < Name.size() ? static_cast<uint8>(Name[At]) : 0u);
 	return Key;
-}
-
-unsigned char ToEntryType(mode_t Mode)
-{
-	return S_ISREG(Mode) ? DT_REG : S_ISDIR(Mode) ? DT_DIR : DT_LNK;
-}
-
-int64 ToNanoseconds(const struct statx_timestamp& Time)
-{
-	return Time.tv_sec * 1'000'000'000 + Time.tv_nsec;
-}
-
-/** Type and stamp of an entry as it is now; DT_UNKNOWN when it has vanished. */
-unsigned char LookAt(int Folder, const char* Name, FFileStamp& OutStamp)
-{
-	struct statx Status;
-	constexpr unsigned int Wanted = STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_CTIME | STATX_INO;
-	if (statx(Folder, Name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, Wanted, &Status) != 0)
-		return DT_UNKNOWN;
-	OutStamp.Size = Status.stx_size;
-	OutStamp.ModifiedNanoseconds = ToNanoseconds(Status.stx_mtime);
-	OutStamp.ChangedNanoseconds = ToNanoseconds(Status.stx_ctime);
-	OutStamp.Inode = Status.stx_ino;
-	return ToEntryType(Status.stx_mode);
 }
 
 /** A folder that vanished or became something else since its parent was read is no fault. */
@@ -118,11 +93,11 @@ std::optional<FFolderWalk::FPendingFolder> FFolderWalk::TakePending()
 	return Taken;
 }
 
-void FFolderWalk::FinishPending()
+FFolderWalk::FFinishPending::~FFinishPending()
 {
-	const std::lock_guard Guard(Lock);
-	if (--NumActive == 0)
-		Changed.notify_all();
+	const std::lock_guard Guard(Walk.Lock);
+	if (--Walk.NumActive == 0)
+		Walk.Changed.notify_all();
 }
 
 void FFolderWalk::AddPending(std::vector<FPendingFolder>& Found)
@@ -141,8 +116,8 @@ void FFolderWalk::RunWorker(FWorker& Worker)
 {
 	while (const std::optional<FPendingFolder> Taken = TakePending())
 	{
+		const FFinishPending Finish(*this); // also when reading throws: the others wait for it
 		ReadFolder(*Taken, Worker);
-		FinishPending();
 	}
 }
 
@@ -210,7 +185,7 @@ void FFolderWalk::AddEntry(const FFileHandle& Handle, std::string_view Name, uns
 	FFileStamp Stamp;
 	const bool bTypeIsUnknown = Type == DT_UNKNOWN; // some file systems do not keep it beside the name
 	if (bTypeIsUnknown)
-		Type = LookAt(Handle.Get(), Name.data(), Stamp);
+		Type = SecureOpen::LookAt(Handle, Name.data(), Stamp);
 	if (Type != DT_REG && Type != DT_DIR)
 		return;
 	Worker.Path.resize(PrefixLength);
@@ -223,7 +198,7 @@ void FFolderWalk::AddEntry(const FFileHandle& Handle, std::string_view Name, uns
 	}
 	if (Options.KeepFile && !Options.KeepFile(Worker.Path))
 		return;
-	if (Options.bWithStamps && !bTypeIsUnknown && LookAt(Handle.Get(), Name.data(), Stamp) != DT_REG)
+	if (Options.bWithStamps && !bTypeIsUnknown && SecureOpen::LookAt(Handle, Name.data(), Stamp) != DT_REG)
 		return;
 	AddFile(Name, Stamp, Worker);
 }

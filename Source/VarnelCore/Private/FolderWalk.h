@@ -93,7 +93,16 @@ private:
 	};
 
 	std::optional<FPendingFolder> TakePending();
-	void FinishPending();
+	/** Lives as long as a taken folder is being read. */
+	class FFinishPending
+	{
+	public:
+		explicit FFinishPending(FFolderWalk& InWalk) : Walk(InWalk) {}
+		~FFinishPending();
+
+	private:
+		FFolderWalk& Walk;
+	};
 	void AddPending(std::vector<FPendingFolder>& Found);
 	bool IsStopped() const { return Options.Stop.stop_requested(); }
 

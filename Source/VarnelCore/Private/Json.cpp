@@ -35,16 +35,24 @@ bool ReadInteger(FStringView Text, int64& Out)
 	return true;
 }
 
-/** False where the number without its fraction does not fit; not-a-number fits nowhere. */
+/** Toward zero; what does not fit becomes the nearest end of the range. Value is a number. */
 template <class TInteger>
-bool Truncate(double Value, TInteger& Out)
+TInteger Truncate(double Value)
 {
 	// -2^(n-1) and 2^(n-1) are exact as double, the largest integer of 64 bits is not.
 	constexpr auto Lowest = static_cast<double>(std::numeric_limits<TInteger>::min());
-	const double Whole = std::trunc(Value);
-	if (!(Whole >= Lowest && Whole < -Lowest))
+	if (Value >= -Lowest)
+		return std::numeric_limits<TInteger>::max();
+	return Value <= Lowest ? std::numeric_limits<TInteger>::min() : static_cast<TInteger>(Value);
+}
+
+template <class TInteger>
+bool ReadTruncated(const FJsonValue& Json, TInteger& Out)
+{
+	double Value = 0.0;
+	if (!Json.TryGetNumber(Value) || !std::isfinite(Value))
 		return false;
-	Out = static_cast<TInteger>(Whole);
+	Out = Truncate<TInteger>(Value);
 	return true;
 }
 
@@ -153,8 +161,7 @@ bool FJsonValue::TryGetNumber(double& Out) const
 
 bool FJsonValue::TryGetNumber(int32& Out) const
 {
-	double Value = 0.0; // holds every int32
-	return TryGetNumber(Value) && Truncate(Value, Out);
+	return ReadTruncated(*this, Out); // a double holds every int32
 }
 
 bool FJsonValue::TryGetNumber(int64& Out) const
@@ -166,8 +173,7 @@ bool FJsonValue::TryGetNumber(int64& Out) const
 	}
 	if (const FString* Text = std::get_if<FString>(&Data); Text && ReadInteger(*Text, Out))
 		return true;
-	double Value = 0.0;
-	return TryGetNumber(Value) && Truncate(Value, Out);
+	return ReadTruncated(*this, Out);
 }
 
 bool FJsonValue::TryGetBool(bool& Out) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/SeededHash.h"
 #include "Core/String.h"
 
 #include <vector>
@@ -13,9 +14,6 @@ namespace JsonKeyIndex
 /** Below this many members a scan is faster than the table, and no table is built. */
 constexpr int32 MinMembers = 16;
 
-/** Differs from run to run, so that nobody can prepare a text whose keys all collide. */
-uint64 HashKey(FStringView Key);
-
 /** Empties the table and makes it large enough for NumMembers, at most half full. Keeps its storage. */
 void Reset(std::vector<uint32>& Slots, std::size_t NumMembers);
 
@@ -24,7 +22,7 @@ template <class TSlots, class TKeyAt>
 auto& FindSlot(TSlots& Slots, FStringView Key, TKeyAt KeyAt)
 {
 	const std::size_t Mask = Slots.size() - 1;
-	std::size_t At = HashKey(Key) & Mask;
+	std::size_t At = SeededHash::HashBytes(Key) & Mask;
 	while (Slots[At] != 0 && KeyAt(Slots[At] - 1) != Key)
 		At = (At + 1) & Mask;
 	return Slots[At];

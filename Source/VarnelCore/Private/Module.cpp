@@ -29,7 +29,7 @@ bool FModuleManager::IsModuleLoaded(FName Name) const
 IModuleInterface& FModuleManager::GetModuleChecked(FName Name) const
 {
 	IModuleInterface* Module = GetModule(Name);
-	checkf(Module, "the module is not loaded");
+	checkf(Module, *FString::Printf("Tried to get module interface for unloaded module: '%s'", *Name.ToString()));
 	return *Module;
 }
 

@@ -1,6 +1,7 @@
 #include "Core/Name.h"
 
 #include "Core/Assert.h"
+#include "Core/SeededHash.h"
 #include "Core/Unicode.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@ using FNameLength = uint32; // precedes the bytes of a name
 // Block 0 stays empty: id 0 is the empty name.
 constinit std::atomic<char*> Blocks[MaxBlocks] = {};
 constinit std::atomic<uint32> NumBlocks = 1;
+constinit std::atomic<int64> NumStoredBytes = 0;
 
 char* AddressOf(uint32 Id)
 {
@@ -56,6 +58,7 @@ public:
 		checkf(Text.size() < UINT32_MAX, "a name of 4 GiB");
 		const auto Length = static_cast<FNameLength>(Text.size());
 		const uint32 Id = Allocate((sizeof(Length) + Text.size() + GranuleBytes - 1) / GranuleBytes);
+		NumStoredBytes.fetch_add(static_cast<int64>(sizeof(Length) + Text.size()), std::memory_order_relaxed);
 		std::memcpy(AddressOf(Id), &Length, sizeof(Length));
 		std::memcpy(AddressOf(Id) + sizeof(Length), Text.data(), Text.size());
 		return Id;
@@ -170,7 +173,7 @@ public:
 	}
 	uint32 FindOrStoreOther(FStringView Text)
 	{
-		const uint64 Hash = std::hash<FStringView>()(Text);
+		const uint64 Hash = SeededHash::HashBytes(Text);
 		return OtherSpellings[Hash >> ShardShift].FindOrStore(Text, Hash, [Text](FStringView Other) { return Other == Text; });
 	}
 
@@ -203,6 +206,11 @@ FName::FName(FStringView Text)
 FStringView FName::View() const
 {
 	return DisplayId == 0 ? FStringView("None") : ViewOf(DisplayId);
+}
+
+int64 FName::GetNumBytes()
+{
+	return NumStoredBytes.load(std::memory_order_relaxed);
 }
 
 bool FName::LexicalLess(FName Other) const

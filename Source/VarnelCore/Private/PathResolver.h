@@ -8,8 +8,12 @@ namespace PathResolver
 {
 /**
  * Opens an absolute path, or one relative to the current folder. Below the opened project no symbolic link is followed, so
- * nothing in a project leads out of it; any other path is the user's own and is followed. A closed handle leaves the reason in
+ * nothing in a project leads out of it, and nothing can be opened where its folder cannot; any other path is the user's own
+ * and is followed. A closed handle leaves the reason in
  * errno. Creates nothing. Any thread.
  */
 FFileHandle Open(FStringView Path, int Flags);
+/** What of an absolute path lies below the opened project, "" for its folder; empty for a path elsewhere. A view into FullPath.
+ */
+TOptional<FStringView> GetPathInProject(FStringView FullPath);
 }

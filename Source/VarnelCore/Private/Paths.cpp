@@ -1,4 +1,5 @@
 #include "Core/File.h"
+#include "Core/Unicode.h"
 #include "PathResolver.h"
 
 #include <cerrno>
@@ -11,8 +12,8 @@ namespace
 {
 struct FOpenedProject
 {
-	FString Folder; // absolute, with a trailing slash; empty when no project is open
-	FFileHandle Handle;
+	FString Folder;		// absolute, with a trailing slash; empty when no project is open
+	FFileHandle Handle; // closed where the folder cannot be opened: then nothing below it can be
 };
 
 FOpenedProject& GetOpenedProject()
@@ -54,7 +55,7 @@ FString GetCurrentFolder()
 FString ResolveLinks(const FString& Path)
 {
 	char Resolved[PATH_MAX];
-	return realpath(*Path, Resolved) ? FString::FromExternal(Resolved) : Path;
+	return realpath(*Path, Resolved) ? FString(Resolved) : Path;
 }
 
 bool HasControlCharacter(FStringView Text)
@@ -76,15 +77,25 @@ FFileHandle PathResolver::Open(FStringView Path, int Flags)
 		return {};
 	}
 	const FString Full = FPaths::ConvertRelativePathToFull(Path);
-	const FOpenedProject& Project = GetOpenedProject();
-	if (!Project.Handle.IsOpen())
+	const TOptional<FStringView> InProject = PathResolver::GetPathInProject(Full);
+	if (!InProject)
 		return OpenFollowingLinks(Full, Flags);
-	const FStringView Folder = Project.Folder.View();
-	if (Full.View() == Folder.substr(0, Folder.size() - 1))
-		return FFileHandle(openat(Project.Handle.Get(), ".", Flags | O_CLOEXEC));
-	if (Full.View().starts_with(Folder))
-		return SecureOpen::OpenBeneath(Project.Handle.Get(), Full.View().substr(Folder.size()), Flags);
-	return OpenFollowingLinks(Full, Flags);
+	const FFileHandle& Project = GetOpenedProject().Handle;
+	if (!Project.IsOpen())
+	{
+		errno = ENOENT;
+		return {};
+	}
+	return InProject->empty() ? FFileHandle(openat(Project.Get(), ".", Flags | O_CLOEXEC))
+							  : SecureOpen::OpenBeneath(Project.Get(), *InProject, Flags);
+}
+
+TOptional<FStringView> PathResolver::GetPathInProject(FStringView FullPath)
+{
+	const FStringView Folder = GetOpenedProject().Folder.View();
+	if (Folder.empty() || !(FullPath.starts_with(Folder) || FullPath == Folder.substr(0, Folder.size() - 1)))
+		return {};
+	return FullPath.substr(std::min(Folder.size(), FullPath.size()));
 }
 
 const FString& FPaths::ProjectDir()
@@ -112,15 +123,19 @@ FString FPaths::ProjectIntermediateDir()
 	return ProjectDir() + "Intermediate/";
 }
 
-void FPaths::SetProjectDir(const FString& Dir)
+bool FPaths::SetProjectDir(const FString& Dir)
 {
 	FOpenedProject& Project = GetOpenedProject();
 	Project = FOpenedProject();
 	if (Dir.IsEmpty())
-		return;
-	FString Folder = ResolveLinks(ConvertRelativePathToFull(Dir));
-	Project.Handle = OpenFollowingLinks(Folder, SecureOpen::ToPassFolder);
+		return true;
+	const FString Folder = ResolveLinks(ConvertRelativePathToFull(Dir));
+	if (Unicode::IsValidUtf8(Folder))
+		Project.Handle = OpenFollowingLinks(Folder, SecureOpen::ToPassFolder);
+	else
+		errno = EILSEQ;
 	Project.Folder = Folder.View() == "/" ? Folder : Folder + "/";
+	return Project.Handle.IsOpen();
 }
 
 FStringView FPaths::GetExtension(FStringView Path)

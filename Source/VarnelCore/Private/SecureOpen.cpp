@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <dirent.h>
 #include <limits>
 #include <linux/openat2.h>
 #include <sys/stat.h>
@@ -11,6 +12,16 @@
 
 namespace
 {
+unsigned char ToEntryType(mode_t Mode)
+{
+	return S_ISREG(Mode) ? DT_REG : S_ISDIR(Mode) ? DT_DIR : DT_LNK;
+}
+
+int64 ToNanoseconds(const struct statx_timestamp& Time)
+{
+	return Time.tv_sec * 1'000'000'000 + Time.tv_nsec;
+}
+
 bool IsBeneath(std::string_view Path)
 {
 	if (Path.find('\0') != std::string_view::npos)
@@ -70,6 +81,17 @@ ssize_t ReadSome(int Descriptor, char* Into, std::size_t Count)
 		Got = read(Descriptor, Into, Count);
 	while (Got < 0 && errno == EINTR);
 	return Got;
+}
+
+EFileRead LookAtRegularFile(const FFileHandle& File, uint64 MaxBytes, uint64& OutSize)
+{
+	struct stat Status;
+	if (fstat(File.Get(), &Status) != 0)
+		return EFileRead::Unreadable;
+	if (!S_ISREG(Status.st_mode))
+		return EFileRead::Missing;
+	OutSize = static_cast<uint64>(Status.st_size);
+	return OutSize > MaxBytes ? EFileRead::TooLarge : EFileRead::Ok;
 }
 
 EFileRead ReadToEnd(int Descriptor, std::string& Buffer, std::size_t ExpectedSize, uint64 MaxBytes, std::size_t Padding)
@@ -138,6 +160,20 @@ EFileRead SecureOpen::ToFileRead(int ErrorNumber)
 	}
 }
 
+unsigned char SecureOpen::LookAt(const FFileHandle& Folder, const char* Name, FFileStamp& OutStamp)
+{
+	struct statx Status;
+	constexpr int Flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_EMPTY_PATH;
+	constexpr unsigned int Wanted = STATX_TYPE | STATX_SIZE | STATX_MTIME | STATX_CTIME | STATX_INO;
+	if (statx(Folder.Get(), Name, Flags, Wanted, &Status) != 0)
+		return DT_UNKNOWN;
+	OutStamp.Size = Status.stx_size;
+	OutStamp.ModifiedNanoseconds = ToNanoseconds(Status.stx_mtime);
+	OutStamp.ChangedNanoseconds = ToNanoseconds(Status.stx_ctime);
+	OutStamp.Inode = Status.stx_ino;
+	return ToEntryType(Status.stx_mode);
+}
+
 bool SecureOpen::IsRegularFile(const FFileHandle& File)
 {
 	struct stat Status;
@@ -146,17 +182,31 @@ bool SecureOpen::IsRegularFile(const FFileHandle& File)
 
 EFileRead SecureOpen::ReadRegularFile(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
 {
-	struct stat Status;
-	EFileRead Result = EFileRead::Ok;
-	if (fstat(File.Get(), &Status) != 0)
-		Result = EFileRead::Unreadable;
-	else if (!S_ISREG(Status.st_mode))
-		Result = EFileRead::Missing;
-	else if (static_cast<uint64>(Status.st_size) > MaxBytes)
-		Result = EFileRead::TooLarge;
-	else
-		Result = ReadToEnd(File.Get(), Buffer, static_cast<std::size_t>(Status.st_size), MaxBytes, Padding);
+	uint64 Size = 0;
+	EFileRead Result = LookAtRegularFile(File, MaxBytes, Size);
+	if (Result == EFileRead::Ok)
+		Result = ReadToEnd(File.Get(), Buffer, Size, MaxBytes, Padding);
 	if (Result != EFileRead::Ok)
 		Buffer.clear();
 	return Result;
+}
+
+EFileRead SecureOpen::ReadInPieces(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
+	const std::function<bool(std::string_view Piece)>& Take)
+{
+	uint64 Size = 0;
+	if (const EFileRead Result = LookAtRegularFile(File, MaxBytes, Size); Result != EFileRead::Ok)
+		return Result;
+	Buffer.resize(PieceBytes);
+	for (uint64 NumRead = 0;;)
+	{
+		const ssize_t Got = ReadSome(File.Get(), Buffer.data(), PieceBytes);
+		if (Got < 0)
+			return EFileRead::Unreadable;
+		NumRead += static_cast<uint64>(Got);
+		if (NumRead > MaxBytes)
+			return EFileRead::TooLarge;
+		if (Got == 0 || !Take(std::string_view(Buffer.data(), static_cast<std::size_t>(Got))))
+			return EFileRead::Ok;
+	}
 }

@@ -47,6 +47,12 @@ EFileRead ToFileRead(int ErrorNumber);
 /** Reads a regular file from its start into Buffer (resized to the content, plus Padding spare bytes of capacity). The buffer is
  * emptied on failure. */
 EFileRead ReadRegularFile(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t Padding);
+/** What Name is in the folder, without following a link, or the folder itself for "": a DT_ constant, DT_UNKNOWN when it is not
+ * there. Fills the stamp unless it is not there. */
+unsigned char LookAt(const FFileHandle& Folder, const char* Name, FFileStamp& OutStamp);
+/** Reads a regular file from its start in pieces, see FFileTreeReader::ReadInPieces. */
+EFileRead ReadInPieces(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
+	const std::function<bool(std::string_view Piece)>& Take);
 /** Whether the handle stands for a regular file. */
 bool IsRegularFile(const FFileHandle& File);
 }

@@ -38,20 +38,10 @@ std::size_t BytesOfCodePoints(FStringView Text, int32 Count)
 /** Whether Text goes on with Prefix at Position; moves Position behind it when it does. */
 bool SkipPrefix(FStringView Text, std::size_t& Position, FStringView Prefix, ESearchCase Case)
 {
-	const FStringView Rest = Text.substr(Position);
-	if (Case == ESearchCase::CaseSensitive)
-	{
-		if (!Rest.starts_with(Prefix))
-			return false;
-		Position += Prefix.size();
-		return true;
-	}
-	const char* At = Rest.data();
-	const char* AtPrefix = Prefix.data();
-	Unicode::SkipCommonFolded(At, At + Rest.size(), AtPrefix, AtPrefix + Prefix.size());
-	if (AtPrefix != Prefix.data() + Prefix.size())
+	FStringView Rest = Text.substr(Position);
+	if (Case == ESearchCase::IgnoreCase ? !Unicode::SkipFoldedPrefix(Rest, Prefix) : !Rest.starts_with(Prefix))
 		return false;
-	Position += static_cast<std::size_t>(At - Rest.data());
+	Position = Case == ESearchCase::IgnoreCase ? Text.size() - Rest.size() : Position + Prefix.size();
 	return true;
 }
 

@@ -1,10 +1,11 @@
 #include "Core/Tasks.h"
 
 #include "Core/Assert.h"
+#include "Core/StopToken.h"
 
 #include <algorithm>
 #include <array>
-#include <system_error>
+#include <exception>
 #include <utility>
 #include <vector>
 
@@ -33,20 +34,64 @@ int32 ChooseNumThreads(const FChunks& Chunks, int32 NumThreads)
 	return std::min(Chunks.Count(), NumThreads > 0 ? NumThreads : GetNumWorkers());
 }
 
-/** Runs the loop on the calling thread, as worker 0, and on further threads; does with fewer where the system gives no more. */
+/** Keeps what the first of several threads has thrown. */
+class FFirstFailure
+{
+public:
+	/** Inside of a handler. */
+	void Keep()
+	{
+		const std::lock_guard Guard(Lock);
+		if (!Failure)
+			Failure = std::current_exception();
+	}
+	/** When the other threads have ended. */
+	void Rethrow() const
+	{
+		if (Failure)
+			std::rethrow_exception(Failure);
+	}
+
+private:
+	std::mutex Lock;
+	std::exception_ptr Failure;
+};
+
+/** Runs the loop on the calling thread, as worker 0, and on further threads, under the caller's stop token; does with fewer where
+ * the system gives no more. What they throw is thrown when all have ended. */
 void RunOnThreads(int32 NumThreads, const std::function<void(int32 Worker)>& Loop)
 {
-	std::vector<std::jthread> Threads;
-	try
+	FFirstFailure Failure;
+	const auto RunLoop = [&](int32 Worker)
 	{
-		Threads.reserve(static_cast<std::size_t>(NumThreads));
-		for (int32 Worker = 1; Worker < NumThreads; ++Worker)
-			Threads.emplace_back([&Loop, Worker] { Loop(Worker); });
-	}
-	catch (const std::system_error&)
+		try
+		{
+			Loop(Worker);
+		}
+		catch (...)
+		{
+			Failure.Keep();
+		}
+	};
 	{
+		std::vector<std::jthread> Threads;
+		try
+		{
+			Threads.reserve(static_cast<std::size_t>(NumThreads));
+			for (int32 Worker = 1; Worker < NumThreads; ++Worker)
+				Threads.emplace_back(
+					[&RunLoop, Worker, Token = GetStopToken()]
+					{
+						const FStopScope Scope(Token);
+						RunLoop(Worker);
+					});
+		}
+		catch (const std::exception&)
+		{
+		}
+		RunLoop(0);
 	}
-	Loop(0);
+	Failure.Rethrow();
 }
 
 /** The state that the threads of one ordered run share. */
@@ -63,6 +108,8 @@ public:
 	int32 Claim();
 	/** Marks the chunk and consumes what has become ready, unless another thread is doing so. */
 	void Finish(int32 Chunk);
+	/** No chunk is claimed or consumed any more. */
+	void Stop();
 
 private:
 	const FChunks Chunks;
@@ -94,9 +141,18 @@ void FOrderedRun::Finish(int32 Chunk)
 		const bool bGoOn = Consume(Chunks.Begin(NumConsumed), Chunks.End(NumConsumed));
 		Guard.lock();
 		++NumConsumed;
-		bStopped = !bGoOn;
+		bStopped |= !bGoOn;
 		Advanced.notify_all();
 	}
+}
+
+void FOrderedRun::Stop()
+{
+	{
+		const std::lock_guard Guard(Lock);
+		bStopped = true;
+	}
+	Advanced.notify_all();
 }
 
 void RunOrderedHere(
@@ -128,10 +184,18 @@ void ParallelForOrdered(int32 Num, int32 ChunkSize, const std::function<void(int
 	RunOnThreads(ChosenThreads,
 		[&](int32 Worker)
 		{
-			for (int32 Chunk = Run.Claim(); Chunk != INDEX_NONE; Chunk = Run.Claim())
+			try
 			{
-				Work(Chunks.Begin(Chunk), Chunks.End(Chunk), Worker);
-				Run.Finish(Chunk);
+				for (int32 Chunk = Run.Claim(); Chunk != INDEX_NONE; Chunk = Run.Claim())
+				{
+					Work(Chunks.Begin(Chunk), Chunks.End(Chunk), Worker);
+					Run.Finish(Chunk);
+				}
+			}
+			catch (...)
+			{
+				Run.Stop(); // the others wait for this chunk
+				throw;
 			}
 		});
 }
@@ -144,8 +208,16 @@ void ParallelFor(
 	RunOnThreads(ChooseNumThreads(Chunks, NumThreads),
 		[&](int32 Worker)
 		{
-			for (int32 Chunk = NumClaimed++; Chunk < Chunks.Count(); Chunk = NumClaimed++)
-				Work(Chunks.Begin(Chunk), Chunks.End(Chunk), Worker);
+			try
+			{
+				for (int32 Chunk = NumClaimed++; Chunk < Chunks.Count(); Chunk = NumClaimed++)
+					Work(Chunks.Begin(Chunk), Chunks.End(Chunk), Worker);
+			}
+			catch (...)
+			{
+				NumClaimed = Chunks.Count();
+				throw;
+			}
 		});
 }
 

@@ -1,5 +1,6 @@
 #include "CoreObject/Class.h"
 
+#include "CoreObject/NativeClass.h"
 #include "CoreObject/Properties.h"
 #include "ObjectTable.h"
 
@@ -332,11 +333,13 @@ void FPropertyRange::FIterator::SkipToListed()
 
 UClass* FindClass(FStringView Path)
 {
+	FAutoNativeClass::BuildAll();
 	return static_cast<UClass*>(StaticFindObject(UClass::StaticClass(), Path));
 }
 
 void ForEachClass(const std::function<void(UClass&)>& Visit)
 {
+	FAutoNativeClass::BuildAll();
 	const std::vector<UStruct*>& Types = FObjectTable::Get().GetTypes();
 	for (std::size_t Index = 0; Index < Types.size(); ++Index)
 		if (UClass* const Class = Cast<UClass>(static_cast<UObject*>(Types[Index])))

@@ -71,11 +71,6 @@ void FSectionReader::Report(const FConfigLine& Line, int32 Column, const char* R
 		Diagnostics->Add({FileName, Line.Line, Column, EDiagnosticSeverity::Warning, std::move(Text), Rule});
 }
 
-bool IsSettingsClass(const UClass& Class)
-{
-	return Class.IsNative() && !Class.IsAbstract() && Class.IsChildOf(UDeveloperSettings::StaticClass());
-}
-
 void RestoreDefaults(UClass& Class)
 {
 	UObject* const Defaults = Class.GetDefaultObject();
@@ -91,6 +86,11 @@ UClass* UDeveloperSettings::StaticClass()
 	static UClass* const StaticClass =
 		TClassBuilder<UDeveloperSettings>("/Script/CoreObject.DeveloperSettings", UObject::StaticClass()).Abstract().Build();
 	return StaticClass;
+}
+
+bool IsSettingsClass(const UClass& Class)
+{
+	return Class.IsNative() && !Class.IsAbstract() && Class.IsChildOf(UDeveloperSettings::StaticClass());
 }
 
 void LoadDeveloperSettings(const FConfigFile& File, const FString& FileName, FDiagnosticSink* Diagnostics)

@@ -42,6 +42,25 @@ void FClassRegistrar::Fill(UScriptStruct& Struct, FNativeTypeDraft& Draft, const
 	Struct.NativeOps = &Ops;
 }
 
+namespace
+{
+constinit const FAutoNativeClass* FirstWaiting = nullptr; // needs no constructor, so static objects find it in any order
+}
+
+FAutoNativeClass::FAutoNativeClass(UClass* (*InStaticClass)()) : StaticClass(InStaticClass), Next(FirstWaiting)
+{
+	FirstWaiting = this;
+}
+
+void FAutoNativeClass::BuildAll()
+{
+	while (const FAutoNativeClass* const Waiting = FirstWaiting)
+	{
+		FirstWaiting = Waiting->Next;
+		Waiting->StaticClass();
+	}
+}
+
 UClass* RegisterNativeClass(FNativeTypeDraft Draft, UClass* Super, UObject* (*Constructor)(void* Memory), bool bAbstract)
 {
 	UClass& Metaclass = *UClass::StaticClass();

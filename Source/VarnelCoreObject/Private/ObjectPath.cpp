@@ -1,6 +1,7 @@
 #include "CoreObject/ObjectPath.h"
 
-#include <functional>
+#include "Core/SeededHash.h"
+#include "CoreObject/PackageName.h"
 
 namespace
 {
@@ -17,18 +18,6 @@ FString Join(FStringView Left, char Separator, FStringView Right)
 	Joined += Right;
 	return Joined;
 }
-}
-
-/**
- * Names may hold quotes. The path inside the form begins at a slash behind a quote, and nothing before it can be mistaken for
- * that: the name of a class has no slash, and the path of a class has none behind its dot.
- */
-FStringView StripExportForm(FStringView Text)
-{
-	const std::size_t ClassEnd = Text.starts_with('/') ? Text.find('.') : 0;
-	const std::size_t Start = ClassEnd == FStringView::npos ? ClassEnd : Text.find('/', ClassEnd);
-	const bool bExportForm = Start != FStringView::npos && Start > 0 && Text[Start - 1] == '\'' && Text.back() == '\'';
-	return bExportForm ? Text.substr(Start, Text.size() - Start - 1) : Text;
 }
 
 FTopLevelAssetPath::FTopLevelAssetPath(FStringView Text)
@@ -50,12 +39,12 @@ FString FTopLevelAssetPath::ToString() const
 
 uint64 GetTypeHash(const FTopLevelAssetPath& Path)
 {
-	return GetTypeHash(Path.PackageName) * 31 + GetTypeHash(Path.AssetName);
+	return SeededHash::MixHash(GetTypeHash(Path.PackageName), GetTypeHash(Path.AssetName));
 }
 
 FSoftObjectPath::FSoftObjectPath(FStringView Text)
 {
-	Text = StripExportForm(Text);
+	Text = FPackageName::ExportTextPathToObjectPath(Text);
 	const FStringView PackagePart = Text.substr(0, Text.find_first_of(".:"));
 	if (!NamesPackage(PackagePart))
 		return;

@@ -1,5 +1,6 @@
 #include "CoreObject/ObjectPtr.h"
 
+#include "Core/SeededHash.h"
 #include "CoreObject/Class.h"
 #include "CoreObject/Loader.h"
 #include "ObjectTable.h"
@@ -72,5 +73,5 @@ FName FObjectPtr::GetFName() const
 uint64 GetTypeHash(const FObjectPtr& Reference)
 {
 	const FSoftObjectPath Path = Reference.GetPath();
-	return GetTypeHash(Path.Asset) * 31 + GetTypeHash(Path.SubPath);
+	return SeededHash::MixHash(GetTypeHash(Path.Asset), GetTypeHash(Path.SubPath));
 }

@@ -28,40 +28,54 @@ bool HasPackageNameForm(FStringView Text)
 /** What lies below a root in a long name, "" when the name lies below another one. */
 FStringView BelowRoot(FStringView LongName, const FPackageName::FMountPoint& Mount)
 {
-	const std::size_t Length = Mount.Root.View().size();
-	if (LongName.size() <= Length || LongName[Length] != '/' || !Unicode::EqualsFolded(LongName.substr(0, Length), Mount.Root))
+	return Unicode::SkipFoldedPrefix(LongName, Mount.Root) && LongName.starts_with('/') ? LongName.substr(1) : FStringView();
+}
+
+/** Absolute, with slashes; "" for what names no file or name. */
+FString MakeFullPath(FStringView Text)
+{
+	std::string Path(Text);
+	std::replace(Path.begin(), Path.end(), '\\', '/');
+	const bool bAbsolute = Path.starts_with('/');
+	if (Path.empty() || Path.ends_with('/') || (!bAbsolute && FPaths::ProjectDir().IsEmpty()))
 		return {};
-	return LongName.substr(Length + 1);
+	return FPaths::ConvertRelativePathToFull(bAbsolute ? FString(std::move(Path)) : FPaths::Combine(FPaths::ProjectDir(), Path));
 }
 
 /** The mount with the longest folder that holds a file, or null: a mounted folder may lie inside another. */
-const FPackageName::FMountPoint* FindMountOfFile(FStringView FullPath)
+const FPackageName::FMountPoint* FindMountOfFile(FStringView FullPath, FStringView& OutRelative)
 {
 	const FPackageName::FMountPoint* Found = nullptr;
 	for (const FPackageName::FMountPoint& Mount : GetMounts())
 	{
-		if (FullPath.starts_with(Mount.Folder.View()) && (!Found || Found->Folder.View().size() < Mount.Folder.View().size()))
-			Found = &Mount;
+		FStringView Relative = FullPath;
+		if (!Unicode::SkipFoldedPrefix(Relative, Mount.Folder) || (Found && Relative.size() >= OutRelative.size()))
+			continue;
+		Found = &Mount;
+		OutRelative = Relative;
 	}
 	return Found;
 }
 
 bool ConvertFile(FStringView FullPath, FString& OutPackageName)
 {
-	const FPackageName::FMountPoint* const Mount = FindMountOfFile(FullPath);
+	FStringView Relative;
+	const FPackageName::FMountPoint* const Mount = FindMountOfFile(FullPath, Relative);
 	if (!Mount)
 		return false;
-	const FStringView Relative = FullPath.substr(Mount->Folder.View().size());
 	const IPackageSource& Source = GetVassetPackageSource();
-	if (!Source.IsPackageFile(Relative))
+	const std::size_t StemLength = Relative.size() - std::min(Relative.size(), Source.GetExtensionLength());
+	const FStringView Stem = Relative.substr(0, StemLength);
+	if (!Source.IsPackageFile(std::string(Stem) + Unicode::Fold(Relative.substr(StemLength))))
 		return false;
-	FString LongName = Mount->Root + "/" + Relative.substr(0, Relative.size() - Source.GetExtensionLength());
+	FString LongName = Mount->Root + "/" + Stem;
 	if (!FPackageName::IsValidLongPackageName(LongName))
 		return false;
 	OutPackageName = std::move(LongName);
 	return true;
 }
 
+/** What follows the name is cut; a slash in it would make it something else. */
 bool ConvertLongName(FStringView FullPath, FString& OutPackageName)
 {
 	const FStringView LongName = FullPath.substr(0, FullPath.find('.'));
@@ -121,17 +135,31 @@ FStringView FPackageName::GetLongPackagePath(FStringView PackageName)
 
 bool FPackageName::IsValidLongPackageName(FStringView Text)
 {
-	return HasPackageNameForm(Text) && Text.find('/', 1) != FStringView::npos;
+	return Text.size() <= MaxLongPackageNameBytes && HasPackageNameForm(Text) && Text.find('/', 1) != FStringView::npos;
+}
+
+/**
+ * Names may hold quotes. The path inside the form begins at a slash behind a quote, and nothing before it can be mistaken for
+ * that: the name of a class has no slash, and the path of a class has none behind its dot.
+ */
+FStringView FPackageName::ExportTextPathToObjectPath(FStringView Text)
+{
+	const std::size_t ClassEnd = Text.starts_with('/') ? Text.find('.') : 0;
+	const std::size_t Start = ClassEnd == FStringView::npos ? ClassEnd : Text.find('/', ClassEnd);
+	const bool bExportForm = Start != FStringView::npos && Start > 0 && Text[Start - 1] == '\'' && Text.back() == '\'';
+	return bExportForm ? Text.substr(Start, Text.size() - Start - 1) : Text;
+}
+
+bool FPackageName::TryConvertPackageFileToLongPackageName(FStringView Filename, FString& OutPackageName)
+{
+	const FString Full = MakeFullPath(Filename);
+	return !Full.IsEmpty() && ConvertFile(Full, OutPackageName);
 }
 
 bool FPackageName::TryConvertFilenameToLongPackageName(const FString& Filename, FString& OutPackageName)
 {
-	std::string Path = Filename.ToStdString();
-	std::replace(Path.begin(), Path.end(), '\\', '/');
-	const bool bAbsolute = Path.starts_with('/');
-	if (Path.empty() || Path.ends_with('/') || (!bAbsolute && FPaths::ProjectDir().IsEmpty()))
-		return false;
-	const FString Full =
-		FPaths::ConvertRelativePathToFull(bAbsolute ? FString(std::move(Path)) : FPaths::Combine(FPaths::ProjectDir(), Path));
-	return ConvertFile(Full, OutPackageName) || (bAbsolute && ConvertLongName(Full, OutPackageName));
+	const FStringView Path = ExportTextPathToObjectPath(Filename);
+	const bool bAbsolute = Path.starts_with('/') || Path.starts_with('\\');
+	return TryConvertPackageFileToLongPackageName(Path, OutPackageName) ||
+		(bAbsolute && ConvertLongName(MakeFullPath(Path), OutPackageName));
 }

@@ -1,5 +1,6 @@
 #include "ParseAhead.h"
 
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 
 #include <algorithm>
@@ -34,7 +35,8 @@ TUniquePtr<FPackageText> FParseAhead::Take(FName PackageName)
 		Work(Guard, *Slot);
 	while (Slot->State != EState::Ready)
 	{
-		if (const FSlotPtr Other = FindWork()) // rather than stand by
+		const FSlotPtr Other = IsStopRequested() ? nullptr : FindWork();
+		if (Other) // rather than stand by
 			Work(Guard, *Other);
 		else
 			SlotReady.wait(Guard, [&Slot] { return Slot->State == EState::Ready; });

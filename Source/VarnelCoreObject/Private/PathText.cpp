@@ -50,8 +50,7 @@ bool PathText::IsObjectPath(FStringView Text)
 
 bool PathText::IsScriptPath(FStringView Path)
 {
-	constexpr FStringView ScriptFolder = "/Script/";
-	return Unicode::EqualsFolded(Path.substr(0, ScriptFolder.size()), ScriptFolder);
+	return Unicode::SkipFoldedPrefix(Path, "/Script/");
 }
 
 FStringView PathText::PackageOf(FStringView ObjectPath)

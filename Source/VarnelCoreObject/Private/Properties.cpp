@@ -2,6 +2,21 @@
 
 #include "CoreObject/PropertyReader.h"
 
+FString FField::GetMetaData(const FString& Key) const
+{
+	const FString* const Value = MetaData ? MetaData->Find(Key) : nullptr;
+	return Value ? *Value : FString();
+}
+
+void FField::SetMetaData(FString Key, FString Value)
+{
+	if (Value.IsEmpty())
+		return;
+	if (!MetaData)
+		MetaData = MakeUnique<TMap<FString, FString>>();
+	MetaData->Add(std::move(Key), std::move(Value));
+}
+
 void FProperty::GatherStructs(std::vector<UScriptStruct*>&) const
 {
 }

@@ -1,5 +1,7 @@
 #include "CoreObject/PropertyReader.h"
 
+#include "Core/HashMap.h"
+#include "Core/SeededHash.h"
 #include "CoreObject/Properties.h"
 #include "JsonFaults.h"
 #include "LoadedPackages.h"
@@ -9,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
-#include <unordered_map>
 
 namespace
 {
@@ -63,7 +64,7 @@ public:
 	}
 
 private:
-	std::unordered_map<std::string_view, uint32> OffsetByKey;
+	THashMap<std::string_view, uint32, SeededHash::FHashText> OffsetByKey;
 };
 }
 

@@ -46,7 +46,7 @@ std::size_t FVassetHeaderReader::FHashFolded::operator()(std::string_view Text) 
 
 std::size_t FVassetHeaderReader::FHashFolded::operator()(const FAssetKey& Key) const
 {
-	return (*this)(Key.Name) + (Key.Outer.empty() ? 0 : 31 * (*this)(Key.Outer));
+	return SeededHash::MixHash((*this)(Key.Name), Key.Outer.empty() ? 0 : (*this)(Key.Outer));
 }
 
 bool FVassetHeaderReader::FEqualFolded::operator()(std::string_view A, std::string_view B) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/HashMap.h"
+#include "Core/SeededHash.h"
 #include "CoreObject/PackageSource.h"
 #include "JsonFaults.h"
 
@@ -39,7 +40,7 @@ private:
 	};
 	struct FHashTag
 	{
-		std::size_t operator()(const FTagKey& Key) const { return std::hash<std::string_view>()(Key.Key) + 31 * Key.Asset; }
+		std::size_t operator()(const FTagKey& Key) const { return SeededHash::HashBytes(Key.Key, Key.Asset); }
 	};
 	struct FHashFolded
 	{

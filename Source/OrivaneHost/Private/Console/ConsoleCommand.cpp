@@ -58,7 +58,7 @@ int RunConsole(const FConsoleArguments& Arguments)
 	int ExitCode = EExitCode::Found;
 	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
 		return ExitCode;
-	FConsoleSession Session(std::chrono::milliseconds(static_cast<int64>(Arguments.TimeLimitSeconds * 1000)));
+	FConsoleSession Session(Arguments.TimeLimit);
 	if (!Arguments.Lines.IsEmpty())
 		return RunLines(Session, Arguments.Lines);
 	return Terminal::IsStdinTerminal() && Terminal::IsStdoutTerminal() ? RunPrompt(Session) : RunPipe(Session);

@@ -1,6 +1,7 @@
 #include "Console/ConsoleCompletion.h"
 
 #include "Core/Console.h"
+#include "Core/Unicode.h"
 #include "Quellar/AssetRegistryUtils.h"
 #include "Quellar/AssetSearchService.h"
 #include "Quellar/ConsoleSearch.h"
@@ -41,9 +42,10 @@ void AddFolders(FStringView Typed, TArray<FString>& Out)
 	for (int32 Folder = 0; Folder < Paths.NumFolders(); ++Folder)
 	{
 		const FString Path = FString(Paths.GetFolderPath(Folder)) + "/";
-		if (!Path.StartsWith(Typed) || Path.View().size() <= Typed.size())
+		FStringView Rest = Path.View();
+		if (!Unicode::SkipFoldedPrefix(Rest, Typed) || Rest.empty())
 			continue;
-		const std::size_t Slash = Path.View().find('/', std::max<std::size_t>(Typed.size(), 1));
+		const std::size_t Slash = Path.View().find('/', std::max<std::size_t>(Path.View().size() - Rest.size(), 1));
 		if (FString Step(Path.View().substr(0, Slash + 1)); Out.IsEmpty() || Out.Last() != Step)
 			Out.Add(std::move(Step));
 	}

@@ -2,11 +2,14 @@
 
 #include "Core/Console.h"
 #include "Core/File.h"
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 #include "CoreObject/Loader.h"
 #include "NearestWord.h"
 #include "OrivaneHost/Program.h"
 #include "PackageMemory.h"
+#include "Project.h"
+#include "StopTimer.h"
 #include "Terminal.h"
 #include "TimeOutAdvice.h"
 #include "ToolOutput.h"
@@ -101,6 +104,9 @@ int FConsoleSession::Run(const FString& Line)
 		Words.RemoveAt(0);
 		return (this->*Own.Run)(Words);
 	}
+	FDiagnosticSink Faults;
+	if (FProject::RefreshSettings(Faults) && !Faults.GetSorted().IsEmpty())
+		Terminal::PrintError("the settings were read again, with faults; see: orivane check\n");
 	const int ExitCode = RunCommand(Line, Words);
 	EvictLoadedPackages(); // back below --object-memory, as between an agent's calls
 	return ExitCode;
@@ -110,6 +116,8 @@ int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Word
 {
 	const int32 NumBefore = FConsoleSearches::NumStarted();
 	const auto Start = std::chrono::steady_clock::now();
+	const FStopTimer Timer(TimeLimit);
+	const FStopScope Scope(Timer.GetToken());
 	if (!IConsoleManager::Get().ProcessUserConsoleInput(Line))
 	{
 		std::vector<std::string> Known;
@@ -119,24 +127,29 @@ int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Word
 		return Fail(FString("there is no command '") + Words[0] + "'" +
 			(Nearest.empty() ? FString() : FString(", did you mean '") + Nearest + "'?") + "; see: help");
 	}
-	if (FConsoleSearches::NumStarted() > NumBefore)
-		return WaitForSearch(FConsoleSearches::NumStarted(), Words);
+	if (const int32 Number = FConsoleSearches::NumStarted(); Number > NumBefore)
+	{
+		const auto IsFinished = [this, Number] { return LastFinished == Number; };
+		const bool bFinished = FGameThread::Get().RunUntil(IsFinished, std::chrono::hours(24 * 365), Timer.GetToken());
+		return bFinished ? LastExitCode : GiveUp(Words);
+	}
+	if (IsStopRequested())
+		return GiveUp(Words);
 	const std::chrono::duration<double, std::milli> Elapsed = std::chrono::steady_clock::now() - Start;
 	Terminal::Print(FString::Printf("done (%.1f ms)\n", Elapsed.count()));
 	return EExitCode::Found;
 }
 
-int FConsoleSession::WaitForSearch(int32 Number, const TArray<FString>& Words)
+int FConsoleSession::GiveUp(const TArray<FString>& Words) const
 {
-	if (FGameThread::Get().RunUntil([&] { return LastFinished == Number; }, TimeLimit, Interrupt::GetToken()))
-		return LastExitCode;
 	if (Interrupt::IsRequested())
 		return EExitCode::Interrupted;
 	const double Seconds = std::chrono::duration<double>(TimeLimit).count();
-	FString Text =
-		FString("the search did not complete within ") + FString::SanitizeFloat(Seconds, 0) + " s; nothing was written";
+	const bool bIsSearch = !FConsoleSearches::GetWords(Words[0]).IsEmpty();
+	FString Text = FString(bIsSearch ? "the search" : "the command") + " did not complete within " +
+		FString::SanitizeFloat(Seconds, 0) + " s; nothing was written";
 	const FAssetSearchParams Params = FConsoleSearches::ReadParams(Words[0], Words);
-	Text += NeverEnds(Params.Term, Params.IncludeAssetFamilies)
+	Text += bIsSearch && NeverEnds(Params.Term, Params.IncludeAssetFamilies)
 		? "; a search of Blueprints never ends with an empty term: give term=, or families= without Blueprint"
 		: "; allow more time with --time-limit";
 	Terminal::PrintError(Text + "\n");

@@ -13,7 +13,8 @@
 class FConsoleSession
 {
 public:
-	/** A search that has not reported after TimeLimit is waited for no longer. */
+	/** A command that has not completed after TimeLimit is given up: it is asked to stop, and what it finds until then is
+	 * dropped. */
 	explicit FConsoleSession(std::chrono::milliseconds InTimeLimit);
 	~FConsoleSession();
 	FConsoleSession(const FConsoleSession&) = delete;
@@ -41,7 +42,7 @@ private:
 	int RunLoad(const TArray<FString>& Args);
 	int RunUnload(const TArray<FString>& Args);
 	int RunCommand(const FString& Line, const TArray<FString>& Words);
-	int WaitForSearch(int32 Number, const TArray<FString>& Words);
+	int GiveUp(const TArray<FString>& Words) const;
 	void OnSearchFinished(const FConsoleSearches::FReport& Report);
 
 	const std::chrono::milliseconds TimeLimit;

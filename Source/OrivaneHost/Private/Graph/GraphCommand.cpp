@@ -4,9 +4,11 @@
 #include "Graph/GraphTree.h"
 #include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
+#include "Quellar/AssetGraphService.h"
 #include "Quellar/AssetPathUtils.h"
 #include "Quellar/AssetRegistryUtils.h"
 #include "Quellar/AssetSearchService.h"
+#include "Quellar/ToolArguments.h"
 
 namespace
 {
@@ -14,16 +16,19 @@ using namespace ToolOutput;
 
 constexpr int32 MaxSuggestions = 5;
 
-FString MakeToolArguments(const FGraphArguments& Arguments)
+/** As it was typed. */
+FString GetAsset(const FGraphArguments& Arguments)
 {
-	FJsonObject Args;
-	Args.SetStringField("asset_path", Arguments.Asset);
-	Args.SetStringField("relation", Arguments.Relation);
-	Args.SetNumberField("depth", Arguments.Depth);
-	Args.SetNumberField("max_nodes", Arguments.MaxNodes);
-	Args.SetNumberField("max_fanout_per_node", Arguments.MaxFanout);
-	Args.SetBoolField("high_signal_only", !Arguments.bAllKinds);
-	return Json::Write(Args);
+	FString Asset;
+	Arguments.Tool->TryGetStringField("asset_path", Asset);
+	return Asset;
+}
+
+int32 GetMaxNodes(const FGraphArguments& Arguments)
+{
+	int32 MaxNodes = FExploreAssetGraphParams().MaxNodes;
+	Arguments.Tool->TryGetNumberField("max_nodes", MaxNodes);
+	return MaxNodes;
 }
 
 /** The answer does not tell what the root is. */
@@ -60,6 +65,11 @@ void PrintSuggestions(const FString& AskedFor)
 		Terminal::PrintError("  an asset is named by its package, such as /Game/UI/W_Menu; find it with: orivane paths NAME\n");
 }
 
+bool IsStandardOutput(const FString& File)
+{
+	return File.IsEmpty() || File.View() == "-";
+}
+
 FString Render(const FJsonObject& Content, const FGraphArguments& Arguments)
 {
 	const FString RootKind = GetRootKind(Content);
@@ -76,18 +86,20 @@ FString Render(const FJsonObject& Content, const FGraphArguments& Arguments)
 		case EGraphFormat::Tree:
 			break;
 	}
-	const bool bColor = Terminal::UsesColor(Arguments.Color) && Arguments.OutputFile.IsEmpty();
-	return RenderGraphTree(Content, RootKind, Arguments.MaxNodes, FPainter(bColor));
+	const bool bColor = Terminal::UsesColor(Arguments.Color) && IsStandardOutput(Arguments.OutputFile);
+	return RenderGraphTree(Content, RootKind, GetMaxNodes(Arguments), FPainter(bColor));
 }
 
 /** False after saying why. */
 bool Write(const FString& Text, const FGraphArguments& Arguments)
 {
-	if (Arguments.OutputFile.IsEmpty())
+	if (IsStandardOutput(Arguments.OutputFile))
 		return Terminal::Print(Text);
-	if (FFileHelper::SaveStringToFile(Text, FPaths::ConvertRelativePathToFull(Arguments.OutputFile)))
+	FString Error;
+	if (FFileHelper::WriteUserFile(Text, Arguments.OutputFile, Error))
 		return true;
-	Terminal::PrintError(FString("orivane graph: cannot write ") + Terminal::Sanitize(Arguments.OutputFile) + "\n");
+	Terminal::PrintError(
+		FString("orivane graph: cannot write ") + Terminal::Sanitize(Arguments.OutputFile + ": " + Error) + "\n");
 	return false;
 }
 
@@ -98,12 +110,12 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 		PrintProblems("graph", Result);
 	if (!Content)
 	{
-		PrintSuggestions(Arguments.Asset);
+		PrintSuggestions(GetAsset(Arguments));
 		return EExitCode::NotFound;
 	}
 	if (GetText(*Content, "root").IsEmpty())
 	{
-		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(Arguments.Asset) + "' is no package\n");
+		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(GetAsset(Arguments)) + "' is no package\n");
 		return EExitCode::NotFound;
 	}
 	if (!Write(Render(*Content, Arguments), Arguments))
@@ -117,6 +129,6 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 int RunGraph(const FGraphArguments& Arguments)
 {
 	const FHeadlessEngine Engine;
-	return CallToolOfProject(Arguments.Project, Arguments.TimeLimitSeconds, "explore_asset_graph", MakeToolArguments(Arguments),
+	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, ToolNames::AssetGraph, Json::Write(*Arguments.Tool),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

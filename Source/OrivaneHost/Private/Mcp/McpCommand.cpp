@@ -19,8 +19,6 @@
 
 namespace
 {
-DEFINE_LOG_CATEGORY(LogMcp);
-
 // From the end of a session on: what is under way may finish, what is answered is written, and then the process is gone, whatever
 // hangs.
 constexpr auto GraceTime = std::chrono::milliseconds(400);
@@ -79,11 +77,6 @@ int TakeStandardOutput()
 	return Output;
 }
 
-std::chrono::milliseconds ToMilliseconds(double Seconds)
-{
-	return std::chrono::milliseconds(static_cast<int64>(Seconds * 1000));
-}
-
 void ServeClient(FMcpServer& Server, FMcpStdio& Stdio)
 {
 	const EMcpEnd End = Stdio.Read(Server);
@@ -132,10 +125,9 @@ int RunMcp(const FMcpArguments& Arguments)
 	const FHeadlessEngine Engine;
 	if (Arguments.bPathSearch)
 		RegisterPathSearchTool();
-	const auto Host =
-		MakeShared<FMcpProjectHost>(FOrivaneToolkitModule::GetToolExecutor(), ToMilliseconds(Arguments.TimeLimitSeconds));
+	const auto Host = MakeShared<FMcpProjectHost>(FOrivaneToolkitModule::GetToolExecutor(), Arguments.TimeLimit);
 	const auto Server = MakeShared<FMcpServer>(Host,
-		FMcpServerOptions{.Deadline = ToMilliseconds(Arguments.DeadlineSeconds), .MaxAnswerBytes = Arguments.MaxAnswerBytes},
+		FMcpServerOptions{.Deadline = Arguments.Deadline, .MaxAnswerBytes = Arguments.MaxAnswerBytes},
 		[&Stdio](std::string Line) { Stdio.Write(std::move(Line)); });
 
 	std::stop_source Ended;
@@ -143,6 +135,7 @@ int RunMcp(const FMcpArguments& Arguments)
 		[&]
 		{
 			ServeClient(*Server, Stdio);
+			Host->CancelCalls();
 			Ended.request_stop();
 		});
 	OpenProject(Arguments.Project, Ended.get_token(), *Host);

@@ -2,10 +2,13 @@
 
 #include "Core/Tasks.h"
 #include "CoreObject/Loader.h"
+#include "Quellar/ToolArguments.h"
 #include "TimeOutAdvice.h"
 #include "ToolSchemas.h"
 
 #include <utility>
+
+DEFINE_LOG_CATEGORY(LogMcp);
 
 namespace
 {
@@ -15,6 +18,24 @@ TSharedPtr<FJsonObject> MakeAnyObjectSchema()
 	auto Schema = MakeShared<FJsonObject>();
 	Schema->SetStringField("type", "object");
 	return Schema;
+}
+
+void RefreshSettings()
+{
+	FDiagnosticSink Faults;
+	if (FProject::RefreshSettings(Faults) && !Faults.GetSorted().IsEmpty())
+		Log::Write(LogMcp, ELogVerbosity::Warning, "the settings were read again, with faults; see: orivane check");
+}
+
+TArray<FString> ListNarrowingArguments(const FToolDeclaration& Tool)
+{
+	TArray<FToolArgument> Narrowing = Tool.Arguments;
+	Narrowing.RemoveAll([](const FToolArgument& Argument) { return Argument.Narrowing == 0; });
+	Narrowing.StableSort([](const FToolArgument& A, const FToolArgument& B) { return A.Narrowing < B.Narrowing; });
+	TArray<FString> Keys;
+	for (const FToolArgument& Argument : Narrowing)
+		Keys.Add(Argument.Key);
+	return Keys;
 }
 
 FMcpTool MakeTool(const FString& Name, const Orivane::ITool& Entry)
@@ -31,6 +52,8 @@ FMcpTool MakeTool(const FString& Name, const Orivane::ITool& Entry)
 		Tool.OutputSchema = Schema->Output;
 		Tool.bReadOnly = true;
 	}
+	if (const FToolDeclaration* Declaration = FindToolDeclaration(Name))
+		Tool.NarrowingArguments = ListNarrowingArguments(*Declaration);
 	return Tool;
 }
 }
@@ -79,6 +102,7 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 /** The executor answers on other threads or later, so an answer finds the executor's id stored: it waits for the lock. */
 void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 {
+	AsyncTask(ENamedThreads::GameThread, RefreshSettings); // goes before the tool, which is queued behind it
 	Call.ExecutorId = Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut},
 		[WeakThis = weak_from_this(), Number](Orivane::FToolResult& Result)
 		{
@@ -122,6 +146,20 @@ void FMcpProjectHost::CancelCall(FMcpCallNumber Number)
 	}
 	if (ExecutorId != 0)
 		Executor->Cancel(ExecutorId);
+}
+
+void FMcpProjectHost::CancelCalls()
+{
+	std::map<FMcpCallNumber, FCall> Cancelled;
+	{
+		std::lock_guard Guard(Lock);
+		Cancelled.swap(Calls);
+	}
+	for (const auto& [Number, Call] : Cancelled)
+	{
+		if (Call.ExecutorId != 0)
+			Executor->Cancel(Call.ExecutorId);
+	}
 }
 
 FMcpCallProgress FMcpProjectHost::GetCallProgress(FMcpCallNumber) const

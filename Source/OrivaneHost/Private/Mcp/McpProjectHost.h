@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Log.h"
 #include "Mcp/McpToolHost.h"
 #include "OrivaneToolkit/ToolExecutor.h"
 #include "Project.h"
@@ -8,6 +9,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+
+DECLARE_LOG_CATEGORY(LogMcp);
 
 /**
  * Serves the registered tools to the protocol server. Calls that come before the project is open wait for it; when it cannot be
@@ -24,6 +27,8 @@ public:
 	// One of the two, once.
 	void OnProjectOpened();
 	void OnProjectFailed(const FString& Reason);
+	/** Nobody waits for any answer any more; what runs is asked to stop. Any thread. */
+	void CancelCalls();
 
 	TArray<FMcpTool> GetTools() const override;
 	void StartCall(FMcpCallNumber Number, const FString& ToolName, const FString& ArgumentsJson, FOnAnswer OnAnswer) override;

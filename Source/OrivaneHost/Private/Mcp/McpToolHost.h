@@ -13,6 +13,7 @@ struct FMcpTool
 	FString Description;
 	TSharedPtr<FJsonObject> InputSchema;  // "type": "object"
 	TSharedPtr<FJsonObject> OutputSchema; // of the structured answer; null: nothing is promised
+	TArray<FString> NarrowingArguments;	  // those that make its answer smaller, the most useful first
 	bool bReadOnly = false;				  // it changes nothing and asks nobody outside the project
 };
 

@@ -1,5 +1,7 @@
 #include "Mcp/McpTools.h"
 
+#include "Quellar/ToolArguments.h"
+
 namespace
 {
 struct FToolAdvice
@@ -10,21 +12,16 @@ struct FToolAdvice
 
 /** In the order in which an agent meets the tools. */
 constexpr FToolAdvice Advice[] = {
-	{"asset_search",
+	{ToolNames::AssetSearch,
 		"Begin with asset_search: it finds the assets and text files that contain a name or value, with the places inside them. "
 		"The argument term is required; path_contains and include_asset_families narrow the search."},
-	{"asset_path_search",
+	{ToolNames::AssetPathSearch,
 		"asset_path_search finds assets by their path alone; use it when a part of the asset's name or folder is known."},
-	{"explore_asset_graph",
+	{ToolNames::AssetGraph,
 		"explore_asset_graph takes the path of an asset (\"asset\" in what asset_search answers) and lists what it depends on "
 		"and what "
 		"refers to it."},
 };
-
-/** Arguments that make an answer smaller, the most useful first. */
-constexpr const char* NarrowingArguments[] = {"path_contains", "include_asset_families", "class_filters", "relation", "depth",
-	"max_total_hits", "max_hits_per_asset_type", "max_hits_per_kind", "max_nodes", "max_fanout_per_node", "max_file_results",
-	"max_directory_buckets", "max_files_per_directory"};
 
 TSharedPtr<FJsonObject> MakeAnnotations()
 {
@@ -142,12 +139,5 @@ FString McpTools::DescribeArguments(const FMcpTool& Tool)
 
 FString McpTools::ListNarrowingArguments(const FMcpTool& Tool)
 {
-	const TArray<FString> Arguments = GetArguments(Tool);
-	TArray<FString> Names;
-	for (const char* Name : NarrowingArguments)
-	{
-		if (Arguments.Contains(Name))
-			Names.Add(Name);
-	}
-	return Join(Names, ", ");
+	return Join(Tool.NarrowingArguments, ", ");
 }

@@ -2,16 +2,23 @@
 
 #include "Core/Json.h"
 
+/** Whether a file counts as text, by its path. Any thread. */
+using FIsTextFile = bool (*)(FStringView Path);
+
 /** What the family's tool operations share. Game thread. */
 class FAssetOperationBase
 {
 public:
 	/**
-	 * Whether an asset is there, without regard to case: a package with at least one asset that is not registry-filtered; an
-	 * object path of such an asset; a file-system path that converts to such a package; or a project file whose path relative to
-	 * the project, cut at its first dot, equals Path.
+	 * Whether an asset is there, without regard to case: a package with at least one asset that is not registry-filtered; the
+	 * object path of any asset, filtered or not; both also in the export form Class'/Game/A.A'; the file of such a package,
+	 * absolute or relative to the project; or a text file whose path relative to the project, cut at its first dot, equals Path.
+	 * Below /Game, /Script and /Engine a path counts as it stands, with one dot at most: explorations would make something else
+	 * of "/Game//A" and "/Game/A.A.uasset". Keeps nothing of Path.
 	 */
 	static bool AssetExists(const FString& Path);
+	/** Says which of the project's files are text files; null, as before the first call: none. */
+	static void SetTextFileRule(FIsTextFile Rule);
 	/** Compact JSON text; "{}" for null. */
 	static FString SerializeJson(const TSharedPtr<FJsonObject>& Object);
 };

@@ -9,6 +9,8 @@ class FOrivaneToolkitModule : public IModuleInterface
 public:
 	FOrivaneToolkitModule();
 	~FOrivaneToolkitModule() override;
+	/** Makes the family's settings class known. */
+	void StartupModule() override;
 
 	/** The executor of the loaded module; null when the module is not loaded. */
 	static TSharedPtr<Orivane::IToolExecutor> GetToolExecutor();

@@ -11,7 +11,7 @@ using FToolCallId = uint64;
 
 struct FToolCallOptions
 {
-	/** From the moment the tool starts to run; waiting in the queue does not count. */
+	/** From the moment the tool starts to run; waiting for other tools does not count. */
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 	/** Appended to the time-out message when it gives a text: what the caller should know or do. May be empty. */
 	std::function<FString(const FToolCommand&)> ExplainTimeOut;
@@ -38,12 +38,14 @@ public:
 	/**
 	 * Queues a call. OnAnswer is executed exactly once unless the call is cancelled: on the game thread with the tool's result,
 	 * or, when the time limit passes first, on the executor's clock thread with an error result (a busy game thread cannot hold
-	 * that up). A completion that comes later is dropped. An unknown tool is answered with an error.
+	 * that up). The tool is then asked to stop, see Core/StopToken.h, and a completion that comes later is dropped. A call that
+	 * cannot start, because an earlier one keeps the game thread beyond that one's limit, is answered with an error that names
+	 * it. An unknown tool is answered with an error, and so are the calls that are open when the executor goes.
 	 */
 	virtual FToolCallId Call(
 		const FToolCommand& Command, const FToolCallOptions& Options, TDelegate<void(FToolResult&)> OnAnswer) = 0;
-	/** The call's OnAnswer will not be executed any more; its place in the queue is free. False when it has been answered (or is
-	 * being answered) already. */
+	/** The call's OnAnswer will not be executed any more; its place in the queue is free, and its tool is asked to stop. False
+	 * when it has been answered (or is being answered) already. */
 	virtual bool Cancel(FToolCallId Id) = 0;
 	/** A tool has been started whose call is neither answered nor cancelled; calls that wait do not count. */
 	virtual bool IsAnyToolRunning() const = 0;

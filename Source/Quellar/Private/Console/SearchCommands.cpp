@@ -4,6 +4,7 @@
 #include "Console/ConsoleWords.h"
 #include "Core/Console.h"
 #include "Core/File.h"
+#include "Core/StopToken.h"
 #include "Quellar/AssetSearchService.h"
 #include "Quellar/ConsoleSearch.h"
 
@@ -46,8 +47,12 @@ private:
 	void Run(const TArray<FString>& Words) const
 	{
 		const int32 Number = ++GetState().NumStarted;
-		UAssetSearchService::Get().AssetSearch(
-			ReadSearchWords(Traits, Words), [this, Number](const FAssetSearchResult& Found) { Finish(Traits, Number, Found); });
+		UAssetSearchService::Get().AssetSearch(ReadSearchWords(Traits, Words),
+			[this, Number, StopToken = GetStopToken()](const FAssetSearchResult& Found)
+			{
+				if (!StopToken.stop_requested())
+					Finish(Traits, Number, Found);
+			});
 	}
 
 	const FConsoleSearchTraits Traits;

@@ -1,5 +1,6 @@
 #include "Families/BlueprintFamily.h"
 
+#include "Core/StopToken.h"
 #include "Core/Tasks.h"
 #include "CoreObject/PackageName.h"
 #include "Engine/WidgetBlueprint.h"
@@ -41,7 +42,7 @@ TArray<FAssetData> GatherAssets(const TArray<UClass*>& Classes, EOrder Order)
 	return Assets;
 }
 
-/** One search of the family, from the query to the report. */
+/** One search of the family, from the query to the report. It goes on in posted tasks, under the stop token it began with. */
 class FBlueprintSearch : public std::enable_shared_from_this<FBlueprintSearch>
 {
 public:
@@ -56,8 +57,12 @@ public:
 		FBlueprintFindUtils::Get().MakeSearchQuery(Params.Term, QueryOptions,
 			[This = shared_from_this()](TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints)
 			{
+				const bool bAbandoned = IsStopRequested();
 				This->ReadIndex(Blueprints);
-				AsyncTask(ENamedThreads::GameThread, [This] { This->Finish(); });
+				if (bAbandoned)
+					This->Report();
+				else
+					AsyncTask(ENamedThreads::GameThread, [This] { This->Finish(); });
 			});
 	}
 
@@ -65,22 +70,25 @@ private:
 	void ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints);
 	bool ConvertEntry(const FFindInBlueprintsResult& Entry, const FString& BlueprintPath);
 	void Finish();
+	void Report();
 	void ReadWidgets();
 	void ReadWidgetBlueprint(const UWidgetBlueprint& Blueprint, FHitSink& Hits) const;
 	void ReadNames();
-	FAssetResult& FindOrAddResult(const FAssetData& Asset);
-	bool IsFull() const { return OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
+	static FAssetResult MakeResult(const FAssetData& Asset);
+	bool IsFull() const { return IsStopRequested() || OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
 
 	const FAssetSearchParams Params;
 	const FOnAssetSearchComplete OnDone;
+	const std::stop_token StopToken = GetStopToken();
 	int32 TotalHits = 0;					   // of the index and of widgets; names do not count
 	TMap<FString, FAssetResult> IndexResults;  // by object path
-	TMap<FString, FAssetResult> ObjectResults; // of widgets and names, by object path
+	TMap<FString, FAssetResult> ObjectResults; // by object path: those with widgets, then those found by their names alone
 };
 
 /** The Blueprints come with the delivery rather than from GetItemsFound: a query made since then may be filling that list. */
 void FBlueprintSearch::ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints)
 {
+	const FStopScope Scope(StopToken);
 	const FAssetSearchParams PathParams{.Term = Params.PathContains, .bCaseSensitive = Params.bCaseSensitive};
 	for (const TSharedPtr<FImaginaryFiBData>& Blueprint : Blueprints)
 	{
@@ -116,17 +124,23 @@ bool FBlueprintSearch::ConvertEntry(const FFindInBlueprintsResult& Entry, const 
 
 void FBlueprintSearch::Finish()
 {
+	const FStopScope Scope(StopToken);
 	ReadWidgets();
 	ReadNames();
+	Report();
+}
+
+void FBlueprintSearch::Report()
+{
+	const FStopScope Scope(StopToken);
 	FAssetSearchResult Found;
-	for (const TMap<FString, FAssetResult>* Results : {&IndexResults, &ObjectResults})
+	for (const auto& [Path, Result] : IndexResults)
 	{
-		for (const auto& [Path, Result] : *Results)
-		{
-			if (!Result.Hits.IsEmpty())
-				Found.Results.Add(Result);
-		}
+		if (!Result.Hits.IsEmpty())
+			Found.Results.Add(Result);
 	}
+	for (const auto& [Path, Result] : ObjectResults)
+		Found.Results.Add(Result);
 	OnDone.ExecuteIfBound(Found);
 }
 
@@ -142,8 +156,11 @@ void FBlueprintSearch::ReadWidgets()
 			IsInScope(Asset, Params) ? Cast<UWidgetBlueprint>(ResolveAssetObject(Asset, ELoad::IfMissing)) : nullptr;
 		if (!Blueprint)
 			continue;
-		FHitSink Hits(FindOrAddResult(Asset), Params, TotalHits);
+		FAssetResult Result = MakeResult(Asset);
+		FHitSink Hits(Result, Params, TotalHits);
 		ReadWidgetBlueprint(*Blueprint, Hits);
+		if (Hits.HasHits())
+			ObjectResults.Add(Asset.GetObjectPathString(), std::move(Result));
 	}
 }
 
@@ -174,25 +191,25 @@ void FBlueprintSearch::ReadNames()
 	const TArray<UClass*> Classes = {UBlueprint::StaticClass(), UWidgetBlueprint::StaticClass(), UAnimBlueprint::StaticClass()};
 	for (const FAssetData& Asset : GatherAssets(Classes, EOrder::Registry))
 	{
+		if (IsStopRequested())
+			return;
 		const FString Name = Asset.AssetName.ToString();
 		if (!OrivaneSearchUtils::TermMatches(Name, Params) || !PassesPathFilter(Asset.PackagePath.ToString(), Params))
 			continue;
+		FAssetResult& Result = ObjectResults.FindOrAdd(Asset.GetObjectPathString());
+		if (Result.Hits.IsEmpty())
+			Result = MakeResult(Asset);
 		int32 NoHitsYet = 0; // this pass is capped by its assets, not by the hits of the search
-		OrivaneSearchUtils::AppendHitWithCaps(FindOrAddResult(Asset), "AssetName", Name, "", Params, NoHitsYet);
+		OrivaneSearchUtils::AppendHitWithCaps(Result, "AssetName", Name, "", Params, NoHitsYet);
 		if (OrivaneSearchUtils::HasReachedCap(++NumReported, Params.MaxTotalHits))
 			return;
 	}
 }
 
-FAssetResult& FBlueprintSearch::FindOrAddResult(const FAssetData& Asset)
+FAssetResult FBlueprintSearch::MakeResult(const FAssetData& Asset)
 {
-	FAssetResult& Result = ObjectResults.FindOrAdd(Asset.GetObjectPathString());
-	if (Result.AssetPath.IsEmpty())
-	{
-		Result.AssetPath = Asset.GetSoftObjectPath().ToString();
-		Result.AssetClass = AssetTypeFromClassName(Asset.AssetClassPath.AssetName);
-	}
-	return Result;
+	return {
+		.AssetPath = Asset.GetSoftObjectPath().ToString(), .AssetClass = AssetTypeFromClassName(Asset.AssetClassPath.AssetName)};
 }
 }
 

@@ -17,7 +17,7 @@ std::function<FName()> ListPackagesInScope(const TArray<FAssetData>& Assets, con
 {
 	return [&Assets, &Params, Place = 0]() mutable
 	{
-		while (Place < Assets.Num())
+		while (Place < Assets.Num() && !IsStopRequested())
 		{
 			const FAssetData& Asset = Assets[Place++];
 			if (IsInScope(Asset, Params))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/StopToken.h"
 #include "CoreObject/Loader.h"
 #include "Quellar/AssetRegistryUtils.h"
 #include "Quellar/AssetSearchService.h"
@@ -39,8 +40,8 @@ public:
 		OrivaneSearchUtils::AppendHitWithCaps(Result, Kind, Name, Container, Params, TotalHits);
 	}
 	bool Matches(const FString& Text) const { return OrivaneSearchUtils::TermMatches(Text, Params); }
-	/** The scan's hit cap is reached; stop reading. */
-	bool IsFull() const { return OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
+	/** Stop reading: the scan's hit cap is reached, or nobody wants what it finds any more. */
+	bool IsFull() const { return IsStopRequested() || OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
 	bool HasHits() const { return !Result.Hits.IsEmpty(); }
 
 private:
@@ -53,7 +54,8 @@ private:
 bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params);
 /** The entry is complete, not excluded, and its folder passes the search's path filter. */
 bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params);
-/** For an FPackagePrefetch: gives the packages of the assets in scope, one a call, None at the end. Both arguments outlive it. */
+/** For an FPackagePrefetch: gives the packages of the assets in scope, one a call, None at the end or when stopped. Both
+ * arguments outlive it. */
 std::function<FName()> ListPackagesInScope(const TArray<FAssetData>& Assets, const FAssetSearchParams& Params);
 
 /** What a scan's reader does with the assets' packages. */
@@ -66,8 +68,8 @@ enum class EPackageUse : uint8
 /**
  * Visits every asset of the classes and of those derived from them, in registry order, until the hit cap is reached, and lets
  * ReadAsset(const FAssetData&, FAssetResult&, FHitSink&) report on each and say its class text. Assets that are excluded or
- * outside the path filter are skipped in silence, those without a hit are left out. Loads nothing itself. Game thread only.
- * Executes OnDone once, before it returns.
+ * outside the path filter are skipped in silence, those without a hit are left out. Loads nothing itself. A stop, see
+ * Core/StopToken.h, ends it early. Game thread only. Executes OnDone once, before it returns.
  */
 template <class TReadAsset>
 void ScanAssets(const TArray<UClass*>& Classes, EPackageUse PackageUse, const FAssetSearchParams& Params,
@@ -81,6 +83,8 @@ void ScanAssets(const TArray<UClass*>& Classes, EPackageUse PackageUse, const FA
 		Prefetch.emplace(ListPackagesInScope(Assets, Params));
 	for (const FAssetData& Asset : Assets)
 	{
+		if (IsStopRequested())
+			break;
 		if (!IsInScope(Asset, Params))
 			continue;
 		FAssetResult Result;
@@ -114,6 +118,6 @@ void ScanFamily(
 			Result.AssetClass = Traits.ClassText;
 			ReadAsset(*Object, Hits);
 			if (!Hits.HasHits())
-				Hits.Add("AssetName", Object->GetName(), Traits.NameContainer);
+				Hits.Add("AssetName", Asset.AssetName.ToString(), Traits.NameContainer);
 		});
 }

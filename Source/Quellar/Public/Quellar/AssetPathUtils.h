@@ -8,7 +8,8 @@ namespace AssetPathUtils
 /**
  * The package that a text names: a long package name or object path below /Game, /Script or /Engine (what follows the last "."
  * is cut; the package need not exist), or whatever FPackageName::TryConvertFilenameToLongPackageName accepts, such as a package's
- * file or a path below another mounted root. False, and Out as it was, for an empty text, a bare name and everything else.
+ * file or a path below another mounted root. Named as the registry spells it, where that knows the package. False, and Out as it
+ * was, for an empty text, a bare name, a name longer than any package's, and everything else.
  */
 bool NormalizeToPackageName(const FString& Path, FName& Out);
 

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "AssetRegistry/IAssetRegistry.h"
+#include "Core/Log.h"
 #include "CoreObject/Class.h"
+
+DECLARE_LOG_CATEGORY(LogAssetRegistryUtils); // of whoever calls these helpers: they themselves write nothing
 
 /** The module's way to the asset registry. Nothing here loads an asset. */
 namespace OrivaneAssetRegistryUtils

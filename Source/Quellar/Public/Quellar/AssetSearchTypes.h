@@ -15,6 +15,31 @@ struct FAssetHit
 	TSharedPtr<FJsonObject> Anchor;
 };
 
+/**
+ * Finds a hit of one result without a look at all others. Follows hits that are added; a copy of the result starts with an empty
+ * one, which is filled when it is first asked.
+ */
+class FAssetHitIndex
+{
+public:
+	FAssetHitIndex();
+	~FAssetHitIndex();
+	FAssetHitIndex(const FAssetHitIndex&);
+	FAssetHitIndex& operator=(const FAssetHitIndex&);
+	FAssetHitIndex(FAssetHitIndex&&) noexcept;
+	FAssetHitIndex& operator=(FAssetHitIndex&&) noexcept;
+
+	/** Place of the hit of that kind, name and container, without regard to case; INDEX_NONE when there is none. */
+	int32 Find(const TArray<FAssetHit>& Hits, const FString& Kind, const FString& Name, const FString& Container);
+	/** Hits of that kind, without regard to case. */
+	int32 CountOfKind(const TArray<FAssetHit>& Hits, const FString& Kind);
+
+private:
+	struct FTables;
+	FTables& Update(const TArray<FAssetHit>& Hits);
+	TUniquePtr<FTables> Tables; // null while a look at every hit is faster
+};
+
 /** One asset with its hits, in order of first appearance. */
 struct FAssetResult
 {
@@ -22,6 +47,7 @@ struct FAssetResult
 	FString AssetClass;
 	bool bTruncated = false; // a hit was refused because its kind had reached the per-kind cap
 	TArray<FAssetHit> Hits;
+	FAssetHitIndex Index; // of Hits, kept by OrivaneSearchUtils
 };
 
 struct FAssetSearchParams

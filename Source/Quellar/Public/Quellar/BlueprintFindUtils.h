@@ -1,24 +1,20 @@
 #pragma once
 
 #include "BlueprintIndex/StreamSearch.h"
+#include "Core/ActiveTimer.h"
 #include "Core/Delegate.h"
 
 #include <atomic>
+#include <utility>
 
-/** Executed once, on the game thread, with one element for each Blueprint that matched; their lines are expanded. */
+/** Executed once, on the game thread, with one element for each Blueprint that matched; their lines are expanded. When a search
+ * is abandoned, inside of Abandon and with a stop requested, see Core/StopToken.h: whoever was to go on later does not. */
 using FOnBlueprintSearchComplete = TDelegate<void(TArray<TSharedPtr<FImaginaryFiBData>>&)>;
 
-/** Whether something that is called again and again wants to be called once more. */
-enum class EActiveTimerReturnType : uint8
-{
-	Stop,
-	Continue,
-};
-
 /**
- * The module's way to the Blueprint index: one search at a time, in the background. A polling thread notices its end and hands
+ * The module's way to the Blueprint index: one search at a time, in the background. A polling thread, which its end wakes, hands
  * what was found to the game thread. A search that is made while another one runs takes its place: the earlier one's callback is
- * never executed.
+ * never executed. A stop of whoever made the search ends it early, with nothing found.
  *
  * Game thread, but for UpdateSearchResults; what asks about the search may be called from any thread.
  */
@@ -35,7 +31,7 @@ public:
 	 * callers must not wait for it.
 	 */
 	void MakeSearchQuery(FString SearchString, const FStreamSearchOptions& Options, FOnBlueprintSearchComplete Callback);
-	/** Ends the search, should there be one, without executing its callback, and waits for its threads. */
+	/** Ends the search, should there be one, waits for its threads, and executes its callback with what was found so far. */
 	void Abandon();
 
 	/** A search exists and has not ended. */
@@ -61,6 +57,8 @@ private:
 	FBlueprintFindUtils();
 	void LaunchStreamThread(
 		const FString& SearchString, const FStreamSearchOptions& Options, FOnBlueprintSearchComplete Callback);
+	/** Ends the search and waits for its threads; both are null without one. */
+	std::pair<TSharedPtr<FStreamSearch>, FOnBlueprintSearchComplete> EndSearch();
 	void ReleasePolling();
 	TSharedPtr<FStreamSearch> GetStreamSearch() const;
 

@@ -1,7 +1,12 @@
 #pragma once
 
 #include "Core/Containers.h"
+#include "Core/Log.h"
 #include "Core/String.h"
+
+// Of whoever calls these helpers: they themselves write nothing.
+DECLARE_LOG_CATEGORY(LogClassLookupUtils);
+DECLARE_LOG_CATEGORY(LogEditorClassViewer);
 
 /** Blueprints and their native parent classes. Game thread. */
 namespace OrivaneClassLookupUtils

@@ -5,7 +5,8 @@
 
 /**
  * The search commands of the console (Orivane.AssetSearch and one for each family). A command starts its search and returns; when
- * the search reports, its document is written to a file below Saved/Quellar. Game thread.
+ * the search reports, its document is written to a file below Saved/Quellar. A search whose stop is requested until then, see
+ * Core/StopToken.h, writes and reports nothing. Game thread.
  */
 class FConsoleSearches
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/Module.h"
-#include "OrivaneToolkit/Tool.h"
+#include "Quellar/ToolEntry.h"
 
 /** The module: registers its tools with the tool executor while it runs, and the console command that explores graphs. Game
  * thread. */
@@ -14,7 +14,7 @@ public:
 private:
 	void RegisterTools();
 
-	TSharedPtr<Orivane::ITool> AssetSearchEntry;
-	TSharedPtr<Orivane::ITool> AssetGraphEntry;
-	TSharedPtr<Orivane::ITool> AssetPathSearchEntry; // never filled: the path search is public, but no tool of this module
+	TSharedPtr<FToolEntry> AssetSearchEntry;
+	TSharedPtr<FToolEntry> AssetGraphEntry;
+	TSharedPtr<FToolEntry> AssetPathSearchEntry; // never filled: the path search is public, but no tool of this module
 };

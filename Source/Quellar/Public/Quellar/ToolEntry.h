@@ -2,6 +2,7 @@
 
 #include "OrivaneToolkit/Tool.h"
 
+#include <atomic>
 #include <functional>
 
 /** What the module's tool entries share: fixed texts, the argument check, and reading of the argument text. Entries differ in
@@ -18,6 +19,8 @@ public:
 	void InvalidateMetadata() override;
 	void Execute(const Orivane::FToolCommand& Command, TSharedPtr<Orivane::FToolResult> Result,
 		TDelegate<void(Orivane::FToolResult&)> OnComplete) final;
+	/** The module goes: from here on calls are answered with an error and start nothing. Any thread. */
+	void Close() { bClosed = true; }
 
 protected:
 	/** Runs the tool's operation; OnComplete must be executed once, now or later. */
@@ -30,6 +33,7 @@ private:
 	FString Metadata;
 	std::function<FString()> MetadataGenerator; // unbound: the metadata is fixed
 	bool bMetadataCached = true;
+	std::atomic<bool> bClosed = false;
 };
 
 class FAssetSearchTool final : public FToolEntry

@@ -70,7 +70,7 @@ public:
 	int32 NumPackages() const;
 	int32 NumAssets() const;
 	int64 NumDependencies() const;
-	/** Bytes of the image, whether in memory or mapped. */
+	/** Bytes of the image in memory. */
 	int64 GetImageBytes() const;
 	/** Number of assets per class path, registry-filtered ones included, in ascending order of the class path. */
 	TArray<std::pair<FTopLevelAssetPath, int32>> CountAssetsByClass() const;
@@ -89,6 +89,7 @@ public:
 	void GetAssetsByPackageName(FName PackageName, TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets,
 		bool bSkipARFilteredAssets) const override;
 	bool HasPackage(FName PackageName) const override;
+	FName FindPackage(FStringView LongName) const override;
 	bool GetDependencies(FName PackageName, TArray<FPackageDependency>& OutDependencies) const override;
 	bool GetReferencers(FName PackageName, TArray<FPackageDependency>& OutReferencers) const override;
 	int32 GetNumDependencies(FName PackageName) const override;

@@ -48,6 +48,9 @@ public:
 	virtual void GetAssetsByPackageName(FName PackageName, TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets = false,
 		bool bSkipARFilteredAssets = true) const = 0;
 	virtual bool HasPackage(FName PackageName) const = 0;
+	/** The package of that long name, in the registry's spelling; None when no file holds one. For texts that callers give:
+	 * making an FName of such a text keeps it for good, looking it up does not. */
+	virtual FName FindPackage(FStringView LongName) const = 0;
 
 	/**
 	 * Appends the package's neighbours: dependencies in file order, referencers in registry order of the referencing package.

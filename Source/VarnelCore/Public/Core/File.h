@@ -43,6 +43,13 @@ EFileRead LoadFileToBytes(std::string& Out, const FString& Path, uint64 MaxBytes
 /** Writes UTF-8 without a byte-order mark to a temporary name beside the target and renames it over the target, which keeps its
  * permissions. Creates the folder. False: the target is as it was. */
 bool SaveStringToFile(FStringView Text, const FString& Path);
+/**
+ * The same for a file that the user has named, which may be anything. A regular or missing file is replaced by rename; a link is
+ * followed, and stays; a device, pipe or socket is opened and written, waiting for a reader where there is none, until a stop is
+ * requested (Core/StopToken.h). No folder is created, and no link of the opened project leads out of it. False with a reason that
+ * can stand behind the file's name and a colon: what was there is as it was, unless it is no regular file.
+ */
+bool WriteUserFile(FStringView Text, const FString& Path, FString& OutError);
 }
 
 /** Folders of the opened project and path arithmetic. The project folder is set once, before anything reads it. */
@@ -55,8 +62,9 @@ FString ProjectPluginsDir();
 FString ProjectSavedDir();
 FString ProjectIntermediateDir();
 /** Host only. Makes Dir absolute (symbolic links in the path to the project itself are resolved); "" closes the project. Any
- * opened registry must be closed. */
-void SetProjectDir(const FString& Dir);
+ * opened registry must be closed. False, with the reason in errno, where the folder cannot be opened or its path is not UTF-8
+ * (EILSEQ): nothing below it can be opened or created then. */
+bool SetProjectDir(const FString& Dir);
 
 /** Text behind the last dot of the file name, without the dot; empty when there is none. */
 FStringView GetExtension(FStringView Path);

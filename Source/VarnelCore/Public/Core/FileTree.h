@@ -19,6 +19,9 @@ struct FFileStamp
 	uint64 Inode = 0;
 
 	friend bool operator==(const FFileStamp&, const FFileStamp&) = default;
+	/** What bears the stamp has been quiet for a while (a second), so that every later change gives another stamp: the kernel's
+	 * tick is the grain of its times. */
+	bool IsSettled() const;
 };
 
 enum class EFileRead : uint8
@@ -102,8 +105,14 @@ public:
 
 	/** As FFileTree::Read. */
 	EFileRead Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding = 0);
+	/** Reads a file of any size in pieces of PieceBytes, the last one shorter, and hands them to Take until that returns false.
+	 * Buffer holds the piece. */
+	EFileRead ReadInPieces(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
+		const std::function<bool(std::string_view Piece)>& Take);
 
 private:
+	FFileHandle Open(int32 Index);
+
 	const FFileTree& Tree;
 	std::unique_ptr<FFileHandle> Folder; // of the last file read
 	std::string_view FolderPath;

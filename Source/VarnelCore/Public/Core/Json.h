@@ -70,8 +70,8 @@ private:
  *
  * Typed getters convert: string from number (integers without a fraction, others in the shortest form that reads back) and from
  * bool ("true"/"false"); number from a numeric string and from bool (1/0); bool from number (non-zero) and from "true"/"false"/
- * "1"/"0" in any case; int32 from a number by truncation toward zero. Where they cannot convert, or an integer is out of range,
- * they report false and leave Out alone.
+ * "1"/"0" in any case; an integer from a number by truncation toward zero, and by the nearest end of its range where the number
+ * lies outside. Where they cannot convert they report false and leave Out alone.
  *
  * A numeric string is, from its first to its last character: an optional sign, decimal digits with an optional point, an optional
  * exponent ("7", "+7", "007", ".5", "1e3"); no blanks, "nan", "inf" or hexadecimal digits. A not-a-number or infinite number,

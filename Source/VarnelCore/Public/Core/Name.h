@@ -23,6 +23,8 @@ public:
 	/** Alphabetic, without regard to case. */
 	bool LexicalLess(FName Other) const;
 	uint32 GetComparisonId() const { return ComparisonId; }
+	/** Bytes that all names of the process take together; they never get fewer. */
+	static int64 GetNumBytes();
 
 private:
 	uint32 ComparisonId = 0;

@@ -20,7 +20,7 @@ int32 GetNumWorkers();
  * writes into storage of its own index range; Consume may return false to end the run: no later chunk is consumed, and workers
  * stop at their next chunk. Results therefore never depend on the number of threads. Returns when all threads are done.
  * NumThreads 0: all processors. Worker is below the number of threads and names the calling thread's storage. Finished chunks
- * wait for their turn a bounded number at a time. Neither callable may throw.
+ * wait for their turn a bounded number at a time. What a callable throws ends the run and is thrown to the caller.
  */
 void ParallelForOrdered(int32 Num, int32 ChunkSize, const std::function<void(int32 Begin, int32 End, int32 Worker)>& Work,
 	const std::function<bool(int32 Begin, int32 End)>& Consume, int32 NumThreads = 0);

@@ -35,5 +35,8 @@ std::string Fold(std::string_view Text);
 /** Order of folded code points: negative, zero or positive. No allocation. */
 int32 CompareFolded(std::string_view A, std::string_view B);
 bool EqualsFolded(std::string_view A, std::string_view B);
+/** Whether Text begins with Prefix; cuts it off when it does. The cut part may be longer or shorter in bytes than Prefix. */
+bool SkipFoldedPrefix(std::string_view& Text, std::string_view Prefix);
+/** Equal for texts that EqualsFolded calls equal. Seeded: differs from run to run, see SeededHash.h. */
 uint64 HashFolded(std::string_view Text);
 }

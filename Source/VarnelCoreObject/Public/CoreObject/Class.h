@@ -41,6 +41,14 @@ public:
 	/** Bytes of an instance, parents included. */
 	int32 GetPropertiesSize() const { return PropertiesSize; }
 	int32 GetMinAlignment() const { return Alignment; }
+	/** Own metadata by key (case is ignored), such as "ToolTip"; null, or "", when there is none. */
+	const FString* FindMetaData(const FString& Key) const { return MetaData.Find(Key); }
+	FString GetMetaData(const FString& Key) const
+	{
+		const FString* const Value = FindMetaData(Key);
+		return Value ? *Value : FString();
+	}
+	void SetMetaData(FString Key, FString Value) { MetaData.Add(std::move(Key), std::move(Value)); }
 	/** Laid out; instances can be made. */
 	bool IsLinked() const { return bLinked; }
 	/** Made by the program, not by a project; with or without a C++ class of its own. */
@@ -80,6 +88,7 @@ private:
 
 	UStruct* DeclaredSuper = nullptr;
 	UStruct* Super = nullptr;
+	TMap<FString, FString> MetaData;
 	std::vector<TUniquePtr<FProperty>> Properties;
 	TMap<FName, int32> PropertyIndices; // own, by name
 	TArray<FLinkFault> LinkFaults;		// until somebody asks
@@ -119,9 +128,6 @@ public:
 	void InitializeStruct(void* Value) const;
 	void DestroyStruct(void* Value) const;
 	void CopyStruct(void* To, const void* From) const;
-	/** Own metadata by key (case is ignored), such as "Tooltip"; null when there is none. */
-	const FString* FindMetaData(const FString& Key) const { return MetaData.Find(Key); }
-	void SetMetaData(FString Key, FString Value) { MetaData.Add(std::move(Key), std::move(Value)); }
 	bool ReadDefault(FProperty& Property, const FJsonRef& Json, FPropertyReader& Reader) override;
 
 private:
@@ -131,7 +137,6 @@ private:
 	/** The nearest structure upwards that is a C++ one, or null. */
 	const UScriptStruct* FindNative() const;
 
-	TMap<FString, FString> MetaData;
 	const FNativeStructOps* NativeOps = nullptr;
 	void* Defaults = nullptr; // an instance; only properties with a declared default are read from it
 };

@@ -17,6 +17,9 @@ protected:
 	FString SectionName;
 };
 
+/** A class of the program's own that holds settings of the project. */
+bool IsSettingsClass(const UClass& Class);
+
 /**
  * Puts every settings class in memory back to its constructor's values, then applies the file's sections over them. Unknown
  * sections below /Script/, unknown keys and values of the wrong type are reported and skipped. Game thread.

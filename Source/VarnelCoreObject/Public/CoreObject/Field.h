@@ -86,11 +86,16 @@ public:
 	FString GetAuthoredName() const { return AuthoredName.IsEmpty() ? GetName() : AuthoredName; }
 	void SetAuthoredName(FString InName) { AuthoredName = std::move(InName); }
 	bool HasAnyCastFlags(uint64 Flags) const { return FieldClass->HasAnyCastFlags(Flags); }
+	/** By key (case is ignored), such as "Category" and "ToolTip"; "" when there is none. */
+	FString GetMetaData(const FString& Key) const;
+	/** An empty value is not kept. */
+	void SetMetaData(FString Key, FString Value);
 
 private:
 	const FFieldClass* FieldClass;
 	FName Name;
 	FString AuthoredName;
+	TUniquePtr<TMap<FString, FString>> MetaData; // null for most
 };
 
 /** A member that holds a value inside an object or structure. Value functions work on raw storage of GetSize() bytes. */

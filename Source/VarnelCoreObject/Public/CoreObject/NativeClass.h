@@ -18,6 +18,33 @@ UScriptStruct* RegisterNativeStruct(FNativeTypeDraft Draft, const FNativeStructO
 /** A class that adds nothing to its parent and needs no C++ class of its own. The class itself when it is known already. */
 UClass* RegisterPlainClass(const char* Path, UClass* Super);
 
+/**
+ * A static object of a module that makes one of its classes known. The class is built when any class is first looked up, since
+ * only then all static objects exist that it may need:
+ *
+ *	const FAutoNativeClass Registration(&UQuellarSettings::StaticClass);
+ */
+class FAutoNativeClass
+{
+public:
+	explicit FAutoNativeClass(UClass* (*InStaticClass)());
+	FAutoNativeClass(const FAutoNativeClass&) = delete;
+	FAutoNativeClass& operator=(const FAutoNativeClass&) = delete;
+	/** Builds the classes that wait. */
+	static void BuildAll();
+
+private:
+	UClass* (*StaticClass)();
+	const FAutoNativeClass* Next;
+};
+
+/** What people see of a reflected member, as metadata. */
+struct FMemberText
+{
+	const char* Category = "";
+	const char* ToolTip = "";
+};
+
 /** The property that reflects a member of type T. */
 template <class T>
 struct TPropertyOf
@@ -96,11 +123,13 @@ public:
 	}
 
 	template <class TMember, class TOwner>
-	TBuilder& Member(const char* Name, TMember TOwner::*Pointer)
+	TBuilder& Member(const char* Name, TMember TOwner::*Pointer, FMemberText Text = {})
 	{
 		TUniquePtr<FProperty> Property = TPropertyOf<TMember>::Make(Name);
 		const auto* const Base = reinterpret_cast<const std::byte*>(&Sample);
 		Property->SetOffset(static_cast<int32>(reinterpret_cast<const std::byte*>(&(Sample.*Pointer)) - Base));
+		Property->SetMetaData("Category", Text.Category);
+		Property->SetMetaData("ToolTip", Text.ToolTip);
 		Draft.Properties.push_back(std::move(Property));
 		return static_cast<TBuilder&>(*this);
 	}
@@ -139,14 +168,24 @@ public:
 		bAbstract = true;
 		return *this;
 	}
+	/** What people are told of the class, its metadata "ToolTip". */
+	TClassBuilder& ToolTip(const char* InText)
+	{
+		Text = InText;
+		return *this;
+	}
 	UClass* Build()
 	{
-		return RegisterNativeClass(
+		UClass* const Class = RegisterNativeClass(
 			std::move(this->Draft), Super, [](void* Memory) -> UObject* { return new (Memory) T(); }, bAbstract);
+		if (*Text)
+			Class->SetMetaData("ToolTip", Text);
+		return Class;
 	}
 
 private:
 	UClass* Super;
+	const char* Text = "";
 	bool bAbstract = false;
 };
 

@@ -3,9 +3,6 @@
 #include "Core/Name.h"
 #include "Core/String.h"
 
-/** The path inside the export form Class'/Game/A.A', where the class may be a path too; anything else as it is. */
-FStringView StripExportForm(FStringView Text);
-
 /** Path of an object that lies directly in a package: "/Script/Engine.DataTable", "/Game/Data/DT_Items.DT_Items". */
 struct FTopLevelAssetPath
 {

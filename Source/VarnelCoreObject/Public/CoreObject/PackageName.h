@@ -27,13 +27,23 @@ FString ObjectPathToPackageName(FStringView ObjectPath);
 FStringView GetShortName(FStringView PackageName);
 /** Text before the last "/": "/Game/UI/W_Menu" gives "/Game/UI". */
 FStringView GetLongPackagePath(FStringView PackageName);
-/** "/Root/..." with a segment behind the root, no empty segment, none of \ : * ? " < > | . and no control character. */
+/** Longest long package name, bytes: what a path may take on the systems this runs on. */
+constexpr std::size_t MaxLongPackageNameBytes = 4096;
+/** "/Root/..." with a segment behind the root, no empty segment, none of \ : * ? " < > | . and no control character, not longer
+ * than MaxLongPackageNameBytes. */
 bool IsValidLongPackageName(FStringView Text);
 
+/** The path inside the export form Class'/Game/A.A', where the class may be a path too; anything else as it is. */
+FStringView ExportTextPathToObjectPath(FStringView Text);
+
 /**
- * Accepts the file of a package, with its extension, below a mounted folder (absolute, or relative to the project folder), and a
- * long package name or object path below any mounted root (what follows the name is cut). The package need not exist. False for
- * anything else; ".." never leads out of a mounted folder.
+ * The package of a file with a package's extension below a mounted folder: an absolute path, or one relative to the project
+ * folder, with slashes or backslashes, in any case. The file need not exist. ".." never leads out of a mounted folder.
+ */
+bool TryConvertPackageFileToLongPackageName(FStringView Filename, FString& OutPackageName);
+/**
+ * As above; accepts also a long package name or object path below any mounted root (what follows the name is cut), plain or in
+ * the export form. The package need not exist. False for anything else.
  */
 bool TryConvertFilenameToLongPackageName(const FString& Filename, FString& OutPackageName);
 }

@@ -1,8 +1,8 @@
-#include "Checksum.h"
+#include "Core/Checksum.h"
 
 #include <xxhash.h>
 
-uint64 HashBytes(std::string_view Bytes)
+uint64 ChecksumOf(std::string_view Bytes)
 {
 	return XXH3_64bits(Bytes.data(), Bytes.size());
 }

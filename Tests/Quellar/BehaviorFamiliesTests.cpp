@@ -108,29 +108,6 @@ TEST(BehaviorTreeFamily, SurvivesWhateverTreesHold)
 		"BT_Gone.vasset error bad-reference\nBT_Gone.vasset warning unknown-class");
 }
 
-TEST(BehaviorTreeFamily, WalksOnBeyondTheHitCap)
-{
-	FTestProject Project;
-	Project.Script("Game", R"("classes": [{"name": "BTDecorator_Same", "super": "/Script/Engine.BTDecorator"},
-		{"name": "BTService_Same", "super": "/Script/Engine.BTService"}])");
-	Project.Asset("/Game/BT_A", "BehaviorTree")
-		.Set("RootNode", R"("^A")")
-		.Inner("A", "BTComposite_Selector", R"("NodeName": "Same", "Children": [
-			{"ChildTask": "^B", "Decorators": ["^D"]}, {"ChildTask": "^B", "Decorators": ["^D", "^D"]}])")
-		.Inner("A.First", "/Script/Game.BTService_Same")
-		.Inner("A.Second", "/Script/Game.BTService_Same")
-		.Inner("B", "BTTask_Wait", R"("NodeName": "Same")")
-		.Inner("B.First", "/Script/Game.BTService_Same")
-		.Inner("B.Second", "/Script/Game.BTService_Same")
-		.Inner("D", "/Script/Game.BTDecorator_Same");
-	FAssetSearchParams Params = MakeParams("BehaviorTree", "Same");
-	Params.MaxTotalHits = 3;
-	EXPECT_EQ(Render(Project.Search(Params)),
-		"BT_A: NodeName Same @BehaviorTree/Node x3; Service BTService_Same @BehaviorTree/Service x4; "
-		"Decorator BTDecorator_Same @BehaviorTree/Decorator x3")
-		<< "only the services of a node end at the cap, which the first decorator reaches";
-}
-
 namespace
 {
 /** A tree of composites that share branches, with services and decorators, and the walk over it that the search stands for. */
@@ -280,6 +257,29 @@ TEST(BehaviorTreeFamily, CountsSharedBranchesWithoutWalkingThem)
 	}
 	Tree.Inner("N4", "BTComposite_Selector", R"("NodeName": "Leaf")");
 	EXPECT_EQ(Render(Project.Search("BehaviorTree", "Leaf")), "BT_Shared: NodeName Leaf @BehaviorTree/Node x160000");
+}
+
+TEST(BehaviorTreeFamily, WalksOnBeyondTheHitCap)
+{
+	FTestProject Project;
+	Project.Script("Game", R"("classes": [{"name": "BTDecorator_Same", "super": "/Script/Engine.BTDecorator"},
+		{"name": "BTService_Same", "super": "/Script/Engine.BTService"}])");
+	Project.Asset("/Game/BT_A", "BehaviorTree")
+		.Set("RootNode", R"("^A")")
+		.Inner("A", "BTComposite_Selector", R"("NodeName": "Same", "Children": [
+			{"ChildTask": "^B", "Decorators": ["^D"]}, {"ChildTask": "^B", "Decorators": ["^D", "^D"]}])")
+		.Inner("A.First", "/Script/Game.BTService_Same")
+		.Inner("A.Second", "/Script/Game.BTService_Same")
+		.Inner("B", "BTTask_Wait", R"("NodeName": "Same")")
+		.Inner("B.First", "/Script/Game.BTService_Same")
+		.Inner("B.Second", "/Script/Game.BTService_Same")
+		.Inner("D", "/Script/Game.BTDecorator_Same");
+	FAssetSearchParams Params = MakeParams("BehaviorTree", "Same");
+	Params.MaxTotalHits = 3;
+	EXPECT_EQ(Render(Project.Search(Params)),
+		"BT_A: NodeName Same @BehaviorTree/Node x3; Service BTService_Same @BehaviorTree/Service x4; "
+		"Decorator BTDecorator_Same @BehaviorTree/Decorator x3")
+		<< "only the services of a node end at the cap, which the first decorator reaches";
 }
 
 TEST(BlackboardFamily, FindsParentAndKeys)

@@ -1,5 +1,6 @@
 #include "PackageFixture.h"
 
+#include <chrono>
 #include <functional>
 #include <random>
 #include <string>
@@ -396,6 +397,45 @@ TEST_F(PropertyReading, StopsTellingAfterAWhile)
 	EXPECT_EQ(std::count(Told.begin(), Told.end(), '\n'), 100);
 	EXPECT_NE(Told.find("~ warning more-faults"), std::string::npos);
 	EXPECT_TRUE(Instance.RenderMember("A").ends_with(" 7]")) << "and reads on";
+}
+
+/** Values that a simple hash, or a table by remainders, puts into one place. */
+TEST_F(PropertyReading, FindsDistinctElementsQuickly)
+{
+	constexpr int32 Count = 40000;
+	Declare("Two", R"([{"name":"A","type":"int64"},{"name":"B","type":"int64"}])");
+	const auto Number = [](int64 Index) { return std::to_string(Index); };
+	const auto Two = [&](int64 Index) { return R"({"A":)" + Number(Index) + R"(,"B":)" + Number(-31 * Index) + "}"; };
+	const struct
+	{
+		const char* Type;
+		std::function<std::string(int64)> Element;
+	} Cases[] = {
+		{"set<struct</Game/Values.Two>>", Two},
+		{"map<struct</Game/Values.Two>,int>", [&](int64 Index) { return "[" + Two(Index) + ",1]"; }},
+		{"set<int64>", [&](int64 Index) { return Number(85229 * Index); }},
+		{"set<uint64>", [&](int64 Index) { return Number(Index << 32); }},
+		{"set<double>", [&](int64 Index) { return Number(Index) + "e6"; }},
+		{"set<array<int64>>", [&](int64 Index) { return "[" + Number(Index) + "," + Number(-31 * Index) + "]"; }},
+		{"set<map<int64,int64>>", [&](int64 Index) { return "[[" + Number(Index) + "," + Number(-31 * Index) + "]]"; }},
+		{"set<object</Script/Test.Node>>", [&](int64 Index) { return Quote("/Game/P" + Number(Index) + ".A"); }},
+		{"set<text>", [&](int64 Index) { return Quote("T" + Number(Index)); }},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Type);
+		const UScriptStruct& Holder = Declare((std::string("Holder") + std::to_string(&Case - Cases)).c_str(),
+			R"([{"name":"P","type":")" + std::string(Case.Type) + R"("}])");
+		std::string Elements;
+		for (int64 Index = 0; Index < Count; ++Index)
+			Elements += (Index > 0 ? "," : "") + Case.Element(Index);
+		FInstance Instance(Holder);
+		const auto Start = std::chrono::steady_clock::now();
+		EXPECT_EQ(Read(Instance, Holder, R"({"P":[)" + Elements + "]}"), "");
+		const auto& Container = static_cast<const FContainerProperty&>(*Holder.FindPropertyByName("P"));
+		EXPECT_EQ(Container.Num(Container.ContainerPtrToValuePtr<void>(Instance.Get())), Count);
+		EXPECT_LT(std::chrono::steady_clock::now() - Start, std::chrono::seconds(2)) << "far from it, unless they collide";
+	}
 }
 
 TEST_F(PropertyReading, BoundsTheMemoryOfValues)

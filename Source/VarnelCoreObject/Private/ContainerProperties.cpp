@@ -1,3 +1,4 @@
+#include "Core/SeededHash.h"
 #include "CoreObject/Properties.h"
 #include "CoreObject/PropertyReader.h"
 
@@ -46,7 +47,8 @@ public:
 	void* FindEarlierThanLast()
 	{
 		const int32 Last = Storage.Num(Array) - 1;
-		const uint64 Hash = Element.HashValue(Storage.GetElement(Array, Last));
+		const uint64 Hash =
+			SeededHash::MixHash(0, Element.HashValue(Storage.GetElement(Array, Last))); // numbers hash to themselves
 		const auto [First, End] = IndicesByHash.equal_range(Hash);
 		const auto Found = std::find_if(First, End,
 			[this, Last](const auto& Entry)
@@ -146,7 +148,7 @@ uint64 FContainerProperty::HashValue(const void* Value) const
 {
 	uint64 Hash = 0;
 	for (int32 Index = 0; Index < Num(Value); ++Index)
-		Hash = Hash * 31 + Inner->HashValue(GetElement(Value, Index));
+		Hash = SeededHash::MixHash(Hash, Inner->HashValue(GetElement(Value, Index)));
 	return Hash;
 }
 
@@ -285,7 +287,7 @@ bool FPairProperty::Identical(const void* A, const void* B) const
 
 uint64 FPairProperty::HashValue(const void* Pair) const
 {
-	return Key->HashValue(Pair) * 31 + Value->HashValue(ValueOf(Pair));
+	return SeededHash::MixHash(Key->HashValue(Pair), Value->HashValue(ValueOf(Pair)));
 }
 
 FString FPairProperty::GetTypeText() const

@@ -1,3 +1,4 @@
+#include "Core/SeededHash.h"
 #include "CoreObject/Class.h"
 #include "CoreObject/Properties.h"
 #include "CoreObject/PropertyReader.h"
@@ -115,7 +116,7 @@ uint64 FStructProperty::HashValue(const void* Value) const
 {
 	uint64 Hash = 0;
 	for (const FProperty* Member : PropertiesOf(Struct))
-		Hash = Hash * 31 + Member->HashValue(Member->ContainerPtrToValuePtr<void>(Value));
+		Hash = SeededHash::MixHash(Hash, Member->HashValue(Member->ContainerPtrToValuePtr<void>(Value)));
 	return Hash;
 }
 

@@ -189,6 +189,30 @@ TEST(RegistryScan, DoesNotDependOnThreads)
 	}
 }
 
+/** More than are read at a time, and one that alone is more than that. */
+TEST(RegistryScan, ReadsLargeFiles)
+{
+	FRegistryProject Project;
+	const auto Write = [&Project](const std::string& Name, std::size_t NumBytes)
+	{
+		Project.Folder.Write("Content/" + Name + ".vasset",
+			R"({"varnel_package": 1, "assets": [{"name": ")" + Name + R"(", "class": "/Script/Engine.World"}], "dependencies": [],
+			"blueprint_index": [], "objects": [)" +
+				std::string(NumBytes, ' ') + "]}");
+	};
+	for (const char* Name : {"A", "B", "C", "D", "E", "F", "G", "H"})
+		Write(Name, 5 << 20);
+	Write("Huge", 20 << 20);
+	Write("Small", 10);
+	FRegistryScanOptions Options = Project.MakeOptions();
+	Options.Sources = {&GetVassetPackageSource()};
+	Options.NumThreads = 4;
+	Project.Scan(Options);
+	EXPECT_EQ(RenderAll(Project.Registry),
+		"/Game/A.A /Game/B.B /Game/C.C /Game/D.D /Game/E.E /Game/F.F /Game/G.G /Game/H.H /Game/Huge.Huge /Game/Small.Small");
+	EXPECT_EQ(Project.GetFaults(), "");
+}
+
 TEST(RegistryScan, AStoppedScanChangesNothing)
 {
 	FRegistryProject Project;

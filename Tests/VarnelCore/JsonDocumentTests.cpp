@@ -170,6 +170,49 @@ TEST(JsonDocument, ReadsInPlaceWhateverThePaddingHolds)
 	}
 }
 
+TEST(JsonDocument, RefusesMoreValuesThanAsked)
+{
+	const struct
+	{
+		const char* Why;
+		const char* Text;
+		const char* Fault; // "" where five values are not too many
+	} Cases[] = {
+		{"five: containers count, keys do not", R"({"a":[1,{"b":2}]})", ""},
+		{"the sixth value", R"([1,2,3,4,5])", "9 1:10 this is one value more than the 5 that a text may have"},
+		{"in a container that is opened there", "[1,2,3,\n[[]]]", "9 2:2 this is one value more than the 5 that a text may have"},
+		{"behind a fault", "[1,2,,3,4,5]", "5 1:6 a value is missing before the"},
+	};
+	FJsonDocument Document;
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		const bool bRead = Document.Parse(Case.Text, {.MaxDepth = Json::MaxMessageDepth, .MaxValues = 5, .StopBefore = {}});
+		EXPECT_EQ(bRead, *Case.Fault == '\0');
+		if (bRead)
+			EXPECT_EQ(Document.NumValues(), 5) << "with the root";
+		else
+			EXPECT_EQ(Place(Document.GetError()).substr(0, std::string(Case.Fault).size()), Case.Fault);
+		EXPECT_EQ(std::string(Document.GetError().Rule) == "too-many-values", std::string(Case.Fault).ends_with("have"));
+	}
+}
+
+TEST(JsonDocument, KeepsNoLargeBuffersForSmallTexts)
+{
+	std::string Numbers = "[0";
+	for (int32 Count = 0; Count < 1'000'000; ++Count)
+		Numbers += ",0";
+	FJsonDocument Document;
+	ASSERT_TRUE(Document.Parse(Numbers + "]"));
+	EXPECT_GT(Document.GetMemory(), 32u << 20);
+	EXPECT_FALSE(Document.Parse(Numbers));
+	EXPECT_LT(Document.GetMemory(), 32u << 20) << "a text that was refused leaves no values";
+	ASSERT_TRUE(Document.Parse(Numbers + "]"));
+	ASSERT_TRUE(Document.Parse("[1]"));
+	EXPECT_LT(Document.GetMemory(), 1u << 20);
+	EXPECT_EQ(Dump(Document.Root()), "[ 1@1 ]@0");
+}
+
 TEST(JsonDocument, RefusesMoreThan4GiB)
 {
 	FJsonDocument Document;

@@ -9,6 +9,14 @@ std::string IntVariable(const std::string& Name, int32 Default)
 	return R"({"name":")" + Name + R"(","type":"int","default":)" + std::to_string(Default) + "}";
 }
 
+std::string Repeat(const std::string& Text, int32 Count)
+{
+	std::string Out;
+	for (int32 Left = Count; Left > 0; --Left)
+		Out += Text;
+	return Out;
+}
+
 class Loader : public FPackageFiles
 {
 };
@@ -62,6 +70,8 @@ TEST_F(Loader, RemembersFailedLoadsUntilPackagesAreUnloaded)
 		const char* Fault;
 	} Cases[] = {
 		{"broken body", R"({"varnel_package":1,"objects":[)", EFileRead::Ok, "1:32 error json-syntax"},
+		{"too many values", R"({"varnel_package":1,"objects":[)" + Repeat("0,", 3 << 20) + "0]}", EFileRead::Ok,
+			"1:6291482 error too-many-values"},
 		{"gone", "", EFileRead::Missing, "~ error missing-file"},
 		{"unreadable", "", EFileRead::Unreadable, "~ error unreadable-file"},
 		{"a byte beyond 64 MiB", std::string((std::size_t{64} << 20) + 1, ' '), EFileRead::Ok, "~ error too-large"},

@@ -118,6 +118,19 @@ TEST_F(Prefetch, IsNotTakenAtItsWord)
 	}
 }
 
+TEST_F(Prefetch, LeavesLargeFilesForWhenTheyAreNeeded)
+{
+	AddMixture(40);
+	for (const int32 Large : {1, 2, 5, 17})
+	{
+		std::string& Text = Files["/Game/P" + std::to_string(Large)].Text;
+		Text.insert(0, std::string(LargePackageBytes, ' '));
+	}
+	const std::string Expected = LoadAll();
+	const FPackagePrefetch Prefetching(ListNames());
+	EXPECT_EQ(LoadAll(), Expected);
+}
+
 TEST_F(Prefetch, ReadsNothingBeforeItIsNeeded)
 {
 	AddMixture(50);

@@ -9,7 +9,9 @@
 
 namespace
 {
-constexpr uint64 MaxDescriptorBytes = 16 * 1024 * 1024;
+constexpr uint64 MaxDescriptorBytes = 1024 * 1024;
+constexpr uint64 MaxSettingsBytes = 1024 * 1024;
+constexpr uint64 MaxScriptBytes = 64 * 1024 * 1024; // of all script modules together
 constexpr const char* SettingsFile = "Config/DefaultGame.ini";
 
 /** Names of the files directly in a folder that end with Extension, in ascending byte order. */
@@ -77,7 +79,6 @@ const char* DescribeRead(EFileRead Outcome)
 		case EFileRead::Unreadable:
 			return "cannot be read; check its permissions";
 		case EFileRead::TooLarge:
-			return "is too large to be read";
 		case EFileRead::Ok:
 			break;
 	}
@@ -89,7 +90,10 @@ bool ReadFile(
 	const FString& Folder, const FString& File, bool bRequired, uint64 MaxBytes, std::string& Out, FDiagnosticSink& Diagnostics)
 {
 	const EFileRead Outcome = FProjectFolder(Folder).Read(File, Out, MaxBytes);
-	if (Outcome != EFileRead::Ok && (bRequired || Outcome != EFileRead::Missing))
+	if (Outcome == EFileRead::TooLarge)
+		Report(Diagnostics, File, "too-large",
+			FString::Printf("the file is larger than %llu bytes, so it is not read", static_cast<unsigned long long>(MaxBytes)));
+	else if (Outcome != EFileRead::Ok && (bRequired || Outcome != EFileRead::Missing))
 		Report(Diagnostics, File, "unreadable-file", FString("the file ") + DescribeRead(Outcome));
 	return Outcome == EFileRead::Ok;
 }
@@ -100,7 +104,7 @@ bool ParseDescriptor(const std::string& Bytes, const FString& File, FJsonDocumen
 	if (!Document.Parse(Bytes))
 	{
 		const FJsonError& Error = Document.GetError();
-		Diagnostics.Add({.File = File, .Line = Error.Line, .Column = Error.Column, .Text = Error.Text, .Rule = "json-syntax"});
+		Diagnostics.Add({.File = File, .Line = Error.Line, .Column = Error.Column, .Text = Error.Text, .Rule = Error.Rule});
 		return false;
 	}
 	if (!Document.Root().IsObject())
@@ -166,7 +170,7 @@ void ProjectFiles::ReadSettings(const FString& Folder, FDiagnosticSink& Diagnost
 {
 	std::string Bytes;
 	std::string Scratch;
-	ReadFile(Folder, SettingsFile, false, FFileHelper::MaxTextFileBytes, Bytes, Diagnostics);
+	ReadFile(Folder, SettingsFile, false, MaxSettingsBytes, Bytes, Diagnostics);
 	const FConfigFile File = FConfigFile::Parse(FFileHelper::DecodeText(Bytes, Scratch), SettingsFile, &Diagnostics);
 	LoadDeveloperSettings(File, SettingsFile, &Diagnostics);
 }
@@ -180,11 +184,14 @@ TOptional<FFileStamp> ProjectFiles::GetSettingsStamp(const FString& Folder)
 TArray<FScriptModuleFile> ProjectFiles::ReadScriptModules(const FString& Folder, FDiagnosticSink& Diagnostics)
 {
 	TArray<FScriptModuleFile> Modules;
+	uint64 BytesLeft = MaxScriptBytes;
 	for (const FString& Name : ListFolder(Folder + "Script", ".vscript"))
 	{
 		FScriptModuleFile Module{.ModuleName = FString(FPaths::GetBaseFilename(Name)), .FileName = FString("Script/") + Name};
-		if (ReadFile(Folder, Module.FileName, true, FFileHelper::MaxTextFileBytes, Module.Text, Diagnostics))
-			Modules.Add(std::move(Module));
+		if (!ReadFile(Folder, Module.FileName, true, BytesLeft, Module.Text, Diagnostics))
+			continue;
+		BytesLeft -= Module.Text.size();
+		Modules.Add(std::move(Module));
 	}
 	return Modules;
 }

@@ -4,7 +4,9 @@
 #include "CoreObject/PackageName.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <deque>
+#include <mutex>
 #include <numeric>
 #include <optional>
 
@@ -12,14 +14,52 @@ namespace
 {
 constexpr int32 FilesPerChunk = 64; // mostly of one folder, which then stays open
 
+/** Keeps threads from reading many large files at a time. */
+class FLargeFileGate
+{
+public:
+	/** Inside as long as it lives. */
+	class FPass
+	{
+	public:
+		/** Waits until there is room for a file of that size, or nobody else is inside. */
+		FPass(FLargeFileGate& InGate, uint64 InNumBytes) : Gate(InGate), NumBytes(InNumBytes)
+		{
+			std::unique_lock Guard(Gate.Lock);
+			Gate.Left.wait(Guard, [this] { return Gate.BytesInside == 0 || Gate.BytesInside + NumBytes <= MaxBytesInside; });
+			Gate.BytesInside += NumBytes;
+		}
+		~FPass()
+		{
+			const std::lock_guard Guard(Gate.Lock);
+			Gate.BytesInside -= NumBytes;
+			Gate.Left.notify_all();
+		}
+		FPass(const FPass&) = delete;
+		FPass& operator=(const FPass&) = delete;
+
+	private:
+		FLargeFileGate& Gate;
+		const uint64 NumBytes;
+	};
+
+private:
+	static constexpr uint64 MaxBytesInside = 16 * 1024 * 1024;
+	std::mutex Lock;
+	std::condition_variable Left;
+	uint64 BytesInside = 0;
+};
+
 /** What one thread needs to read headers. */
 class FHeaderReader
 {
 public:
-	FHeaderReader(const FListedFiles& InFiles, const FRegistryScanOptions& InOptions, FPackageRecords& InRecords)
+	FHeaderReader(
+		const FListedFiles& InFiles, const FRegistryScanOptions& InOptions, FPackageRecords& InRecords, FLargeFileGate& InGate)
 		: Files(InFiles)
 		, Options(InOptions)
 		, Records(InRecords)
+		, Gate(InGate)
 		, Formats(static_cast<std::size_t>(InOptions.Sources.Num()))
 	{
 	}
@@ -29,12 +69,14 @@ public:
 	int32 GetNumRead() const { return NumRead; }
 
 private:
+	uint32 ReadWithin(const FCandidate& Candidate);
 	EFileRead ReadBytes(uint32 File, uint64 MaxBytes, std::size_t Padding);
 	void Report(uint32 File, EFileRead Outcome, uint64 MaxBytes) const;
 
 	const FListedFiles& Files;
 	const FRegistryScanOptions& Options;
 	FPackageRecords& Records;
+	FLargeFileGate& Gate;
 	std::vector<TUniquePtr<IPackageReader>> Formats; // by source, made when needed
 	uint32 OpenRoot = NoId;
 	std::optional<FFileTreeReader> Tree; // of the open root
@@ -44,6 +86,18 @@ private:
 };
 
 uint32 FHeaderReader::Read(const FCandidate& Candidate)
+{
+	const uint64 NumBytes = Files.GetStamp(Candidate.File).Size;
+	if (NumBytes <= LargePackageBytes)
+		return ReadWithin(Candidate);
+	const FLargeFileGate::FPass Pass(Gate, NumBytes);
+	const uint32 Record = ReadWithin(Candidate);
+	Formats[Files.GetSource(Candidate.File)] = nullptr; // with its buffers
+	Bytes = std::string();
+	return Record;
+}
+
+uint32 FHeaderReader::ReadWithin(const FCandidate& Candidate)
 {
 	const uint8 SourceIndex = Files.GetSource(Candidate.File);
 	const IPackageSource& Source = *Options.Sources[SourceIndex];
@@ -107,8 +161,9 @@ FReadHeaders ReadHeaders(
 	const int32 NumThreads = Options.NumThreads > 0 ? Options.NumThreads : GetNumWorkers();
 	Out.Readers.resize(static_cast<std::size_t>(NumThreads));
 	std::deque<FHeaderReader> Readers;
+	FLargeFileGate Gate;
 	for (FPackageRecords& Records : Out.Readers)
-		Readers.emplace_back(Files, Options, Records);
+		Readers.emplace_back(Files, Options, Records, Gate);
 	const std::vector<uint32> Order = SortByFile(Candidates);
 	const auto ReadChunk = [&](int32 Begin, int32 End, int32 Worker)
 	{

@@ -293,7 +293,9 @@ bool Parse(std::string_view Text, FJsonValue& Out, FJsonError* Error, int32 MaxD
 	constexpr std::size_t MaxKeptText =
 		1 << 20; // the buffers of longer texts are not kept, they would stay with the thread for good
 	thread_local FJsonDocument Document;
-	const bool bParsed = Document.Parse(Text, {.MaxDepth = std::min(MaxDepth, MaxPackageDepth), .StopBefore = {}});
+	// Messages have a limit of their own, and the other texts are the program's: answers may be large.
+	const bool bParsed =
+		Document.Parse(Text, {.MaxDepth = std::min(MaxDepth, MaxPackageDepth), .MaxValues = INT64_MAX, .StopBefore = {}});
 	if (bParsed)
 		Out = MakeValue(Document.Root());
 	else if (Error)

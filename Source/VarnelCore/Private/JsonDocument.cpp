@@ -24,6 +24,9 @@ struct FJsonDocument::FParser
 
 namespace
 {
+constexpr std::size_t MaxKeptBytes = 16 * 1024 * 1024; // of buffers, for a text that needs far less or was refused
+constexpr std::size_t SmallTextBytes = 1024 * 1024;
+
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t MaxTextSize = std::numeric_limits<uint32>::max() - 1024; // offsets, and what is added to them, fit 32 bits
 
@@ -61,7 +64,6 @@ struct FJsonDocumentReader
 	};
 
 	FJsonDocument& Document;
-	FJsonDocument::FParser& Parser;
 	const FJsonReadOptions& Options;
 	EInput How;
 
@@ -69,9 +71,13 @@ struct FJsonDocumentReader
 	{
 		Document.bRepaired = false;
 		Document.Source = {};
+		if (Input.size() <= SmallTextBytes)
+			DropLargeBuffers();
+		if (!Document.Parser)
+			Document.Parser = std::make_unique<FJsonDocument::FParser>();
 		if (Input.size() > MaxTextSize)
 			return Fail(0, "the text is larger than 4 GiB");
-		const std::string_view Head = FindHead(Input, Options.StopBefore, Parser.QuotedStop);
+		const std::string_view Head = FindHead(Input, Options.StopBefore, Document.Parser->QuotedStop);
 		return (!Head.empty() && ReadHead(Head)) || ReadWhole(Input);
 	}
 
@@ -91,12 +97,8 @@ private:
 		bool bFound = FindTokens(Tokens);
 		if (!bFound && !Unicode::IsValidUtf8(Input))
 		{
-			const std::string Repaired = Unicode::RepairUtf8(Input);
-			if (Repaired.size() > MaxTextSize)
+			if (!Repair(Input))
 				return Fail(0, "the text is larger than 4 GiB once its UTF-8 is repaired");
-			Document.bRepaired = true;
-			How = EInput::CopyFirst;
-			SetSource(Repaired);
 			bFound = FindTokens(Tokens);
 		}
 		if (!bFound)
@@ -104,8 +106,20 @@ private:
 		return ReadNodes(Tokens, FJsonNodeReader::ETextEnd::Final);
 	}
 
+	bool Repair(std::string_view Input)
+	{
+		const std::string Repaired = Unicode::RepairUtf8(Input);
+		if (Repaired.size() > MaxTextSize)
+			return false;
+		Document.bRepaired = true;
+		How = EInput::CopyFirst;
+		SetSource(Repaired);
+		return true;
+	}
+
 	void SetSource(std::string_view Input)
 	{
+		FJsonDocument::FParser& Parser = *Document.Parser;
 		Document.Source = Input;
 		if (How == EInput::KeepInPlace)
 			return;
@@ -118,7 +132,7 @@ private:
 	bool FindTokens(FJsonTokens& Out)
 	{
 		Out.Text = Document.Source.substr(SizeOfMark(Document.Source));
-		auto& Finder = Parser.TokenFinder;
+		auto& Finder = Document.Parser->TokenFinder;
 		if (!Finder && simdjson::get_active_implementation()->create_dom_parser_implementation(0, 1, Finder) != simdjson::SUCCESS)
 			return false;
 		const std::size_t Size = Out.Text.size();
@@ -136,31 +150,45 @@ private:
 
 	void FindTokensSlowly(FJsonTokens& Out)
 	{
-		Parser.SlowTokens.clear();
-		Out.Broken = JsonText::FindTokens(Out.Text, Parser.SlowTokens);
-		Out.Num = static_cast<uint32>(Parser.SlowTokens.size());
-		Parser.SlowTokens.push_back(static_cast<uint32>(Out.Text.size()));
-		Out.Starts = Parser.SlowTokens.data();
+		std::vector<uint32>& Starts = Document.Parser->SlowTokens;
+		Starts.clear();
+		Out.Broken = JsonText::FindTokens(Out.Text, Starts);
+		Out.Num = static_cast<uint32>(Starts.size());
+		Starts.push_back(static_cast<uint32>(Out.Text.size()));
+		Out.Starts = Starts.data();
 	}
 
 	bool ReadNodes(const FJsonTokens& Tokens, FJsonNodeReader::ETextEnd End)
 	{
 		const std::size_t Base = SizeOfMark(Document.Source);
 		FJsonNodeReader Reader(
-			Tokens, static_cast<uint32>(Base), Options, Parser.NodeBuffers, Document.Nodes, Document.RepeatedKeys);
+			Tokens, static_cast<uint32>(Base), Options, Document.Parser->NodeBuffers, Document.Nodes, Document.RepeatedKeys);
 		const bool bRead = Reader.Read(End);
 		Document.bStoppedEarly = Reader.StoppedEarly();
 		if (!bRead)
-			return Fail(Base + Reader.GetFaultOffset(), Reader.GetFault());
+			return Fail(Base + Reader.GetFaultOffset(), Reader.GetFault(), Reader.GetFaultRule());
 		Document.Error = FJsonError();
 		return true;
 	}
 
-	bool Fail(std::size_t Offset, const std::string& Text)
+	/** Called while nothing in them is needed. */
+	void DropLargeBuffers()
+	{
+		if (Document.GetMemory() <= MaxKeptBytes)
+			return;
+		Document.Nodes = std::vector<FJsonNode>();
+		Document.RepeatedKeys = std::vector<uint32>();
+		Document.Parser = nullptr;
+	}
+
+	bool Fail(std::size_t Offset, const std::string& Text, const char* Rule = "json-syntax")
 	{
 		Document.Nodes.clear();
+		if (Document.GetMemory() > MaxKeptBytes)
+			Document.Nodes.shrink_to_fit();
 		Document.RepeatedKeys.clear();
 		Document.bStoppedEarly = false;
+		Document.Error.Rule = Rule;
 		Document.Error.Offset = static_cast<int64>(Offset);
 		Document.Locate(static_cast<uint32>(Offset), Document.Error.Line, Document.Error.Column);
 		Document.Error.Text = FString(Text);
@@ -175,22 +203,28 @@ FJsonDocument& FJsonDocument::operator=(FJsonDocument&&) noexcept = default;
 
 bool FJsonDocument::Parse(std::string_view Text, const FJsonReadOptions& Options)
 {
-	if (!Parser)
-		Parser = std::make_unique<FParser>();
-	return FJsonDocumentReader{*this, *Parser, Options, FJsonDocumentReader::EInput::CopyFirst}.Read(Text);
+	return FJsonDocumentReader{*this, Options, FJsonDocumentReader::EInput::CopyFirst}.Read(Text);
 }
 
 bool FJsonDocument::ParseInPlace(char* Data, std::size_t Size, std::size_t Capacity, const FJsonReadOptions& Options)
 {
 	checkf(Capacity >= Size && Capacity - Size >= GetPadding(), "the buffer has no room for the padding");
-	if (!Parser)
-		Parser = std::make_unique<FParser>();
-	return FJsonDocumentReader{*this, *Parser, Options, FJsonDocumentReader::EInput::KeepInPlace}.Read({Data, Size});
+	return FJsonDocumentReader{*this, Options, FJsonDocumentReader::EInput::KeepInPlace}.Read({Data, Size});
 }
 
 std::size_t FJsonDocument::GetPadding()
 {
 	return simdjson::SIMDJSON_PADDING;
+}
+
+std::size_t FJsonDocument::GetMemory() const
+{
+	std::size_t NumBytes = Nodes.capacity() * sizeof(FJsonNode) + RepeatedKeys.capacity() * sizeof(uint32);
+	if (!Parser)
+		return NumBytes;
+	NumBytes += Parser->TokenFinder ? Parser->TokenFinder->capacity() * sizeof(uint32) : 0;
+	NumBytes += Parser->SlowTokens.capacity() * sizeof(uint32) + Parser->CopyCapacity;
+	return NumBytes + Parser->NodeBuffers.UnescapedCapacity + Parser->NodeBuffers.KeySlots.capacity() * sizeof(uint32);
 }
 
 void FJsonDocument::Locate(uint32 Offset, int32& Line, int32& Column) const

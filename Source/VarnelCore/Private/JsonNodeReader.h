@@ -46,6 +46,7 @@ public:
 	/** Without Base. */
 	std::size_t GetFaultOffset() const { return FaultOffset; }
 	const std::string& GetFault() const { return Fault; }
+	const char* GetFaultRule() const { return FaultRule; }
 
 private:
 	bool ReadElement();
@@ -79,6 +80,7 @@ private:
 	bool FailSeparator(char Closing);
 	bool FailValue();
 	bool FailUnclosed();
+	bool FailTooMany();
 
 	const FJsonTokens& Tokens;
 	const uint32 Base;
@@ -93,4 +95,5 @@ private:
 	bool bStoppedEarly = false;
 	std::size_t FaultOffset = 0;
 	std::string Fault;
+	const char* FaultRule = "json-syntax";
 };

@@ -7,7 +7,8 @@ constexpr int32 MaxQuotedLength = 100; // code points
 
 void FJsonFaults::ReportSyntax()
 {
-	Error(static_cast<uint32>(Document.GetError().Offset), "json-syntax", Document.GetError().Text);
+	const FJsonError& Fault = Document.GetError();
+	Error(static_cast<uint32>(Fault.Offset), Fault.Rule, Fault.Text);
 }
 
 void FJsonFaults::ReportRepair()

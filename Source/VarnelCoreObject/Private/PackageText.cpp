@@ -34,8 +34,17 @@ void FPackageText::SetFile(FPackageFile InFile)
 	Bytes.clear();
 }
 
+void FPackageText::ParseUnlessLarge()
+{
+	Outcome = File.Read(Bytes, LargePackageBytes, Reader->GetPadding());
+	bWaits = Outcome == EFileRead::TooLarge;
+	if (Outcome == EFileRead::Ok)
+		Reader->ParseBody(Bytes);
+}
+
 void FPackageText::Parse()
 {
+	bWaits = false;
 	Outcome = File.Read(Bytes, File.Source->GetMaxFileBytes(), Reader->GetPadding());
 	if (Outcome == EFileRead::Ok)
 		Reader->ParseBody(Bytes);
@@ -43,6 +52,8 @@ void FPackageText::Parse()
 
 TUniquePtr<IPackageBody> FPackageText::OpenBody(UPackage& Package, FDiagnosticSink* Diagnostics)
 {
+	if (bWaits)
+		Parse();
 	if (Outcome == EFileRead::Ok)
 		return Reader->OpenBody(File.FileName, Package, Diagnostics);
 	const FReadFault Fault = Describe(Outcome, File.Source->GetMaxFileBytes());

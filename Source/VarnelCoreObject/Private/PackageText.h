@@ -11,12 +11,15 @@ public:
 	void SetFile(FPackageFile InFile);
 	/** Reads and parses; what goes wrong is kept for the game thread. Any thread. */
 	void Parse();
+	/** Parse, but for a file of more than LargePackageBytes, which waits for OpenBody. Any thread. */
+	void ParseUnlessLarge();
 	/** Of the file; 0 before it was read. */
 	std::size_t NumBytes() const { return Bytes.size(); }
-	/** Of buffers that reuse would keep. */
-	std::size_t GetCapacity() const { return Bytes.capacity(); }
+	/** Of all buffers, which reuse would keep. */
+	std::size_t GetMemory() const { return Bytes.capacity() + (Reader ? Reader->GetMemory() : 0); }
 	const FPackageFile& GetFile() const { return File; }
-	/** Once parsed: as IPackageReader::OpenBody does. The body goes before another file is set. Game thread. */
+	/** Once parsed, or to be parsed now: as IPackageReader::OpenBody does. The body goes before another file is set. Game thread.
+	 */
 	TUniquePtr<IPackageBody> OpenBody(UPackage& Package, FDiagnosticSink* Diagnostics);
 
 private:
@@ -24,4 +27,5 @@ private:
 	TUniquePtr<IPackageReader> Reader;
 	std::string Bytes;
 	EFileRead Outcome = EFileRead::Missing;
+	bool bWaits = false; // to be parsed
 };

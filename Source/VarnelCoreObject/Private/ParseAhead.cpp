@@ -9,9 +9,9 @@
 namespace
 {
 constexpr std::size_t MaxSlots = 128;
-constexpr std::size_t MinSlots = MaxSlots / 2;	  // fewer are filled up; threads then find many at once and seldom sleep
-constexpr std::size_t MaxReadyBytes = 64 << 20;	  // of files that are parsed and wait; beyond it threads pause
-constexpr std::size_t MaxSpareCapacity = 1 << 20; // larger buffers are not kept for reuse
+constexpr std::size_t MinSlots = MaxSlots / 2;	 // fewer are filled up; threads then find many at once and seldom sleep
+constexpr std::size_t MaxReadyMemory = 64 << 20; // of files that are parsed and wait; beyond it threads pause
+constexpr std::size_t MaxSpareMemory = 1 << 20;	 // larger buffers are not kept for reuse
 constexpr int32 MaxThreads = 15;
 }
 
@@ -49,7 +49,7 @@ TUniquePtr<FPackageText> FParseAhead::Take(FName PackageName)
 
 void FParseAhead::Recycle(TUniquePtr<FPackageText> Text)
 {
-	if (Text && Spare.size() < MaxSlots && Text->GetCapacity() <= MaxSpareCapacity)
+	if (Text && Spare.size() < MaxSlots && Text->GetMemory() <= MaxSpareMemory)
 		Spare.push_back(std::move(Text));
 }
 
@@ -131,7 +131,7 @@ void FParseAhead::RunWorker(std::stop_token Stop)
 
 FParseAhead::FSlotPtr FParseAhead::FindWork() const
 {
-	if (NumReadyBytes >= MaxReadyBytes)
+	if (ReadyMemory >= MaxReadyMemory)
 		return nullptr;
 	const auto Found =
 		std::find_if(Window.begin(), Window.end(), [](const FSlotPtr& Slot) { return Slot->State == EState::Waiting; });
@@ -145,7 +145,7 @@ void FParseAhead::Work(std::unique_lock<std::mutex>& Guard, FSlot& Slot)
 	Guard.unlock();
 	try
 	{
-		Slot.Text->Parse();
+		Slot.Text->ParseUnlessLarge();
 	}
 	catch (...)
 	{
@@ -155,16 +155,16 @@ void FParseAhead::Work(std::unique_lock<std::mutex>& Guard, FSlot& Slot)
 	if (Slot.State == EState::Dropped)
 		return;
 	Slot.State = EState::Ready;
-	NumReadyBytes += Slot.Text->NumBytes();
+	ReadyMemory += Slot.Text->GetMemory();
 	SlotReady.notify_one();
 }
 
 void FParseAhead::Drop(FSlot& Slot)
 {
-	const bool bHadRoom = NumReadyBytes < MaxReadyBytes;
+	const bool bHadRoom = ReadyMemory < MaxReadyMemory;
 	if (Slot.State == EState::Ready)
-		NumReadyBytes -= Slot.Text->NumBytes();
+		ReadyMemory -= Slot.Text->GetMemory();
 	Slot.State = EState::Dropped;
-	if (!bHadRoom && NumReadyBytes < MaxReadyBytes)
+	if (!bHadRoom && ReadyMemory < MaxReadyMemory)
 		WorkAdded.notify_all();
 }

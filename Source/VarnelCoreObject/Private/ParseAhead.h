@@ -67,6 +67,6 @@ private:
 	std::condition_variable_any WorkAdded; // for the threads
 	std::condition_variable SlotReady;	   // for the game thread
 	std::deque<FSlotPtr> Window;		   // in the order in which they will be asked for
-	std::size_t NumReadyBytes = 0;
+	std::size_t ReadyMemory = 0;
 	std::vector<std::jthread> Threads; // last: they stop before the rest goes
 };

@@ -50,9 +50,9 @@ UPackage* FModulePackages::Open(const FScriptModuleFile& Module, FDiagnosticSink
 	return Package;
 }
 
-bool Parse(FScriptFile& File, const std::string& Text)
+bool Parse(FScriptFile& File, const std::string& Text, int64 MaxValues)
 {
-	if (!File.Document.Parse(Text, {.MaxDepth = Json::MaxPackageDepth, .StopBefore = {}}))
+	if (!File.Document.Parse(Text, {.MaxDepth = Json::MaxPackageDepth, .MaxValues = MaxValues, .StopBefore = {}}))
 	{
 		File.Faults.ReportSyntax();
 		return false;
@@ -68,14 +68,16 @@ void DeclareScriptModules(const TArray<FScriptModuleFile>& Files, FDiagnosticSin
 	FModulePackages Packages;
 	std::vector<TUniquePtr<FScriptFile>> Opened;
 	FScriptDeclarations Declarations;
+	int64 ValuesLeft = Json::MaxDocumentValues; // all modules are in memory until the last is declared
 	for (const FScriptModuleFile& Module : Files)
 	{
 		UPackage* const Package = Packages.Open(Module, Diagnostics);
 		if (!Package)
 			continue;
 		Opened.push_back(MakeUnique<FScriptFile>(Module, *Package, Diagnostics));
-		if (Parse(*Opened.back(), Module.Text))
+		if (Parse(*Opened.back(), Module.Text, ValuesLeft))
 			Declarations.Collect(*Opened.back());
+		ValuesLeft -= Opened.back()->Document.NumValues();
 	}
 	Declarations.Make();
 	for (UObject* const Object : Declarations.GetMade())

@@ -18,6 +18,7 @@ public:
 	std::size_t GetPadding() const override { return FJsonDocument::GetPadding(); }
 	bool ReadHeader(std::string& Bytes, const FString& FileName, FPackageHeader& Out, FDiagnosticSink* Diagnostics) override;
 	void ParseBody(std::string& Bytes) override { bBodyParsed = Parse(Bytes, WholeFile); }
+	std::size_t GetMemory() const override { return Document.GetMemory(); }
 	TUniquePtr<IPackageBody> OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) override;
 
 private:

@@ -122,6 +122,7 @@ struct FJsonError
 	int32 Line = 1;
 	int32 Column = 1; // code points
 	FString Text;
+	const char* Rule = "json-syntax"; // short stable word, for diagnostics
 };
 
 namespace Json
@@ -129,6 +130,9 @@ namespace Json
 /** Nesting allowed in messages and arguments, and in packages. */
 constexpr int32 MaxMessageDepth = 128;
 constexpr int32 MaxPackageDepth = 256;
+/** Values in one document; those of the largest real files are some hundred thousand. A document of so many takes about 200 MiB
+ * beside its text. */
+constexpr int64 MaxDocumentValues = 3 * 1024 * 1024;
 
 /**
  * Strict RFC 8259; invalid UTF-8 and lone surrogates are repaired to U+FFFD, and a number beyond the range of double becomes the

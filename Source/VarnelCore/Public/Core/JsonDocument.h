@@ -38,6 +38,7 @@ struct FJsonNode
 struct FJsonReadOptions
 {
 	int32 MaxDepth = Json::MaxMessageDepth;
+	int64 MaxValues = Json::MaxDocumentValues; // a text with more of them is refused
 	/**
 	 * When set, reading of the root object ends before the member of that name: what follows is not kept, is mostly not even
 	 * looked at, and need not be JSON.
@@ -100,7 +101,7 @@ private:
 
 /**
  * Parsed JSON text as a flat list of nodes with file offsets, for project files. Made to be reused: parsing again keeps the
- * buffers. The text is kept until the next parse. One thread at a time.
+ * buffers, unless they are much larger than the next text needs. The text is kept until the next parse. One thread at a time.
  */
 class FJsonDocument
 {
@@ -128,6 +129,10 @@ public:
 	bool WasRepaired() const { return bRepaired; }
 	/** Reading ended before FJsonReadOptions::StopBefore. */
 	bool StoppedEarly() const { return bStoppedEarly; }
+	/** Read so far; keys do not count. */
+	int64 NumValues() const { return static_cast<int64>(Nodes.size()); }
+	/** Bytes of all buffers. */
+	std::size_t GetMemory() const;
 	/** Offsets of keys that an object holds more than once (second and later places). */
 	const std::vector<uint32>& GetRepeatedKeys() const { return RepeatedKeys; }
 	/** Line and column (from 1, column in code points) of a byte offset. Linear in the text. */

@@ -95,12 +95,17 @@ public:
 	 * as long as the body that this gives. Any thread.
 	 */
 	virtual void ParseBody(std::string& Bytes) = 0;
+	/** Bytes that the reader's buffers take. */
+	virtual std::size_t GetMemory() const { return 0; }
 	/**
 	 * Second half: creates the objects whose classes are never loaded, so that what is a type can be referred to. Null when the
 	 * body is malformed: the package then holds no object. Loads nothing. Game thread.
 	 */
 	virtual TUniquePtr<IPackageBody> OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) = 0;
 };
+
+/** Parsed, a file may take many times its size: larger files than this are not parsed ahead, nor many of them at a time. */
+constexpr uint64 LargePackageBytes = 1024 * 1024;
 
 /** A package format. The registry's scan and the loader know packages only through this. */
 class IPackageSource

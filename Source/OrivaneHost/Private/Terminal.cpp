@@ -23,7 +23,7 @@ bool HasEnvironment(const char* Name)
 
 std::stop_source& GetStopSource()
 {
-	static std::stop_source Source;
+	static std::stop_source& Source = *new std::stop_source; // outlives the thread that watches signals
 	return Source;
 }
 

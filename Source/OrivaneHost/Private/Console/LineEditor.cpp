@@ -146,6 +146,8 @@ bool FLineEditor::ReadLine(FString& OutLine)
 {
 	// Nothing else wakes a thread that waits for a key.
 	const std::stop_callback OnStop(Interrupt::GetToken(), [this] { State->EndProcess(); });
+	// Before the prompt shows: a Ctrl-D that answers it at once would be swallowed, a Ctrl-C would end the console.
+	el_set(State->Editor, EL_PREP_TERM, 1);
 	int NumBytes = 0;
 	const char* const Bytes = el_gets(State->Editor, &NumBytes);
 	if (!Bytes || NumBytes <= 0)

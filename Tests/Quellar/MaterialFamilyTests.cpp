@@ -93,6 +93,54 @@ TEST(MaterialFamily, LoadsParentsAndParameters)
 	}
 }
 
+TEST(MaterialFamily, FindsWhatEachMaterialOfALongLineHas)
+{
+	FTestProject Project;
+	const auto PathOf = [](int32 Level) { return "/Game/L" + std::to_string(Level) + "/M" + std::to_string(Level); };
+	Project.Material(PathOf(0)).Scalar("A", "1").Scalar("B", "2").Scalar("C", "3");
+	for (int32 Level = 1; Level < 150; ++Level)
+	{
+		FTestMaterial& Instance = Project.MaterialInstance(PathOf(Level), PathOf(Level - 1));
+		if (Level == 70 || Level == 130)
+			Instance.Scalar("b", Level == 70 ? "42" : "7");
+		if (Level == 100)
+			Instance.Scalar("D", "42").Scalar("C", "42");
+	}
+	Project.Open();
+	SetMode(1);
+	const std::string B = "ScalarParameter B @Material/Parameters; ScalarValue 42.0 @Material/Parameters";
+	const struct
+	{
+		int32 Level;
+		const char* Term;
+		std::string Expected;
+	} Cases[] = {
+		{149, "42.0", "M149: ScalarValue 42.0 @Material/Parameters x2"},
+		{110, "42.0", "M110: ScalarValue 42.0 @Material/Parameters x3"},
+		{99, "42.0", "M99: ScalarValue 42.0 @Material/Parameters"},
+		{69, "42.0", ""},
+		{69, "2.0", "M69: ScalarValue 2.0 @Material/Parameters"},
+		{140, "7.0", "M140: ScalarValue 7.0 @Material/Parameters"},
+		{110, "",
+			"M110: Parent M109 @Material/Parent; ParentPath /Game/L109/M109.M109 @Material/Parent; ScalarParameter A "
+			"@Material/Parameters; ScalarValue 1.0 @Material/Parameters; " +
+				B + " x3; ScalarParameter C @Material/Parameters; ScalarParameter D @Material/Parameters"},
+	};
+	for (const auto& Case : Cases)
+	{
+		FAssetSearchParams Params = MakeParams("Material", Case.Term);
+		Params.MaxHitsPerAssetType = 1000;
+		Params.PathContains = ("/Game/L" + std::to_string(Case.Level)).c_str();
+		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected) << Case.Level << " " << Case.Term;
+		FAssetSearchParams Everywhere = Params;
+		Everywhere.PathContains = "";
+		Everywhere.MaxTotalHits = 10000;
+		const std::string All = Render(Project.Search(Everywhere));
+		const std::string Own = Case.Expected.empty() ? "M" + std::to_string(Case.Level) + ":" : Case.Expected;
+		EXPECT_EQ(All.find(Own) != std::string::npos, !Case.Expected.empty()) << "beside all others: " << Own;
+	}
+}
+
 TEST(MaterialFamily, FollowsTheSettingAtEachSearch)
 {
 	FTestProject Project;

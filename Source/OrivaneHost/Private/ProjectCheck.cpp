@@ -11,23 +11,21 @@
 
 namespace
 {
-/** Packages loaded before all are unloaded again: few enough for memory, enough that neighbours which share structures load them
- * once. */
-constexpr int32 PackagesPerRound = 512;
+/** What loaded packages may take before all are unloaded again: little enough for memory, enough that packages which share types,
+ * be it by the thousand, load them once. Bytes. */
+constexpr int64 MaxLoadedBytes = 128 * 1024 * 1024;
 
-/** Keeps memory bounded while packages are loaded one after another. */
+/** Keeps memory bounded while packages are loaded one after another, none of which is in memory in the beginning. */
 class FRounds
 {
 public:
+	FRounds() { UnloadAllLoadedPackages(); }
 	~FRounds() { UnloadAllLoadedPackages(); }
 	void BeginPackage()
 	{
-		if (NumPackages++ % PackagesPerRound == 0)
+		if (GetObjectMemory() > MaxLoadedBytes)
 			UnloadAllLoadedPackages();
 	}
-
-private:
-	int32 NumPackages = 0;
 };
 
 /** Looks where references between packages lead: by the registry where it can tell, by loading the others in the end. */

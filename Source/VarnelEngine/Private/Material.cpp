@@ -9,6 +9,32 @@ namespace
 constexpr FStringView NameKey = "Name";
 constexpr FStringView ValueKey = "Value";
 
+void AppendParameters(const FMaterialParameterLine& Line, TArray<FMaterialParameterInfo>& Out)
+{
+	if (Line.Above)
+	{
+		for (const FMaterialParameterInfo& Parameter : Line.Above->Parameters)
+		{
+			const UMaterialInterface* const* const Nearer = Line.Below.Find(Parameter.Name);
+			Out.Add({Parameter.Name, Nearer ? *Nearer : Parameter.Stating});
+		}
+	}
+	for (const auto& [Name, Stating] : Line.Below)
+	{
+		if (!Line.Above || !Line.Above->Places.Contains(Name))
+			Out.Add({Name, Stating});
+	}
+}
+
+/** Null where no material of the line states the parameter. */
+const UMaterialInterface* FindStating(const FMaterialParameterLine& Line, FName Name)
+{
+	if (const UMaterialInterface* const* const Nearer = Line.Below.Find(Name))
+		return *Nearer;
+	const int32* const Place = Line.Above ? Line.Above->Places.Find(Name) : nullptr;
+	return Place ? Line.Above->Parameters[*Place].Stating : nullptr;
+}
+
 /** One element of a list of parameters; nothing is added where it names none, or one that is there. */
 template <class T>
 void ReadParameter(const FJsonRef& Json, FPropertyReader& Reader, const FProperty& ValueProperty, TMaterialParameters<T>& Out)
@@ -67,34 +93,50 @@ UClass* UMaterialInterface::StaticClass()
 	return Class;
 }
 
-template <class T>
-TOptional<T> UMaterialInterface::FindValue(
-	const FMaterialParameterInfo& Parameter, TMaterialParameters<T> UMaterialInterface::*Stated, FKeptView Kept) const
+FMaterialParameterLine UMaterialInterface::GetScalarParameterLine() const
 {
-	const UMaterialInterface* const Stating =
-		Parameter.Stating ? Parameter.Stating : TMaterialLine<T>(*this, Stated, Kept).FindStating(Parameter.Name);
-	const TOptional<T>* const Found = Stating ? (Stating->*Stated).Find(Parameter.Name) : nullptr;
-	return Found ? *Found : std::nullopt;
+	return TMaterialLineReader<float>(&UMaterialInterface::ScalarParameters, &UMaterialInterface::ScalarView).Read(*this);
+}
+
+FMaterialParameterLine UMaterialInterface::GetVectorParameterLine() const
+{
+	return TMaterialLineReader<FLinearColor>(&UMaterialInterface::VectorParameters, &UMaterialInterface::VectorView).Read(*this);
+}
+
+FMaterialParameterLine UMaterialInterface::GetTextureParameterLine() const
+{
+	return TMaterialLineReader<FObjectPtr>(&UMaterialInterface::TextureParameters, &UMaterialInterface::TextureView).Read(*this);
 }
 
 void UMaterialInterface::GetAllScalarParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
 {
-	TMaterialLine<float>(*this, &UMaterialInterface::ScalarParameters, &UMaterialInterface::ScalarView).List(Parameters);
+	AppendParameters(GetScalarParameterLine(), Parameters);
 }
 
 void UMaterialInterface::GetAllVectorParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
 {
-	TMaterialLine<FLinearColor>(*this, &UMaterialInterface::VectorParameters, &UMaterialInterface::VectorView).List(Parameters);
+	AppendParameters(GetVectorParameterLine(), Parameters);
 }
 
 void UMaterialInterface::GetAllTextureParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const
 {
-	TMaterialLine<FObjectPtr>(*this, &UMaterialInterface::TextureParameters, &UMaterialInterface::TextureView).List(Parameters);
+	AppendParameters(GetTextureParameterLine(), Parameters);
+}
+
+template <class T>
+TOptional<T> UMaterialInterface::FindValue(const FMaterialParameterInfo& Parameter,
+	TMaterialParameters<T> UMaterialInterface::*Stated, FMaterialParameterLine (UMaterialInterface::*GetLine)() const) const
+{
+	const UMaterialInterface* const Stating =
+		Parameter.Stating ? Parameter.Stating : FindStating((this->*GetLine)(), Parameter.Name);
+	const TOptional<T>* const Found = Stating ? (Stating->*Stated).Find(Parameter.Name) : nullptr;
+	return Found ? *Found : std::nullopt;
 }
 
 bool UMaterialInterface::GetScalarParameterValue(const FMaterialParameterInfo& Parameter, float& Out) const
 {
-	const TOptional<float> Value = FindValue(Parameter, &UMaterialInterface::ScalarParameters, &UMaterialInterface::ScalarView);
+	const TOptional<float> Value =
+		FindValue(Parameter, &UMaterialInterface::ScalarParameters, &UMaterialInterface::GetScalarParameterLine);
 	Out = Value.value_or(Out);
 	return Value.has_value();
 }
@@ -102,7 +144,7 @@ bool UMaterialInterface::GetScalarParameterValue(const FMaterialParameterInfo& P
 bool UMaterialInterface::GetVectorParameterValue(const FMaterialParameterInfo& Parameter, FLinearColor& Out) const
 {
 	const TOptional<FLinearColor> Value =
-		FindValue(Parameter, &UMaterialInterface::VectorParameters, &UMaterialInterface::VectorView);
+		FindValue(Parameter, &UMaterialInterface::VectorParameters, &UMaterialInterface::GetVectorParameterLine);
 	Out = Value.value_or(Out);
 	return Value.has_value();
 }
@@ -110,7 +152,7 @@ bool UMaterialInterface::GetVectorParameterValue(const FMaterialParameterInfo& P
 bool UMaterialInterface::GetTextureParameterValue(const FMaterialParameterInfo& Parameter, UObject*& Out) const
 {
 	const TOptional<FObjectPtr> Value =
-		FindValue(Parameter, &UMaterialInterface::TextureParameters, &UMaterialInterface::TextureView);
+		FindValue(Parameter, &UMaterialInterface::TextureParameters, &UMaterialInterface::GetTextureParameterLine);
 	if (Value)
 		Out = Value->Get();
 	return Value.has_value();

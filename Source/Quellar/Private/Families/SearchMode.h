@@ -3,10 +3,12 @@
 #include "Families/FamilyScan.h"
 #include "OrivaneToolkit/OrivaneSettings.h"
 
+#include <functional>
+
 /** How a family whose depth is a setting reads one asset. */
 struct FModeReaders
 {
-	using FReadAsset = void (*)(const FAssetData&, FAssetResult&, FHitSink&);
+	using FReadAsset = std::function<void(const FAssetData&, FAssetResult&, FHitSink&)>;
 	FReadAsset Names;	 // mode 0: from the registry's record alone
 	FReadAsset Contents; // mode 1
 	EPackageUse ContentsUse;

@@ -3,8 +3,6 @@
 #include "CoreObject/Class.h"
 #include "CoreObject/ObjectPtr.h"
 
-struct FMaterialParameterView;
-
 struct FLinearColor
 {
 	static UScriptStruct* StaticStruct();
@@ -24,6 +22,24 @@ struct FMaterialParameterInfo
 	const UMaterialInterface* Stating = nullptr;
 };
 
+/** All parameters of one kind of a material in order. Kept by materials far down a line of parents: those below need not go all
+ * the way up again, and whoever looks at many materials need not look at these again. */
+struct FMaterialParameterView
+{
+	TArray<FMaterialParameterInfo> Parameters; // each with what states it
+	TMap<FName, int32> Places;				   // of the parameters
+	int32 Depth = 0;						   // materials above
+	uint64 NumDestructions = 0;				   // when it was made, see GetNumDestructions: of no use once that has risen
+};
+
+/** The parameters of one kind of a material, in two parts. Good until objects are unloaded. */
+struct FMaterialParameterLine
+{
+	TSharedPtr<const FMaterialParameterView> Above; // those of a material above it, or of itself; may be null
+	/** What is stated below that one: by name, what states it. A name that Above has keeps its place there, the others follow. */
+	TMap<FName, const UMaterialInterface*> Below;
+};
+
 /** Parameters as one material states them, in file order; a name that is repeated keeps its first value. No value: the parameter
  * exists and cannot be read, also where a parent has a value for it. */
 template <class T>
@@ -41,6 +57,9 @@ public:
 	/** The material that this one overrides, or null. */
 	virtual const UMaterialInterface* GetParentMaterial() const { return nullptr; }
 
+	FMaterialParameterLine GetScalarParameterLine() const;
+	FMaterialParameterLine GetVectorParameterLine() const;
+	FMaterialParameterLine GetTextureParameterLine() const;
 	/** Appends each parameter once: those of the topmost parent first, then what each material below adds. */
 	void GetAllScalarParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const;
 	void GetAllVectorParameterInfo(TArray<FMaterialParameterInfo>& Parameters) const;
@@ -53,15 +72,14 @@ public:
 	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
 
 private:
-	using FKeptView = TSharedPtr<const FMaterialParameterView> UMaterialInterface::*;
 	template <class T>
-	TOptional<T> FindValue(
-		const FMaterialParameterInfo& Parameter, TMaterialParameters<T> UMaterialInterface::*Stated, FKeptView Kept) const;
+	TOptional<T> FindValue(const FMaterialParameterInfo& Parameter, TMaterialParameters<T> UMaterialInterface::*Stated,
+		FMaterialParameterLine (UMaterialInterface::*GetLine)() const) const;
 
 	TMaterialParameters<float> ScalarParameters;
 	TMaterialParameters<FLinearColor> VectorParameters;
 	TMaterialParameters<FObjectPtr> TextureParameters;
-	// Of some materials, once asked for: what they and those above them state.
+	// Of some materials, once asked for.
 	TSharedPtr<const FMaterialParameterView> ScalarView;
 	TSharedPtr<const FMaterialParameterView> VectorView;
 	TSharedPtr<const FMaterialParameterView> TextureView;

@@ -4,12 +4,12 @@
 // "tool" the whole operation with its check of existence, messages and JSON.
 
 #include "BenchmarkProject.h"
-#include "Core/Json.h"
-#include "HeadlessEngine.h"
+#include "Core/Json/Json.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
-#include "Quellar/AssetGraphOperation.h"
-#include "Quellar/AssetGraphService.h"
-#include "Quellar/AssetRegistryUtils.h"
+#include "Project/HeadlessEngine.h"
+#include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Graph/AssetGraphService.h"
+#include "Quellar/Tools/AssetGraphOperation.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

@@ -3,12 +3,12 @@
 // written, for other programs to search (see path_search_versus_others.py).
 
 #include "BenchmarkProject.h"
-#include "Core/Json.h"
-#include "HeadlessEngine.h"
-#include "Quellar/AssetPathSearchOperation.h"
-#include "Quellar/AssetPathSearchTypes.h"
-#include "Quellar/AssetRegistryUtils.h"
-#include "Quellar/AssetSearchService.h"
+#include "Core/Json/Json.h"
+#include "Project/HeadlessEngine.h"
+#include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Paths/AssetPathSearchTypes.h"
+#include "Quellar/Search/AssetSearchService.h"
+#include "Quellar/Tools/AssetPathSearchOperation.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>

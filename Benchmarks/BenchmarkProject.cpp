@@ -1,6 +1,6 @@
 #include "BenchmarkProject.h"
 
-#include "Project.h"
+#include "Project/Project.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -4,8 +4,8 @@
  *
  * usage: blueprint_index_timing FOLDER BLUEPRINTS ENTRIES_EACH RUNS TERM...
  */
-#include "BlueprintIndex/FindInBlueprintSearchManager.h"
-#include "BlueprintIndex/StreamSearch.h"
+#include "BlueprintSearch/FindInBlueprintSearchManager.h"
+#include "BlueprintSearch/StreamSearch.h"
 
 #include <chrono>
 #include <cmath>

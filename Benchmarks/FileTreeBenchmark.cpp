@@ -2,8 +2,8 @@
 // The folder comes from the environment variable FILE_TREE_FOLDER, else it is /usr/share/doc. The page cache is warm after the
 // first round.
 
-#include "Core/FileTree.h"
-#include "Core/Tasks.h"
+#include "Core/Files/FileTree.h"
+#include "Core/Threads/Tasks.h"
 
 #include <atomic>
 #include <benchmark/benchmark.h>

@@ -1,8 +1,8 @@
 // Reading and writing JSON: package headers (what the first scan of a project pays for each file), whole packages, the value
 // model, the writer. Bytes per second count the whole text, also where only its head is read.
 
-#include "Core/Json.h"
-#include "Core/JsonDocument.h"
+#include "Core/Json/Json.h"
+#include "Core/Json/JsonDocument.h"
 
 #include <benchmark/benchmark.h>
 

@@ -3,7 +3,7 @@
 // tables with rows, plain assets. "header first" is the order that exporters write, where reading stops at the body; "body first"
 // makes the whole file be parsed.
 
-#include "CoreObject/PackageSource.h"
+#include "CoreObject/Packages/PackageSource.h"
 
 #include <benchmark/benchmark.h>
 #include <random>

@@ -2,9 +2,9 @@
 // memmem, which heeds case. Texts are generated from word lists with a fixed seed: 1 MiB stays in the second-level cache, 64 MiB
 // does not.
 
-#include "Core/String.h"
-#include "Core/TextFinder.h"
-#include "Core/Unicode.h"
+#include "Core/Text/String.h"
+#include "Core/Text/TextFinder.h"
+#include "Core/Text/Unicode.h"
 
 #include <benchmark/benchmark.h>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "ToolExecutor.h"
 
-#include "Core/StopToken.h"
-#include "Core/Tasks.h"
+#include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
 
 #include <atomic>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "Support/TestProject.h"
 
-#include "Core/Tasks.h"
-#include "Project.h"
-#include "ProjectCheck.h"
+#include "Core/Threads/Tasks.h"
+#include "Project/Project.h"
+#include "Project/ProjectCheck.h"
 
 #include <sstream>
 

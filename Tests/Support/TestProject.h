@@ -1,7 +1,7 @@
 #pragma once
 
-#include "HeadlessEngine.h"
-#include "Quellar/AssetSearchService.h"
+#include "Project/HeadlessEngine.h"
+#include "Quellar/Search/AssetSearchService.h"
 #include "Support/ScratchFolder.h"
 #include "Support/TestEffects.h"
 

@@ -1,4 +1,4 @@
-#include "Core/Unicode.h"
+#include "Core/Text/Unicode.h"
 #include "RegistryFixture.h"
 
 #include <algorithm>

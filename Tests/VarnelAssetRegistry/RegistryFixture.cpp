@@ -1,6 +1,6 @@
 #include "RegistryFixture.h"
 
-#include "Core/File.h"
+#include "Core/Files/File.h"
 
 #include <charconv>
 #include <sstream>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Diagnostics.h"
+#include "Core/Program/Diagnostics.h"
 
 #include <algorithm>
 #include <sstream>

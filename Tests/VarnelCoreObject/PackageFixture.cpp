@@ -1,6 +1,6 @@
 #include "PackageFixture.h"
 
-#include "Core/Unicode.h"
+#include "Core/Text/Unicode.h"
 
 UClass* UTestNode::StaticClass()
 {

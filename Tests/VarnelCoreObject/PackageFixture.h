@@ -1,9 +1,9 @@
 #pragma once
 
-#include "CoreObject/Loader.h"
-#include "CoreObject/NativeClass.h"
-#include "CoreObject/ObjectPtr.h"
-#include "CoreObject/PropertyReader.h"
+#include "CoreObject/Objects/ObjectPtr.h"
+#include "CoreObject/Packages/Loader.h"
+#include "CoreObject/Reflection/NativeClass.h"
+#include "CoreObject/Reflection/PropertyReader.h"
 #include "DiagnosticText.h"
 
 #include <gtest/gtest.h>

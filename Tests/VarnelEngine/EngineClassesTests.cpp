@@ -1,6 +1,6 @@
 #include "EngineFixture.h"
 
-#include "CoreObject/Properties.h"
+#include "CoreObject/Reflection/Properties.h"
 #include "Engine/BehaviorTree.h"
 #include "Engine/Blackboard.h"
 #include "Engine/DataAsset.h"

@@ -1,7 +1,7 @@
 #include "EngineFixture.h"
 
-#include "CoreObject/PackageSource.h"
-#include "CoreObject/ScriptModule.h"
+#include "CoreObject/Declarations/ScriptModule.h"
+#include "CoreObject/Packages/PackageSource.h"
 #include "Engine/EngineClasses.h"
 
 FEngineFixture::FEngineFixture()

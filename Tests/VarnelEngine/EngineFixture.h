@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/Diagnostics.h"
-#include "CoreObject/Loader.h"
+#include "Core/Program/Diagnostics.h"
+#include "CoreObject/Packages/Loader.h"
 
 #include <gtest/gtest.h>
 #include <map>

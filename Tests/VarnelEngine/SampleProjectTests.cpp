@@ -1,6 +1,6 @@
 #include "EngineFixture.h"
 
-#include "CoreObject/ScriptModule.h"
+#include "CoreObject/Declarations/ScriptModule.h"
 #include "Engine/BehaviorTree.h"
 #include "Engine/Blueprint.h"
 #include "Engine/DataTable.h"

@@ -1,7 +1,7 @@
 #include "EngineFixture.h"
 
-#include "CoreObject/Class.h"
-#include "CoreObject/Properties.h"
+#include "CoreObject/Reflection/Class.h"
+#include "CoreObject/Reflection/Properties.h"
 
 #include <algorithm>
 

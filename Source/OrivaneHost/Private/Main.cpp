@@ -1,5 +1,5 @@
-#include "LastResort.h"
 #include "OrivaneHost/Program.h"
+#include "Terminal/LastResort.h"
 
 namespace
 {

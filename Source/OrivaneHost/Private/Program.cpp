@@ -1,12 +1,12 @@
 #include "OrivaneHost/Program.h"
 
-#include "Commands.h"
-#include "Core/Log.h"
-#include "Core/StopToken.h"
-#include "LastResort.h"
-#include "PackageMemory.h"
-#include "Progress.h"
-#include "ToolCaller.h"
+#include "Commands/Commands.h"
+#include "Core/Program/Log.h"
+#include "Core/Threads/StopToken.h"
+#include "Project/PackageMemory.h"
+#include "Project/Progress.h"
+#include "Terminal/LastResort.h"
+#include "Tools/ToolCaller.h"
 
 #include <cerrno>
 #include <clocale>

@@ -1,7 +1,7 @@
 #include "OrivaneToolkit/AssetOperationBase.h"
 
 #include "AssetRegistry/IAssetRegistry.h"
-#include "CoreObject/PackageName.h"
+#include "CoreObject/Objects/PackageName.h"
 #include "TextFileLookup.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "OrivaneToolkit/OrivaneSettings.h"
 
-#include "CoreObject/NativeClass.h"
+#include "CoreObject/Reflection/NativeClass.h"
 
 UOrivaneSettings::UOrivaneSettings()
 {

@@ -1,8 +1,8 @@
 #include "TextFileLookup.h"
 
-#include "Core/ProjectFolder.h"
-#include "Core/SeededHash.h"
-#include "Core/Unicode.h"
+#include "Core/Base/SeededHash.h"
+#include "Core/Files/ProjectFolder.h"
+#include "Core/Text/Unicode.h"
 
 #include <atomic>
 #include <string>

@@ -1,9 +1,9 @@
 #include "ToolExecutor.h"
 
-#include "Core/Failure.h"
-#include "Core/Json.h"
-#include "Core/StopToken.h"
-#include "Core/Tasks.h"
+#include "Core/Base/Failure.h"
+#include "Core/Json/Json.h"
+#include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
 
 #include <algorithm>
 

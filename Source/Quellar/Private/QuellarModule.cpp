@@ -4,8 +4,8 @@
 #include "Families/TextFamily.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
-#include "Quellar/BlueprintFindUtils.h"
-#include "Quellar/ToolArguments.h"
+#include "Quellar/Families/BlueprintFindUtils.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 void FQuellarModule::StartupModule()
 {

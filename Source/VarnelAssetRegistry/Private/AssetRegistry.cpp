@@ -1,11 +1,11 @@
 #include "AssetRegistry/AssetRegistry.h"
 
 #include "AssetRegistry/BlueprintIndex.h"
-#include "Core/Unicode.h"
-#include "RegistryDump.h"
-#include "RegistryQuery.h"
-#include "RegistryScan.h"
-#include "RegistrySnapshot.h"
+#include "Core/Text/Unicode.h"
+#include "Queries/RegistryDump.h"
+#include "Queries/RegistryQuery.h"
+#include "Queries/RegistrySnapshot.h"
+#include "Scan/RegistryScan.h"
 
 #include <mutex>
 

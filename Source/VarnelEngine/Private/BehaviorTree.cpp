@@ -1,6 +1,6 @@
 #include "Engine/BehaviorTree.h"
 
-#include "CoreObject/NativeClass.h"
+#include "CoreObject/Reflection/NativeClass.h"
 #include "Engine/Blackboard.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "Engine/Blackboard.h"
 
-#include "CoreObject/NativeClass.h"
+#include "CoreObject/Reflection/NativeClass.h"
 
 UClass* UBlackboardKeyType::StaticClass()
 {

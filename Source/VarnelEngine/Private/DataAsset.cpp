@@ -1,6 +1,6 @@
 #include "Engine/DataAsset.h"
 
-#include "CoreObject/NativeClass.h"
+#include "CoreObject/Reflection/NativeClass.h"
 
 UClass* UDataAsset::StaticClass()
 {

@@ -1,6 +1,6 @@
 #include "Engine/EngineClasses.h"
 
-#include "CoreObject/NativeClass.h"
+#include "CoreObject/Reflection/NativeClass.h"
 #include "Engine/BehaviorTree.h"
 #include "Engine/Blackboard.h"
 #include "Engine/DataAsset.h"

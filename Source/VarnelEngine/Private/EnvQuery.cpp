@@ -1,6 +1,6 @@
 #include "Engine/EnvQuery.h"
 
-#include "CoreObject/NativeClass.h"
+#include "CoreObject/Reflection/NativeClass.h"
 
 UClass* UEnvQueryGenerator::StaticClass()
 {

@@ -1,7 +1,7 @@
 #include "Engine/Material.h"
 
-#include "CoreObject/NativeClass.h"
-#include "CoreObject/PropertyReader.h"
+#include "CoreObject/Reflection/NativeClass.h"
+#include "CoreObject/Reflection/PropertyReader.h"
 #include "MaterialLine.h"
 
 namespace

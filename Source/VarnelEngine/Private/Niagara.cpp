@@ -1,7 +1,7 @@
 #include "Engine/Niagara.h"
 
-#include "CoreObject/NativeClass.h"
-#include "CoreObject/PropertyReader.h"
+#include "CoreObject/Reflection/NativeClass.h"
+#include "CoreObject/Reflection/PropertyReader.h"
 
 UClass* UNiagaraRendererProperties::StaticClass()
 {

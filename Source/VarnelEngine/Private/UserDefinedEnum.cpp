@@ -1,7 +1,7 @@
 #include "Engine/UserDefinedEnum.h"
 
-#include "CoreObject/NativeClass.h"
-#include "CoreObject/PropertyReader.h"
+#include "CoreObject/Reflection/NativeClass.h"
+#include "CoreObject/Reflection/PropertyReader.h"
 
 namespace
 {

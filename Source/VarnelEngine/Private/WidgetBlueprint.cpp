@@ -1,6 +1,6 @@
 #include "Engine/WidgetBlueprint.h"
 
-#include "CoreObject/NativeClass.h"
+#include "CoreObject/Reflection/NativeClass.h"
 
 UClass* UWidget::StaticClass()
 {

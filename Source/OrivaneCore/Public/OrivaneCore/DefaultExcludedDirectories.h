@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/Containers.h"
-#include "Core/String.h"
+#include "Core/Base/Containers.h"
+#include "Core/Text/String.h"
 
 namespace Orivane::Tarnwell
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/String.h"
+#include "Core/Text/String.h"
 
 namespace Orivane
 {

@@ -1,11 +1,11 @@
-#include "Commands.h"
+#include "Commands/Commands.h"
 #include "Console/ConsoleCompletion.h"
 #include "Console/ConsoleSession.h"
-#include "Core/File.h"
-#include "HeadlessEngine.h"
-#include "LineSplitter.h"
+#include "Core/Files/File.h"
 #include "OrivaneHost/Program.h"
-#include "UserFolders.h"
+#include "Project/HeadlessEngine.h"
+#include "Project/UserFolders.h"
+#include "Terminal/LineSplitter.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,10 +1,10 @@
 #include "Console/ConsoleCompletion.h"
 
-#include "Core/Console.h"
-#include "Core/Unicode.h"
-#include "Quellar/AssetRegistryUtils.h"
-#include "Quellar/AssetSearchService.h"
-#include "Quellar/ConsoleSearch.h"
+#include "Core/Program/Console.h"
+#include "Core/Text/Unicode.h"
+#include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Console/ConsoleSearch.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 #include <algorithm>
 

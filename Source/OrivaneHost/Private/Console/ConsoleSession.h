@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Core/Containers.h"
-#include "Core/String.h"
-#include "Quellar/ConsoleSearch.h"
+#include "Core/Base/Containers.h"
+#include "Core/Text/String.h"
+#include "Quellar/Console/ConsoleSearch.h"
 
 #include <chrono>
 

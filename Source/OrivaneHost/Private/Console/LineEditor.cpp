@@ -1,8 +1,8 @@
 #include "Console/LineEditor.h"
 
-#include "Core/Unicode.h"
+#include "Core/Text/Unicode.h"
 #include "OrivaneHost/Program.h"
-#include "Terminal.h"
+#include "Terminal/Terminal.h"
 
 #include <algorithm>
 #include <clocale>

@@ -1,14 +1,14 @@
-#include "Commands.h"
-#include "Core/File.h"
+#include "Commands/Commands.h"
+#include "Core/Files/File.h"
 #include "Graph/GraphPicture.h"
 #include "Graph/GraphTree.h"
-#include "HeadlessEngine.h"
 #include "OrivaneHost/Program.h"
-#include "Quellar/AssetGraphService.h"
-#include "Quellar/AssetPathUtils.h"
-#include "Quellar/AssetRegistryUtils.h"
-#include "Quellar/AssetSearchService.h"
-#include "Quellar/ToolArguments.h"
+#include "Project/HeadlessEngine.h"
+#include "Quellar/Assets/AssetPathUtils.h"
+#include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Graph/AssetGraphService.h"
+#include "Quellar/Search/AssetSearchService.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 namespace
 {

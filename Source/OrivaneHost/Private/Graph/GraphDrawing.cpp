@@ -1,6 +1,6 @@
-#include "Core/HashMap.h"
-#include "Core/Unicode.h"
-#include "CoreObject/PackageName.h"
+#include "Core/Base/HashMap.h"
+#include "Core/Text/Unicode.h"
+#include "CoreObject/Objects/PackageName.h"
 #include "Graph/GraphPage.h"
 #include "Graph/GraphPicture.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/String.h"
+#include "Core/Text/String.h"
 
 /** Where the page's data go, a JSON object. */
 inline constexpr FStringView GraphPagePlaceholder = "GRAPH_DATA";

@@ -1,6 +1,6 @@
 #include "Graph/GraphPicture.h"
 
-#include "ToolOutput.h"
+#include "Tools/ToolOutput.h"
 
 #include <cstdlib>
 

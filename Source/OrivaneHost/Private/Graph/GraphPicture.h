@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Json.h"
+#include "Core/Json/Json.h"
 
 /** What a drawing of an explored graph shows: every package once, with the links between them. */
 struct FGraphPicture

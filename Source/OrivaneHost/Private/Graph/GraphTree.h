@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolOutput.h"
+#include "Tools/ToolOutput.h"
 
 /** The payload of explore_asset_graph as a tree for people: a package a line with its kind and type, numbers, and a line when
  * relations were left out. */

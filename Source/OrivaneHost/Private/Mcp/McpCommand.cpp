@@ -1,15 +1,15 @@
-#include "Commands.h"
-#include "Core/Failure.h"
-#include "Core/Log.h"
-#include "Core/Tasks.h"
-#include "HeadlessEngine.h"
+#include "Commands/Commands.h"
+#include "Core/Base/Failure.h"
+#include "Core/Program/Log.h"
+#include "Core/Threads/Tasks.h"
 #include "Mcp/McpProjectHost.h"
 #include "Mcp/McpServer.h"
 #include "Mcp/McpStdio.h"
 #include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
-#include "PackageMemory.h"
-#include "PathSearchTool.h"
+#include "Project/HeadlessEngine.h"
+#include "Project/PackageMemory.h"
+#include "Tools/PathSearchTool.h"
 
 #include <atomic>
 #include <csignal>

@@ -1,6 +1,6 @@
 #include "Mcp/McpEra.h"
 
-#include "Version.h"
+#include "Terminal/Version.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Json.h"
+#include "Core/Json/Json.h"
 
 /** Error codes that the server answers with; the last one belongs to the modern protocol revision. */
 namespace EMcpErrorCode

@@ -1,10 +1,10 @@
 #include "Mcp/McpProjectHost.h"
 
-#include "Core/Tasks.h"
-#include "CoreObject/Loader.h"
-#include "Quellar/ToolArguments.h"
-#include "TimeOutAdvice.h"
-#include "ToolSchemas.h"
+#include "Core/Threads/Tasks.h"
+#include "CoreObject/Packages/Loader.h"
+#include "Quellar/Tools/ToolArguments.h"
+#include "Tools/TimeOutAdvice.h"
+#include "Tools/ToolSchemas.h"
 
 #include <utility>
 

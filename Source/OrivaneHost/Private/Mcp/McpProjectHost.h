@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Core/Log.h"
+#include "Core/Program/Log.h"
 #include "Mcp/McpToolHost.h"
 #include "OrivaneToolkit/ToolExecutor.h"
-#include "Project.h"
+#include "Project/Project.h"
 
 #include <chrono>
 #include <map>

@@ -1,6 +1,6 @@
 #include "Mcp/McpServer.h"
 
-#include "Core/Failure.h"
+#include "Core/Base/Failure.h"
 #include "Mcp/McpTools.h"
 
 #include <algorithm>

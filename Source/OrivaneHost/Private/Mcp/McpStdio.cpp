@@ -1,6 +1,6 @@
 #include "Mcp/McpStdio.h"
 
-#include "Core/Assert.h"
+#include "Core/Base/Assert.h"
 
 #include <algorithm>
 #include <array>

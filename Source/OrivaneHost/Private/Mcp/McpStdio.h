@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/Types.h"
-#include "LineSplitter.h"
+#include "Core/Base/Types.h"
+#include "Terminal/LineSplitter.h"
 
 #include <chrono>
 #include <condition_variable>

@@ -1,7 +1,7 @@
 #include "Mcp/McpToolAnswer.h"
 
 #include "Mcp/McpTools.h"
-#include "ToolCaller.h"
+#include "Tools/ToolCaller.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Json.h"
+#include "Core/Json/Json.h"
 #include "OrivaneCore/ToolResult.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #include "Mcp/McpTools.h"
 
-#include "Quellar/ToolArguments.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 namespace
 {

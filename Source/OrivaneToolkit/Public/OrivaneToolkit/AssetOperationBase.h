@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Json.h"
+#include "Core/Json/Json.h"
 
 /** Whether a file counts as text, by its path. Any thread. */
 using FIsTextFile = bool (*)(FStringView Path);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CoreObject/DeveloperSettings.h"
+#include "CoreObject/Reflection/DeveloperSettings.h"
 
 /** Settings that the family's modules share, section [/Script/OrivaneToolkit.OrivaneSettings]. Read from the class default
  * object. */

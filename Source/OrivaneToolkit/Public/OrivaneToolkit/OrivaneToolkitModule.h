@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Module.h"
+#include "Core/Program/Module.h"
 #include "OrivaneToolkit/ToolExecutor.h"
 
 /** The module "OrivaneToolkit": owns the tool executor while it is loaded. */

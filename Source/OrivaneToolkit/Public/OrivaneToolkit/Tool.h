@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Core/Delegate.h"
+#include "Core/Base/Delegate.h"
 #include "OrivaneCore/ToolResult.h"
 
 namespace Orivane

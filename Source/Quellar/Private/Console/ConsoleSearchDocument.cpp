@@ -1,7 +1,7 @@
 #include "Console/ConsoleSearchDocument.h"
 
-#include "AssetTypeGroup.h"
-#include "Core/Json.h"
+#include "Assets/AssetTypeGroup.h"
+#include "Core/Json/Json.h"
 
 namespace
 {

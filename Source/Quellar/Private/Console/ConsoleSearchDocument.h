@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetSearchTypes.h"
+#include "Quellar/Hits/AssetSearchTypes.h"
 
 enum class EConsoleSearchForm : uint8
 {

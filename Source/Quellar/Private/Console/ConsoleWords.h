@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/String.h"
-#include "Core/Unicode.h"
+#include "Core/Text/String.h"
+#include "Core/Text/Unicode.h"
 
 /** Whether a console word begins with a key such as "term=", whatever its case; OutValue is then the rest without its quotes. */
 inline bool ReadWord(const FString& Word, FStringView Key, FString& OutValue)

@@ -1,8 +1,8 @@
 #include "Console/ExploreAssetGraphCommand.h"
 
-#include "AssetGraphJson.h"
 #include "Console/ConsoleWords.h"
-#include "Core/Console.h"
+#include "Core/Program/Console.h"
+#include "Graph/AssetGraphJson.h"
 
 namespace
 {

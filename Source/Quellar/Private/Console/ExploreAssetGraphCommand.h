@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetGraphService.h"
+#include "Quellar/Graph/AssetGraphService.h"
 
 /** Reads the words of Orivane.ExploreAssetGraph; words it does not know are ignored. */
 FExploreAssetGraphParams ReadExploreAssetGraphWords(const TArray<FString>& Words);

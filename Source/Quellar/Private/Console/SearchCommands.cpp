@@ -2,11 +2,11 @@
 
 #include "Console/ConsoleSearchDocument.h"
 #include "Console/ConsoleWords.h"
-#include "Core/Console.h"
-#include "Core/File.h"
-#include "Core/StopToken.h"
-#include "Quellar/AssetSearchService.h"
-#include "Quellar/ConsoleSearch.h"
+#include "Core/Files/File.h"
+#include "Core/Program/Console.h"
+#include "Core/Threads/StopToken.h"
+#include "Quellar/Console/ConsoleSearch.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 #include <algorithm>
 

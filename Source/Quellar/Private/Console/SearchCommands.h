@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetSearchTypes.h"
+#include "Quellar/Hits/AssetSearchTypes.h"
 
 /** What sets one search command of the console apart from the others. */
 struct FConsoleSearchTraits

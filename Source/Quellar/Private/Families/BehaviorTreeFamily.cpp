@@ -1,7 +1,7 @@
 #include "Families/BehaviorTreeFamily.h"
 
-#include "Core/HashMap.h"
-#include "CoreObject/Properties.h"
+#include "Core/Base/HashMap.h"
+#include "CoreObject/Reflection/Properties.h"
 #include "Engine/BehaviorTree.h"
 #include "Engine/Blackboard.h"
 #include "Families/FamilyScan.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetSearchService.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 /** Family "BehaviorTree": the blackboard, and every node, service and decorator by name, description and class. Loads trees, and
  * what they refer to. */

@@ -1,11 +1,11 @@
 #include "Families/BlueprintFamily.h"
 
-#include "Core/StopToken.h"
-#include "Core/Tasks.h"
-#include "CoreObject/PackageName.h"
+#include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
+#include "CoreObject/Objects/PackageName.h"
 #include "Engine/WidgetBlueprint.h"
 #include "Families/FamilyScan.h"
-#include "Quellar/BlueprintFindUtils.h"
+#include "Quellar/Families/BlueprintFindUtils.h"
 
 namespace
 {

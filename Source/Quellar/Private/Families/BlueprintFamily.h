@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetSearchService.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 /**
  * Family "Blueprint": what the index lists of Blueprints, the widgets and animations of widget Blueprints, and the names of all

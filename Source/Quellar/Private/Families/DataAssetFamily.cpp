@@ -1,6 +1,6 @@
 #include "Families/DataAssetFamily.h"
 
-#include "CoreObject/Properties.h"
+#include "CoreObject/Reflection/Properties.h"
 #include "Engine/DataAsset.h"
 #include "Families/FamilyScan.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetSearchService.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 /** Family "DataAsset": input actions and mapping contexts, the class, and the defaults that it declares; values that the asset
  * itself sets are not seen. Loads data assets. */

@@ -1,6 +1,6 @@
 #include "Families/FamilyScan.h"
 
-#include "Quellar/AssetPathExclusion.h"
+#include "Quellar/Assets/AssetPathExclusion.h"
 
 bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params)
 {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Core/StopToken.h"
-#include "CoreObject/Loader.h"
-#include "Quellar/AssetRegistryUtils.h"
-#include "Quellar/AssetSearchService.h"
-#include "ResolveAssetObject.h"
+#include "Assets/ResolveAssetObject.h"
+#include "Core/Threads/StopToken.h"
+#include "CoreObject/Packages/Loader.h"
+#include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,6 +1,6 @@
 #include "Families/MaterialFamily.h"
 
-#include "Core/HashMap.h"
+#include "Core/Base/HashMap.h"
 #include "Engine/Material.h"
 #include "Families/FamilyScan.h"
 #include "Families/SearchMode.h"

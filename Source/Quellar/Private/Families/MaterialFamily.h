@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetSearchService.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 /**
  * Family "Material": materials, material instances and material functions. By the settings' MaterialSearchMode it matches asset

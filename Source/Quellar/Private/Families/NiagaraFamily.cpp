@@ -1,10 +1,10 @@
 #include "Families/NiagaraFamily.h"
 
-#include "Core/HashMap.h"
+#include "Assets/ReferencedName.h"
+#include "Core/Base/HashMap.h"
 #include "Engine/Niagara.h"
 #include "Families/FamilyScan.h"
 #include "Families/SearchMode.h"
-#include "ReferencedName.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Quellar/AssetSearchService.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 /**
  * Family "NiagaraSystem": particle systems. By the settings' NiagaraSearchMode it matches asset names from the registry, or reads

@@ -1,6 +1,6 @@
 #include "Families/PropertyTypeName.h"
 
-#include "CoreObject/Properties.h"
+#include "CoreObject/Reflection/Properties.h"
 
 namespace
 {

@@ -1,13 +1,13 @@
 #include "Families/TextFamily.h"
 
-#include "Core/File.h"
-#include "Core/StopToken.h"
-#include "Core/Tasks.h"
-#include "Core/TextDecoder.h"
-#include "Core/TextFinder.h"
-#include "Core/Unicode.h"
+#include "Core/Files/File.h"
+#include "Core/Text/TextDecoder.h"
+#include "Core/Text/TextFinder.h"
+#include "Core/Text/Unicode.h"
+#include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
 #include "Families/FamilyScan.h"
-#include "Quellar/QuellarSettings.h"
+#include "Quellar/Assets/QuellarSettings.h"
 
 #include <deque>
 #include <vector>

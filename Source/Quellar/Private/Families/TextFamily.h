@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Quellar/AssetSearchService.h"
-#include "Quellar/TextSearch.h"
+#include "Quellar/Families/TextSearch.h"
+#include "Quellar/Search/AssetSearchService.h"
 
 /** Family "Text": project files with a searchable extension that contain the term (in exact mode: that are the term). Reads
  * files, touches no asset. */

@@ -1,6 +1,6 @@
 #include "Families/VisitCounts.h"
 
-#include "Core/StrongComponents.h"
+#include "Core/Base/StrongComponents.h"
 
 #include <algorithm>
 

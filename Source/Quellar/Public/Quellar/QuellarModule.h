@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/Module.h"
-#include "Quellar/ToolEntry.h"
+#include "Core/Program/Module.h"
+#include "Quellar/Tools/ToolEntry.h"
 
 /** The module: registers its tools with the tool executor while it runs, and the console command that explores graphs. Game
  * thread. */

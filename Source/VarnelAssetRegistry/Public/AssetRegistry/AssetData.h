@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/Containers.h"
-#include "CoreObject/ObjectPath.h"
+#include "Core/Base/Containers.h"
+#include "CoreObject/Objects/ObjectPath.h"
 
 class FRegistryImage;
 struct FRegistrySnapshot;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "AssetRegistry/IAssetRegistry.h"
-#include "Core/Diagnostics.h"
-#include "CoreObject/PackageSource.h"
+#include "Core/Program/Diagnostics.h"
+#include "CoreObject/Packages/PackageSource.h"
 
 #include <atomic>
 #include <stop_token>

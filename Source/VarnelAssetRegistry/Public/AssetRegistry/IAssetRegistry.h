@@ -4,7 +4,7 @@
 #include "AssetRegistry/AssetPaths.h"
 #include "AssetRegistry/BlueprintIndex.h"
 #include "AssetRegistry/PackageGraph.h"
-#include "Core/Module.h"
+#include "Core/Program/Module.h"
 
 #include <functional>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CoreObject/Class.h"
-#include "CoreObject/ObjectPtr.h"
+#include "CoreObject/Objects/ObjectPtr.h"
+#include "CoreObject/Reflection/Class.h"
 
 /** Asset that makes a class: "BP_Door" makes "BP_Door_C" beside itself, with the Blueprint's variables as properties. */
 class UBlueprint : public UObject

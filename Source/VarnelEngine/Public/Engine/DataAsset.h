@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CoreObject/Class.h"
+#include "CoreObject/Reflection/Class.h"
 
 /** Asset of plain data. Projects declare subclasses with the properties. */
 class UDataAsset : public UObject

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CoreObject/Class.h"
-#include "CoreObject/ObjectPtr.h"
+#include "CoreObject/Objects/ObjectPtr.h"
+#include "CoreObject/Reflection/Class.h"
 
 /** Table of rows that share one structure. Only the rows' names are kept: cells are checked while the project is, and not read
  * otherwise. */

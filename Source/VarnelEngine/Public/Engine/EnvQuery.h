@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CoreObject/Class.h"
-#include "CoreObject/ObjectPtr.h"
+#include "CoreObject/Objects/ObjectPtr.h"
+#include "CoreObject/Reflection/Class.h"
 
 /** Proposes places or objects; one subclass for each way to do so. */
 class UEnvQueryGenerator : public UObject

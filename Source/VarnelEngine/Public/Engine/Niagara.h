@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CoreObject/Class.h"
-#include "CoreObject/ObjectPtr.h"
+#include "CoreObject/Objects/ObjectPtr.h"
+#include "CoreObject/Reflection/Class.h"
 
 /** How particles are drawn; projects declare subclasses. */
 class UNiagaraRendererProperties : public UObject

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CoreObject/Class.h"
+#include "CoreObject/Reflection/Class.h"
 
 /** Enumeration that is an asset. Entries are stored as "E_Name::entry", the generated last one as "E_Name::E_Name_MAX". */
 class UUserDefinedEnum : public UEnum

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "CoreObject/Class.h"
-#include "CoreObject/ObjectPtr.h"
+#include "CoreObject/Objects/ObjectPtr.h"
+#include "CoreObject/Reflection/Class.h"
 
 /** Structure that is an asset. Its fields' internal names carry a generated suffix; the authored names do not. */
 class UUserDefinedStruct : public UScriptStruct

@@ -1,0 +1,469 @@
+#include "Commands/CommandLine.h"
+
+#include "OrivaneHost/Program.h"
+#include "Quellar/Tools/ToolArguments.h"
+#include "Terminal/NearestWord.h"
+#include "Terminal/Version.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+constexpr const char* Description =
+	"Answers questions about a game project: which assets and text files contain a name or value, what an asset depends on and\n"
+	"what refers to it, which asset paths match a name.\n"
+	"Serves AI agents over the Model Context Protocol, and people and scripts at a shell.";
+
+constexpr const char* ProgramExamples = R"(Examples:
+  orivane search Health --project Samples/Lantern
+  orivane search Damage --family DataTable --json
+  orivane graph /Game/UI/W_MainMenu --relation both
+  orivane paths MainMenu
+  orivane call asset_search '{"term":"Health"}' --project MyGame
+  orivane check --project MyGame
+  orivane mcp --project MyGame
+
+Without --project the nearest *.uproject from the current folder upward is opened.
+Exit codes: 0 found or clean; 1 nothing found, problems found, or the tool reported an error;
+            2 wrong use, output that cannot be written, or an internal failure; 3 the project cannot be opened; 130 interrupted.)";
+
+constexpr const char* SearchExamples = R"(Examples:
+  orivane search Health
+  orivane search "float" --family DataTable
+  orivane search TargetActor --family BehaviorTree,Blackboard
+  orivane search Lantern --exact --case-sensitive --path /Game/Data
+  orivane search Sparks --family NiagaraSystem --preload /Game/FX
+  orivane search Stamina --json | jq '.assets[].asset')";
+
+constexpr const char* GraphExamples = R"(ASSET is a long package name, an object path, or the file of a package.
+Examples:
+  orivane graph /Game/Maps/L_Village
+  orivane graph /Game/Data/DT_Items --relation referencers --depth 2
+  orivane graph Content/UI/W_MainMenu.vasset --relation both --all-kinds --format html -o graph.html
+  orivane graph /Game/Maps/L_Village --format dot | dot -Tsvg -o graph.svg
+
+Runtime links are needed by the game, Editor links by the editor alone. Siblings come out newest first.)";
+
+constexpr const char* PathsExamples = R"(Examples:
+  orivane paths Menu
+  orivane paths /Game/UI --class WidgetBlueprint
+  orivane paths BT_Guard --exact --view files
+  orivane paths _ --max-files 1000000 --json | jq -r '.summary.total_hits')";
+
+constexpr const char* ConsoleExamples =
+	R"(Without -c and with a terminal it asks for commands; "help" lists them. Without a terminal it reads them from standard input, one a line.
+Examples:
+  orivane console
+  orivane console -c "Orivane.DataTableSearch term=Health"
+  echo 'Orivane.AssetSearch term="two words" families=Text,DataTable' | orivane console)";
+
+constexpr const char* CallExamples = R"(Examples:
+  orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'
+  echo '{"term":"Health"}' | orivane call asset_search -
+
+Prints one JSON object: {"success", "messages": [{"type", "text"}], "data": {KEY: payload}}.)";
+
+constexpr const char* McpExamples = R"(Configuration of an agent:
+  {"mcpServers": {"orivane": {"command": "orivane", "args": ["mcp", "--project", "/path/to/MyGame"]}}})";
+
+constexpr const char* CheckExamples = R"(Prints file:line:column: severity: text [rule] for every fault of the project's files.
+Examples:
+  orivane check
+  orivane check --json --warnings-as-errors)";
+
+/** Reads options as UTF-8 text; what comes from a shell may be anything. */
+CLI::Option* AddText(CLI::App& App, const char* Name, const std::function<void(FString)>& Take, const char* Help)
+{
+	return App.add_option_function<std::string>(
+		Name, [Take](const std::string& Text) { Take(FString::FromExternal(Text)); }, Help);
+}
+
+CLI::Option* AddText(CLI::App& App, const char* Name, FString& Out, const char* Help)
+{
+	return AddText(
+		App, Name, [&Out](FString Text) { Out = std::move(Text); }, Help);
+}
+
+CLI::Option* AddTexts(CLI::App& App, const char* Name, const std::function<void(TArray<FString>)>& Take, const char* Help)
+{
+	const auto TakeAll = [Take](const std::vector<std::string>& Texts)
+	{
+		TArray<FString> Repaired;
+		for (const std::string& Text : Texts)
+			Repaired.Add(FString::FromExternal(Text));
+		Take(std::move(Repaired));
+	};
+	return App.add_option_function<std::vector<std::string>>(Name, TakeAll, Help)->delimiter(',')->allow_extra_args(false);
+}
+
+CLI::Option* AddTexts(CLI::App& App, const char* Name, TArray<FString>& Out, const char* Help)
+{
+	return AddTexts(
+		App, Name, [&Out](TArray<FString> Texts) { Out = std::move(Texts); }, Help);
+}
+
+template <class T>
+using TWords = std::vector<std::pair<std::string, T>>;
+
+/** An option that takes one of a few words, in any case. */
+template <class T>
+CLI::Option* AddChoice(
+	CLI::App& App, const char* Name, const TWords<T>& Words, const std::function<void(const T&)>& Take, const char* Help)
+{
+	const auto TakeWord = [Take, Words, Option = std::string(Name)](const std::string& Text)
+	{
+		std::string Known;
+		for (const auto& [Word, Value] : Words)
+		{
+			if (CLI::detail::to_lower(Text) == Word)
+				return Take(Value);
+			Known += (Known.empty() ? "" : ", ") + Word;
+		}
+		throw CLI::ValidationError(Option, "'" + Text + "' is none of: " + Known);
+	};
+	return App.add_option_function<std::string>(Name, TakeWord, Help);
+}
+
+template <class T>
+CLI::Option* AddChoice(CLI::App& App, const char* Name, const TWords<T>& Words, T& Out, const char* Help)
+{
+	return AddChoice<T>(
+		App, Name, Words, [&Out](const T& Value) { Out = Value; }, Help);
+}
+
+CLI::Option* AddSeconds(CLI::App& App, const char* Name, std::chrono::milliseconds& Out, const char* Help)
+{
+	constexpr double Shortest = 0.001;
+	constexpr double Longest = 86400;
+	const auto Check = [](const std::string& Text) -> std::string
+	{
+		double Seconds = 0;
+		const bool bInRange = CLI::detail::lexical_cast(Text, Seconds) && Seconds >= Shortest && Seconds <= Longest; // no "nan"
+		return bInRange ? "" : "'" + Text + "' is not a time from 0.001 to 86400 seconds";
+	};
+	const auto Take = [&Out](const double& Seconds) { Out = std::chrono::milliseconds(std::llround(Seconds * 1000)); };
+	return App.add_option_function<double>(Name, Take, Help)
+		->check(Check)
+		->type_name("SECONDS")
+		->default_str(std::to_string(std::chrono::duration_cast<std::chrono::seconds>(Out).count()));
+}
+
+/** An option that takes one of a text's choices, in lower case where the tool wants capitals. */
+CLI::Option* AddChoice(CLI::App& App, const FToolArgument& Argument, const TSharedPtr<FJsonObject>& Out, const char* Help)
+{
+	TWords<FString> Words;
+	for (const FString& Choice : Argument.Choices)
+		Words.push_back({Choice.ToLower().ToStdString(), Choice});
+	return AddChoice<FString>(
+		App, Argument.Shell.Names, Words, [Out, Key = Argument.Key](const FString& Choice) { Out->SetStringField(Key, Choice); },
+		Help);
+}
+
+CLI::Option* AddInteger(CLI::App& App, const FToolArgument& Argument, const TSharedPtr<FJsonObject>& Out, const char* Help)
+{
+	const auto Take = [Out, Key = Argument.Key](const int32& Value) { Out->SetNumberField(Key, Value); };
+	CLI::Option* const Option = App.add_option_function<int32>(Argument.Shell.Names, Take, Help);
+	if (Argument.Shell.Least == INT32_MIN)
+		return Option;
+	CLI::Validator InRange = CLI::Range(Argument.Shell.Least, Argument.Maximum);
+	int32 Default = 0;
+	Argument.Default.TryGetNumber(Default);
+	return Option->check(Argument.Maximum == INT32_MAX ? InRange.description("") : InRange)->default_str(std::to_string(Default));
+}
+
+CLI::Option* AddToolArgument(CLI::App& App, const FToolArgument& Argument, const TSharedPtr<FJsonObject>& Out, const char* Help)
+{
+	const auto Key = Argument.Key;
+	const char* const Names = Argument.Shell.Names;
+	if (!Argument.Shell.FlagValue.IsNull())
+		return App.add_flag_callback(
+			Names, [Out, Key, Value = Argument.Shell.FlagValue] { Out->SetField(Key, Value); }, Help);
+	if (Argument.Type == EToolArgument::Integer)
+		return AddInteger(App, Argument, Out, Help);
+	if (Argument.Type == EToolArgument::TextList)
+		return AddTexts(
+			App, Names,
+			[Out, Key](const TArray<FString>& Texts)
+			{
+				FJsonArray List;
+				for (const FString& Text : Texts)
+					List.Add(Text);
+				Out->SetArrayField(Key, std::move(List));
+			},
+			Help);
+	return Argument.Choices.IsEmpty()
+		? AddText(
+			  App, Names, [Out, Key](FString Text) { Out->SetStringField(Key, std::move(Text)); }, Help)
+		: AddChoice(App, Argument, Out, Help);
+}
+
+/** "Object paths listed [200]": options without a value and lists have no default to name, checked numbers name it themselves. */
+FString DescribeOption(const FToolArgument& Argument)
+{
+	FString Default;
+	const bool bNamesDefault = Argument.Shell.FlagValue.IsNull() && Argument.Shell.Least == INT32_MIN &&
+		Argument.Default.TryGetString(Default) && !Default.IsEmpty();
+	return FString(Argument.Shell.Help) + (bNamesDefault ? " [" + Default.ToLower() + "]" : FString());
+}
+
+/** Offers a tool's arguments as options; those that are given stand in Out as the tool takes them. */
+void AddToolArguments(CLI::App& App, const char* ToolName, const TSharedPtr<FJsonObject>& Out)
+{
+	for (const FToolArgument& Argument : FindToolDeclaration(ToolName)->Arguments)
+	{
+		if (!*Argument.Shell.Names)
+			continue;
+		CLI::Option* const Option = AddToolArgument(App, Argument, Out, *DescribeOption(Argument));
+		if (Argument.bRequired)
+			Option->required();
+		if (*Argument.Shell.Placeholder)
+			Option->type_name(Argument.Shell.Placeholder);
+	}
+}
+
+void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
+{
+	const auto TakePath = [&Out](const std::string& Path) { Out.Path = Path; }; // as it is: repaired, it may name another one
+	App.add_option_function<std::string>("-p,--project", TakePath, "Project folder, or its *.uproject")->type_name("DIR");
+	AddTexts(App, "--preload", Out.Preload,
+		"Bring into memory first: a package, an object's package, or all below a folder (/Game/FX)")
+		->type_name("PATH");
+	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
+	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
+		->check(CLI::Range(0, 1024))
+		->type_name("N");
+	const auto TakeMegabytes = [&Out](const int64& Megabytes) { Out.ObjectMemory = Megabytes << 20; };
+	App.add_option_function<int64>(
+		   "--object-memory", TakeMegabytes, "Memory that loaded objects may keep between calls [a quarter of the machine's]")
+		->check(CLI::Range(int64{1}, int64{1} << 30))
+		->type_name("MB");
+	CLI::Option* NoCache = App.add_flag_callback(
+		"--no-cache", [&Out] { Out.Cache = ERegistryCache::Ignore; }, "Neither read nor write the registry cache");
+	App.add_flag_callback(
+		   "--rebuild-cache", [&Out] { Out.Cache = ERegistryCache::Rebuild; }, "Read every package and write a new cache")
+		->excludes(NoCache);
+}
+
+CLI::App* AddCommand(CLI::App& Program, const char* Name, const char* Help, const char* Footer)
+{
+	CLI::App* Command = Program.add_subcommand(Name, Help);
+	Command->footer(Footer);
+	return Command;
+}
+
+void AddCall(CLI::App& Program, FCallArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "call", "Call a tool and print its answer as one JSON object, for programs", CallExamples);
+	AddText(*Command, "TOOL", Out.Tool, "Name of the tool, such as asset_search")->required();
+	AddText(*Command, "JSON", Out.ArgumentsJson, "Arguments, a JSON object; '-' reads them from standard input");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddColor(CLI::App& Command, EColor& Out)
+{
+	const TWords<EColor> Words = {{"auto", EColor::Auto}, {"always", EColor::Always}, {"never", EColor::Never}};
+	AddChoice(Command, "--color", Words, Out, "Colour the output: auto, always, never [auto]")->type_name("WHEN");
+}
+
+void AddSearch(CLI::App& Program, FSearchArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "search", "Find assets and text files that contain a name or value", SearchExamples);
+	AddToolArguments(*Command, ToolNames::AssetSearch, Out.Tool);
+	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddGraphFormat(CLI::App& Command, FGraphArguments& Out)
+{
+	const TWords<EGraphFormat> Words = {{"tree", EGraphFormat::Tree}, {"json", EGraphFormat::Json}, {"dot", EGraphFormat::Dot},
+		{"mermaid", EGraphFormat::Mermaid}, {"html", EGraphFormat::Html}};
+	CLI::Option* Format =
+		AddChoice(Command, "--format", Words, Out.Format, "tree, json (the tool's payload), dot, mermaid, html [tree]");
+	Format->type_name("FORMAT");
+	const auto UseJson = [&Out] { Out.Format = EGraphFormat::Json; };
+	Command.add_flag_callback("--json", UseJson, "Same as --format json")->excludes(Format);
+	AddText(Command, "-o,--output", Out.OutputFile, "Write to this file instead of standard output; '-' is standard output")
+		->type_name("FILE");
+}
+
+void AddGraph(CLI::App& Program, FGraphArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "graph", "Show what an asset depends on and what refers to it, or draw it", GraphExamples);
+	AddToolArguments(*Command, ToolNames::AssetGraph, Out.Tool);
+	AddGraphFormat(*Command, Out);
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddPaths(CLI::App& Program, FPathsArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "paths", "Find assets by a part of their path or name", PathsExamples);
+	AddToolArguments(*Command, ToolNames::AssetPathSearch, Out.Tool);
+	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddConsole(CLI::App& Program, FConsoleArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "console", "Run Orivane.* console commands, by hand or from a script", ConsoleExamples);
+	AddTexts(*Command, "-c,--command", Out.Lines, "Run this line and exit (may be repeated)")->type_name("LINE")->delimiter('\0');
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Wait this long for a search, then go on");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddInfo(CLI::App& Program, FInfoArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "info", "What was opened: counts, mounts, settings in force, cache, timings",
+		"Examples:\n  orivane info --json\n  orivane info --settings");
+	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	Command->add_flag("--settings", Out.bSettings, "Print every setting with its value and what it does");
+	Command->add_flag(
+		"--dump-registry", Out.bDumpRegistry, "Print every package, asset, tag and dependency that the registry holds");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddCheck(CLI::App& Program, FCheckArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "check", "Report every fault of the project's files", CheckExamples);
+	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	Command->add_flag("--warnings-as-errors", Out.bWarningsAsErrors, "Warnings count for the exit code too");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddMcp(CLI::App& Program, FMcpArguments& Out)
+{
+	CLI::App* Command =
+		AddCommand(Program, "mcp", "Serve AI agents: Model Context Protocol on standard input and output", McpExamples);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Time a tool may take once it runs");
+	AddSeconds(*Command, "--deadline", Out.Deadline, "Time until a call is answered, waiting included");
+	Command->add_option("--max-answer-bytes", Out.MaxAnswerBytes, "Longer answers are cut, and say so")
+		->check(CLI::Range(int64{16 * 1024}, int64{8 * 1024 * 1024}))
+		->type_name("BYTES")
+		->capture_default_str();
+	Command->add_flag_callback(
+		"--without-path-search", [&Out] { Out.bPathSearch = false; }, "Do not offer the tool asset_path_search");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+std::vector<std::string> GetOptionWords(const CLI::App& App)
+{
+	std::vector<std::string> Words;
+	for (const CLI::Option* Option : App.get_options())
+	{
+		for (const std::string& Name : Option->get_lnames())
+			Words.push_back("--" + Name);
+	}
+	return Words;
+}
+
+std::vector<std::string> GetCommandWords(const CLI::App& Program)
+{
+	std::vector<std::string> Words;
+	for (const CLI::App* Command : Program.get_subcommands([](const CLI::App*) { return true; }))
+		Words.push_back(Command->get_name());
+	return Words;
+}
+
+/** The command that was named, or the program itself. */
+const CLI::App& GetNamedApp(const CLI::App& Program)
+{
+	const auto Named = Program.get_subcommands();
+	return Named.empty() ? Program : *Named.front();
+}
+
+FString DescribeError(const CLI::App& Program, const CLI::ParseError& Error, const std::vector<std::string>& Words)
+{
+	const CLI::App& App = GetNamedApp(Program);
+	const bool bWithoutCommand = &App == &Program;
+	const std::vector<std::string> Extras = App.remaining();
+	const std::string Unknown = !Extras.empty() ? Extras.front() : (bWithoutCommand && !Words.empty() ? Words.front() : "");
+	const FString Prefix = bWithoutCommand ? FString("orivane: ") : FString("orivane ") + App.get_name() + ": ";
+	const FString Advice =
+		bWithoutCommand ? FString("see: orivane --help") : FString("see: orivane ") + App.get_name() + " --help";
+	if (Unknown.empty())
+		return Prefix + Terminal::Sanitize(FString::FromExternal(Error.what())) + "; " + Advice + "\n";
+
+	const bool bOption = Unknown.starts_with("-");
+	const std::string Nearest =
+		FindNearestWord(Unknown, bOption || !bWithoutCommand ? GetOptionWords(App) : GetCommandWords(Program));
+	FString Text = Prefix + (bOption ? "unknown option '" : bWithoutCommand ? "unknown command '" : "unexpected word '");
+	Text += Terminal::Sanitize(FString::FromExternal(Unknown)) + "'";
+	Text += Nearest.empty() ? FString() : FString(", did you mean '") + Nearest + "'?";
+	return Text + "; " + Advice + "\n";
+}
+}
+
+TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Arguments, int& OutExitCode)
+{
+	FCallArguments Call;
+	FSearchArguments Search;
+	FGraphArguments Graph;
+	FPathsArguments Paths;
+	FConsoleArguments Console;
+	FInfoArguments Info;
+	FCheckArguments Check;
+	FMcpArguments Mcp;
+
+	CLI::App Program(Description, "orivane");
+	Program.footer(ProgramExamples);
+	Program.set_version_flag("--version", OrivaneVersion);
+	Program.require_subcommand(1);
+	AddSearch(Program, Search);
+	AddGraph(Program, Graph);
+	AddPaths(Program, Paths);
+	AddCall(Program, Call);
+	AddConsole(Program, Console);
+	AddMcp(Program, Mcp);
+	AddInfo(Program, Info);
+	AddCheck(Program, Check);
+
+	try
+	{
+		Program.parse(NumArguments, Arguments);
+	}
+	catch (const CLI::Success& Wanted) // --help, --version
+	{
+		std::ostringstream Text;
+		OutExitCode = Program.exit(Wanted, Text, Text);
+		Terminal::Print(Text.str());
+		return {};
+	}
+	catch (const CLI::ParseError& Error)
+	{
+		const std::vector<std::string> Words(Arguments + 1, Arguments + std::max(NumArguments, 1));
+		Terminal::PrintError(DescribeError(Program, Error, Words));
+		OutExitCode = EExitCode::WrongUse;
+		return {};
+	}
+
+	if (Program.got_subcommand("call"))
+		return Call;
+	if (Program.got_subcommand("search"))
+		return Search;
+	if (Program.got_subcommand("graph"))
+		return Graph;
+	if (Program.got_subcommand("paths"))
+		return Paths;
+	if (Program.got_subcommand("console"))
+		return Console;
+	if (Program.got_subcommand("info"))
+		return Info;
+	if (Program.got_subcommand("check"))
+		return Check;
+	return Mcp;
+}

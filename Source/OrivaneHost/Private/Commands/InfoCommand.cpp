@@ -1,0 +1,238 @@
+#include "Commands/Commands.h"
+#include "Core/Json/Json.h"
+#include "CoreObject/Objects/PackageName.h"
+#include "CoreObject/Reflection/DeveloperSettings.h"
+#include "CoreObject/Reflection/Properties.h"
+#include "OrivaneHost/Program.h"
+#include "Project/HeadlessEngine.h"
+#include "Project/PackageMemory.h"
+
+#include <sys/resource.h>
+
+namespace
+{
+struct FFamilyClasses
+{
+	const char* Family;
+	TArray<FTopLevelAssetPath> Classes;
+};
+
+/** Classes whose assets, with those of derived classes, make up a family. */
+const TArray<FFamilyClasses>& GetFamilyClasses()
+{
+	const auto Path = [](const char* Name) { return FTopLevelAssetPath("/Script/Engine", Name); };
+	static const TArray<FFamilyClasses> Families = {
+		{"Blueprint", {Path("Blueprint")}},
+		{"BehaviorTree", {Path("BehaviorTree")}},
+		{"Blackboard", {Path("BlackboardData")}},
+		{"Enum", {Path("UserDefinedEnum")}},
+		{"Struct", {Path("UserDefinedStruct")}},
+		{"DataAsset", {Path("DataAsset")}},
+		{"DataTable", {Path("DataTable")}},
+		{"EnvQuery", {Path("EnvQuery")}},
+		{"NiagaraSystem", {Path("NiagaraSystem")}},
+		{"Material", {Path("Material"), Path("MaterialInstanceConstant"), Path("MaterialFunctionInterface")}},
+	};
+	return Families;
+}
+
+int32 CountAssets(const TArray<FTopLevelAssetPath>& Classes)
+{
+	int32 Count = 0;
+	const FARFilter Filter{.ClassPaths = Classes, .bRecursiveClasses = true};
+	FProject::GetRegistry().EnumerateAssets(
+		Filter, [&](const FAssetData&) { return ++Count, true; }, true);
+	return Count;
+}
+
+int64 GetPeakMemoryBytes()
+{
+	rusage Usage = {};
+	getrusage(RUSAGE_SELF, &Usage);
+	return Usage.ru_maxrss * 1024;
+}
+
+FJsonArray MakeArray(const TArray<FString>& Texts)
+{
+	FJsonArray Array;
+	for (const FString& Text : Texts)
+		Array.Add(Text);
+	return Array;
+}
+
+TSharedPtr<FJsonObject> MakeCountsJson()
+{
+	const FAssetRegistry& Registry = FProject::GetRegistry();
+	auto Counts = MakeShared<FJsonObject>();
+	Counts->SetNumberField("packages", Registry.NumPackages());
+	Counts->SetNumberField("assets", Registry.NumAssets());
+	Counts->SetNumberField("dependencies", Registry.NumDependencies());
+	Counts->SetNumberField("preloaded", PackageMemory::Num());
+	auto Families = MakeShared<FJsonObject>();
+	for (const FFamilyClasses& Family : GetFamilyClasses())
+		Families->SetNumberField(Family.Family, CountAssets(Family.Classes));
+	Counts->SetObjectField("families", Families);
+	auto Classes = MakeShared<FJsonObject>();
+	for (const auto& [Class, Count] : Registry.CountAssetsByClass())
+		Classes->SetNumberField(Class.ToString(), Count);
+	Counts->SetObjectField("classes", Classes);
+	return Counts;
+}
+
+TSharedPtr<FJsonObject> MakeMountsJson()
+{
+	auto Mounts = MakeShared<FJsonObject>();
+	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
+		Mounts->SetStringField(Mount.Root, Mount.Folder);
+	return Mounts;
+}
+
+/** Numbers, truth values, strings and lists of strings: what settings consist of. */
+FJsonValue MakeValueJson(const FProperty& Property, const UObject& Object)
+{
+	const void* Value = Property.ContainerPtrToValuePtr<void>(&Object);
+	if (CastField<FArrayProperty>(&Property))
+		return MakeArray(*static_cast<const TArray<FString>*>(Value));
+	if (const auto* Bool = CastField<FBoolProperty>(&Property))
+		return Bool->GetPropertyValue(Value);
+	if (const auto* String = CastField<FStrProperty>(&Property))
+		return String->GetPropertyValue(Value);
+	if (const auto* Number = CastField<FNumericProperty>(&Property))
+		return Number->IsInteger() ? FJsonValue(Number->GetSignedIntPropertyValue(Value))
+								   : FJsonValue(Number->GetFloatingPointPropertyValue(Value));
+	return FJsonValue();
+}
+
+void ForEachSettingsClass(const std::function<void(UClass&, const UObject& Values)>& Visit)
+{
+	ForEachClass(
+		[&Visit](UClass& Class)
+		{
+			if (IsSettingsClass(Class))
+				Visit(Class, *Class.GetDefaultObject());
+		});
+}
+
+TSharedPtr<FJsonObject> MakeSettingsJson()
+{
+	auto Settings = MakeShared<FJsonObject>();
+	ForEachSettingsClass(
+		[&Settings](UClass& Class, const UObject& Values)
+		{
+			for (const TUniquePtr<FProperty>& Property : Class.GetOwnProperties())
+				Settings->SetField(Property->GetName(), MakeValueJson(*Property, Values));
+		});
+	return Settings;
+}
+
+/** Every setting with what people are told of it, by section of the settings file. */
+TSharedPtr<FJsonObject> MakeSettingsReferenceJson()
+{
+	auto Sections = MakeShared<FJsonObject>();
+	ForEachSettingsClass(
+		[&Sections](UClass& Class, const UObject& Values)
+		{
+			auto Section = MakeShared<FJsonObject>();
+			Section->SetStringField("about", Class.GetMetaData("ToolTip"));
+			for (const TUniquePtr<FProperty>& Property : Class.GetOwnProperties())
+			{
+				auto Setting = MakeShared<FJsonObject>();
+				Setting->SetField("value", MakeValueJson(*Property, Values));
+				Setting->SetStringField("type", Property->GetTypeText());
+				Setting->SetStringField("category", Property->GetMetaData("Category"));
+				Setting->SetStringField("about", Property->GetMetaData("ToolTip"));
+				Section->SetObjectField(Property->GetName(), Setting);
+			}
+			Sections->SetObjectField("[" + Class.GetPathName() + "]", Section);
+		});
+	return Sections;
+}
+
+TSharedPtr<FJsonObject> MakeScanJson(const FProjectSummary& Summary)
+{
+	auto Scan = MakeShared<FJsonObject>();
+	Scan->SetNumberField("files", Summary.Scan.NumFiles);
+	Scan->SetNumberField("parsed", Summary.Scan.NumParsed);
+	Scan->SetNumberField("skipped", Summary.Scan.NumSkipped);
+	Scan->SetStringField("cache", Summary.Scan.CacheState);
+	Scan->SetStringField("cache_file", Summary.Scan.CacheFile);
+	Scan->SetNumberField("list_seconds", Summary.Scan.ListSeconds);
+	Scan->SetNumberField("parse_seconds", Summary.Scan.ParseSeconds);
+	Scan->SetNumberField("build_seconds", Summary.Scan.BuildSeconds);
+	Scan->SetNumberField("open_seconds", Summary.OpenSeconds);
+	Scan->SetNumberField("registry_bytes", FProject::GetRegistry().GetImageBytes());
+	Scan->SetNumberField("peak_memory_bytes", GetPeakMemoryBytes());
+	return Scan;
+}
+
+TSharedPtr<FJsonObject> MakeInfoJson(const FDiagnosticSink& Diagnostics)
+{
+	const FProjectSummary& Summary = FProject::GetSummary();
+	auto Info = MakeShared<FJsonObject>();
+	Info->SetStringField("name", Summary.Name);
+	Info->SetStringField("description", Summary.Description);
+	Info->SetStringField("folder", Summary.Folder);
+	Info->SetStringField("descriptor", Summary.DescriptorFile);
+	Info->SetArrayField("script_modules", MakeArray(Summary.ScriptModules));
+	Info->SetObjectField("mounts", MakeMountsJson());
+	Info->SetObjectField("counts", MakeCountsJson());
+	Info->SetObjectField("settings", MakeSettingsJson());
+	Info->SetObjectField("scan", MakeScanJson(Summary));
+	Info->SetNumberField("errors", Diagnostics.NumErrors());
+	Info->SetNumberField("warnings", Diagnostics.NumWarnings());
+	return Info;
+}
+
+FString DescribeValue(const FJsonValue& Value)
+{
+	const FJsonArray* Array = Value.AsArray();
+	if (!Array)
+	{
+		FString Text;
+		Value.TryGetString(Text);
+		return Terminal::Sanitize(Text.Replace("\n", " "));
+	}
+	FString List;
+	for (const FJsonValue& Element : *Array)
+		List += (List.IsEmpty() ? FString() : FString(", ")) + DescribeValue(Element);
+	return List.IsEmpty() ? FString("(none)") : List;
+}
+
+/** One line a value, members of objects indented below their name. */
+void AppendReadable(FString& Out, const FJsonObject& Object, int32 Indent)
+{
+	constexpr int32 NameWidth = 24;
+	for (const FJsonObject::FField& Field : Object.GetFields())
+	{
+		const FString Name = FString(std::string(static_cast<std::size_t>(Indent), ' ')) + Terminal::Sanitize(Field.Key);
+		Out += Name;
+		if (const TSharedPtr<FJsonObject> Members = Field.Value.AsObject())
+		{
+			Out += Members->Num() == 0 ? "  (none)\n" : "\n";
+			AppendReadable(Out, *Members, Indent + 2);
+			continue;
+		}
+		const int32 Padding = std::max(NameWidth - Name.Len(), 1) + 1;
+		Out += FString(std::string(static_cast<std::size_t>(Padding), ' ')) + DescribeValue(Field.Value) + "\n";
+	}
+}
+}
+
+int RunInfo(const FInfoArguments& Arguments)
+{
+	const FHeadlessEngine Engine;
+	FDiagnosticSink Diagnostics;
+	int ExitCode = EExitCode::Found;
+	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
+		return ExitCode;
+	if (Arguments.bDumpRegistry)
+	{
+		FProject::GetRegistry().Dump([](FStringView Line) { Terminal::Print(Terminal::Sanitize(Line) + "\n"); });
+		return EExitCode::Found;
+	}
+	const TSharedPtr<FJsonObject> Info = Arguments.bSettings ? MakeSettingsReferenceJson() : MakeInfoJson(Diagnostics);
+	FString Readable;
+	AppendReadable(Readable, *Info, 0);
+	Terminal::Print(Arguments.bJson ? Json::Write(*Info) + "\n" : Readable);
+	return EExitCode::Found;
+}

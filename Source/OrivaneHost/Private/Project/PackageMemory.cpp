@@ -1,0 +1,129 @@
+#include "Project/PackageMemory.h"
+
+#include "CoreObject/Objects/PackageName.h"
+#include "CoreObject/Packages/Loader.h"
+
+namespace
+{
+TSet<FName>& GetKept()
+{
+	static TSet<FName> Kept;
+	return Kept;
+}
+
+bool IsFolder(const FString& Path)
+{
+	return Path.View().ends_with('/');
+}
+
+/** "" for a path that is none of a package. */
+FString GetPackageName(const FString& Path)
+{
+	FString Name;
+	return !IsFolder(Path) && FPackageName::TryConvertFilenameToLongPackageName(Path, Name) ? Name : FString();
+}
+
+TArray<FName> FindPackages(const FString& Path)
+{
+	TArray<FName> Found;
+	if (const FString Package = GetPackageName(Path); !Package.IsEmpty())
+		Found = FProject::ListPackages({.PackageNames = {FName(Package)}});
+	FStringView Folder = Path.View();
+	while (Folder.ends_with('/'))
+		Folder.remove_suffix(1);
+	if (Found.IsEmpty() && !Folder.empty())
+		Found = FProject::ListPackages({.PackagePaths = {FName(Folder)}, .bRecursivePaths = true});
+	return Found;
+}
+
+bool FindPackages(const FString& Path, TArray<FName>& OutPackages, FString& OutError)
+{
+	OutPackages = FindPackages(Path);
+	if (OutPackages.IsEmpty())
+		OutError = "the project has no package or folder '" + Path + "'; paths look like /Game/FX/NS_Sparks or /Game/FX";
+	return !OutPackages.IsEmpty();
+}
+
+/** The path names an object of a package, and the package, which is in memory, has none of that name. */
+bool LacksObject(const FString& Path)
+{
+	const FSoftObjectPath Object(Path.View());
+	return Object.IsValid() && Object.Asset.PackageName == FName(GetPackageName(Path)) && FindPackage(Object.Asset.PackageName) &&
+		!StaticFindObject(nullptr, Path);
+}
+}
+
+bool PackageMemory::Load(
+	const FString& Path, FLoaded& OutLoaded, FString& OutError, FScanProgress* Progress, std::stop_token Stop)
+{
+	TArray<FName> Packages;
+	if (!FindPackages(Path, Packages, OutError))
+		return false;
+	if (Progress)
+		Progress->NumTotal += Packages.Num();
+	for (const FName Package : Packages)
+	{
+		if (Stop.stop_requested())
+		{
+			OutError = "loading was interrupted";
+			return false;
+		}
+		const bool bLoaded = LoadPackage(Package) != nullptr;
+		if (bLoaded && GetKept().Add(Package))
+			PinPackage(Package);
+		++OutLoaded.NumPackages;
+		OutLoaded.NumFailed += bLoaded ? 0 : 1;
+		if (Progress)
+			++Progress->NumDone;
+	}
+	if (LacksObject(Path))
+		OutError = "package " + Packages[0].ToString() + " has no object '" + Path + "'";
+	return !LacksObject(Path);
+}
+
+bool PackageMemory::Unload(const FString& Path, int32& OutNumUnloaded, FString& OutError)
+{
+	TArray<FName> Packages;
+	if (!FindPackages(Path, Packages, OutError))
+		return false;
+	TArray<UObject*> InMemory;
+	TSet<FName> Named;
+	for (const FName Package : Packages)
+	{
+		Named.Add(Package);
+		if (UPackage* Loaded = FindPackage(Package))
+			InMemory.Add(Loaded);
+	}
+	TSet<FName> Kept;
+	for (const FName Package : GetKept())
+	{
+		if (Named.Contains(Package))
+			UnpinPackage(Package);
+		else
+			Kept.Add(Package);
+	}
+	GetKept() = std::move(Kept);
+	OutNumUnloaded = InMemory.Num();
+	DestroyObjects(InMemory);
+	return true;
+}
+
+void PackageMemory::Forget()
+{
+	for (const FName Package : GetKept())
+		UnpinPackage(Package);
+	GetKept().Empty();
+}
+
+int32 PackageMemory::Num()
+{
+	return GetKept().Num();
+}
+
+bool PreloadPackages(const FProjectOptions& Options, PackageMemory::FLoaded& OutLoaded, FString& OutError)
+{
+	for (const FString& Path : Options.Preload)
+		if (!PackageMemory::Load(Path, OutLoaded, OutError, Options.Progress, Options.Stop))
+			return false;
+	return true;
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Core/Base/Containers.h"
+#include "Core/Text/Name.h"
+#include "Project/Project.h"
+
+/**
+ * Packages of the open project that stay in memory because somebody asked for it, such as particle systems, which a search reads
+ * only there. A path is
+ *   a package        /Game/FX/NS_Sparks, or its file Content/FX/NS_Sparks.vasset,
+ *   an object in one /Game/FX/NS_Sparks.NS_Sparks, whose package is meant, or
+ *   a folder         /Game/FX, with every package below it.
+ * Where a package and a folder bear one name the package is meant, and the folder when a slash follows. Case is ignored. Closing
+ * the project lets go of all. Game thread.
+ */
+namespace PackageMemory
+{
+struct FLoaded
+{
+	int32 NumPackages = 0;
+	int32 NumFailed = 0; // of these; their files are faulty
+};
+
+/**
+ * Loads what a path names and keeps it. What it refers to is loaded as it is needed, and not kept. False, with a sentence, when
+ * the project has nothing there, or when stopped: what was loaded until then is kept. Progress may be null.
+ */
+bool Load(
+	const FString& Path, FLoaded& OutLoaded, FString& OutError, FScanProgress* Progress = nullptr, std::stop_token Stop = {});
+/** Removes from memory what a path names, whoever brought it there, and counts it. False, with a sentence, when the project has
+ * nothing there. */
+bool Unload(const FString& Path, int32& OutNumUnloaded, FString& OutError);
+/** Lets go of all packages; does not unload them. */
+void Forget();
+int32 Num();
+}
+
+/** Loads what the options ask for, once their project is open. False, with a sentence, as PackageMemory::Load; OutLoaded counts
+ * all paths. */
+bool PreloadPackages(const FProjectOptions& Options, PackageMemory::FLoaded& OutLoaded, FString& OutError);

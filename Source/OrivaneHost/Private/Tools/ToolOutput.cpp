@@ -1,0 +1,39 @@
+#include "Tools/ToolOutput.h"
+
+#include "Tools/ToolCaller.h"
+
+#include <algorithm>
+
+FString ToolOutput::GetText(const FJsonObject& Object, const char* Key)
+{
+	FString Text;
+	Object.TryGetStringField(Key, Text);
+	return Terminal::Sanitize(Text);
+}
+
+const FJsonArray& ToolOutput::GetArray(const FJsonObject& Object, const char* Key)
+{
+	static const FJsonArray None;
+	const FJsonArray* Array = nullptr;
+	return Object.TryGetArrayField(Key, Array) ? *Array : None;
+}
+
+TSharedPtr<FJsonObject> ToolOutput::GetContent(const Orivane::FToolResult& Result, const char* Key)
+{
+	const Orivane::FToolResult::FPayload* Payload = Result.GetData().Find(Key);
+	return Payload ? MakePayloadJson(*Payload).AsObject() : nullptr;
+}
+
+FString ToolOutput::Pad(const FString& Text, int32 Width)
+{
+	return Text + FString(std::string(static_cast<std::size_t>(std::max(Width - Text.Len(), 0)), ' '));
+}
+
+void ToolOutput::PrintProblems(const char* Command, const Orivane::FToolResult& Result)
+{
+	for (const Orivane::FToolMessage& Message : Result.GetMessages())
+	{
+		if (Message.Type != Orivane::EToolMessage::Success)
+			Terminal::PrintError(FString("orivane ") + Command + ": " + Terminal::Sanitize(Message.Text) + "\n");
+	}
+}

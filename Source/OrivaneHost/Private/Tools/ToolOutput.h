@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Core/Json/Json.h"
+#include "OrivaneCore/ToolResult.h"
+#include "Terminal/Terminal.h"
+
+/** Styles of text on a terminal; plain where colour is off. */
+class FPainter
+{
+public:
+	explicit FPainter(bool bInColor) : bColor(bInColor) {}
+
+	FString Bold(const FString& Text) const { return Paint("\033[1m", Text); }
+	FString Dim(const FString& Text) const { return Paint("\033[2m", Text); }
+	FString Yellow(const FString& Text) const { return Paint("\033[33m", Text); }
+
+private:
+	FString Paint(const char* Style, const FString& Text) const { return bColor ? FString(Style) + Text + "\033[0m" : Text; }
+
+	bool bColor;
+};
+
+/** What the commands that call a tool and print its answer share. */
+namespace ToolOutput
+{
+/** A field's text fit for a terminal; "" when there is none. */
+FString GetText(const FJsonObject& Object, const char* Key);
+/** A field's elements; none when there is no such array. */
+const FJsonArray& GetArray(const FJsonObject& Object, const char* Key);
+/** The payload of that key; null when the tool gave none. */
+TSharedPtr<FJsonObject> GetContent(const Orivane::FToolResult& Result, const char* Key = "content");
+/** Text with blanks behind it, up to a number of code points. */
+FString Pad(const FString& Text, int32 Width);
+/** Errors and warnings on standard error, a line each behind "orivane COMMAND: ". */
+void PrintProblems(const char* Command, const Orivane::FToolResult& Result);
+}

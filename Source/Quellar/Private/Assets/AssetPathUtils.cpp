@@ -1,0 +1,64 @@
+#include "Quellar/Assets/AssetPathUtils.h"
+
+#include "Assets/RepresentativeAsset.h"
+#include "CoreObject/Objects/PackageName.h"
+#include "Quellar/Assets/AssetRegistryUtils.h"
+
+namespace
+{
+/** A plain prefix test: "/GameData/X" passes too. */
+bool BeginsWithEngineRoot(const FString& Path)
+{
+	return Path.StartsWith("/Game") || Path.StartsWith("/Script") || Path.StartsWith("/Engine");
+}
+
+/** In the registry's spelling where it knows the package. Names stay for good, so what is too long for one is refused. */
+bool MakeName(const FString& PackageName, FName& Out)
+{
+	if (PackageName.View().size() > FPackageName::MaxLongPackageNameBytes)
+		return false;
+	const IAssetRegistry* const Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
+	Out = Registry ? Registry->FindPackage(PackageName) : FName();
+	if (Out.IsNone())
+		Out = FName(PackageName);
+	return true;
+}
+
+bool HasSlash(const FString& Path)
+{
+	return Path.View().find_first_of("/\\") != FStringView::npos;
+}
+}
+
+bool AssetPathUtils::NormalizeToPackageName(const FString& Path, FName& Out)
+{
+	if (Path.IsEmpty())
+		return false;
+	FString PackageName;
+	if (HasSlash(Path) && !BeginsWithEngineRoot(Path))
+		return FPackageName::TryConvertFilenameToLongPackageName(Path, PackageName) && MakeName(PackageName, Out);
+	PackageName = Path.View().substr(0, Path.View().rfind('.'));
+	return BeginsWithEngineRoot(PackageName) && MakeName(PackageName, Out);
+}
+
+bool AssetPathUtils::GetRepresentativeAsset(const FName& Package, FAssetData& Out)
+{
+	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
+	if (!Registry)
+		return false;
+	TArray<FAssetData> Assets;
+	Registry->GetAssetsByPackageName(Package, Assets);
+	const int32 Found =
+		FindRepresentative(Package.View(), Assets.Num(), [&](int32 Index) { return Assets[Index].AssetName.View(); });
+	if (Found == INDEX_NONE)
+		return false;
+	Out = Assets[Found];
+	return true;
+}
+
+bool AssetPathUtils::IsHighSignalKind(const FString& Kind)
+{
+	static const TSet<FString> HighSignalKinds = {"Blueprint", "WidgetBlueprint", "AnimBlueprint", "BehaviorTree", "Blackboard",
+		"EnvQuery", "DataAsset", "DataTable", "Struct", "Enum", "World", "StateTree"};
+	return HighSignalKinds.Contains(Kind);
+}

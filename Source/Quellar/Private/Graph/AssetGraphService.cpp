@@ -1,0 +1,208 @@
+#include "Quellar/Graph/AssetGraphService.h"
+
+#include "Assets/RepresentativeAsset.h"
+#include "Core/Base/HashMap.h"
+#include "Core/Threads/StopToken.h"
+#include "CoreObject/Packages/PackageSource.h"
+#include "Quellar/Assets/AssetPathExclusion.h"
+#include "Quellar/Assets/AssetPathUtils.h"
+#include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Search/AssetSearchService.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace
+{
+using FNode = FPackageGraphView::FNode;
+
+constexpr int32 MaxDepth = 2;
+constexpr int32 NoParent = INDEX_NONE;
+constexpr int32 MaxReserved = 1000; // relations; callers may ask for any budget
+
+/** The walk in one direction. Works on the graph's numbers; a name is made for a relation that is recorded only. */
+class FDirectionalWalk
+{
+public:
+	FDirectionalWalk(const FPackageGraphView& InGraph, const FExploreAssetGraphParams& Params, bool bInDependencies)
+		: Graph(InGraph)
+		, bDependencies(bInDependencies)
+		, bHighSignalOnly(Params.bHighSignalOnly)
+		, DepthLimit(std::clamp(Params.Depth, 1, MaxDepth))
+		, NodeBudget(std::max(Params.MaxNodes, 1))
+		, FanoutLimit(std::max(Params.MaxFanoutPerNode, 1))
+	{
+		const auto NumReserved = static_cast<std::size_t>(std::min(NodeBudget, MaxReserved));
+		Relations.reserve(NumReserved);
+		Parents.reserve(NumReserved);
+	}
+
+	void Run(FNode Root);
+	/** Hands out what was recorded; once. */
+	void Finish(TArray<FAssetRelation>& OutRelations, FAssetGraphSummary& OutSummary, bool& bOutTruncated);
+
+private:
+	struct FEntry
+	{
+		FNode Node;
+		int32 Depth;
+		int32 Parent; // index of the relation that led here
+	};
+
+	/** False when the budget, or a stop, ended the walk. */
+	bool Expand(const FEntry& Entry);
+	/** False when the relation did not fit any more. */
+	bool Visit(const FEntry& From, FNode Neighbour, uint8 Flags);
+	TOptional<uint32> FindRepresentativeAsset(FNode Node);
+	bool IsExcluded(uint32 Asset);
+	void Record(const FEntry& From, FNode Neighbour, uint8 Flags, FString Kind);
+
+	const FPackageGraphView& Graph;
+	const bool bDependencies;
+	const bool bHighSignalOnly;
+	const int32 DepthLimit;
+	const int32 NodeBudget;
+	const int32 FanoutLimit;
+
+	std::vector<FEntry> Queue; // entries before NumDequeued are done
+	std::size_t NumDequeued = 0;
+	THashSet<FNode> Visited; // dequeued, not merely queued: a package may be recorded under several parents of one level
+	std::vector<FAssetRelation> Relations;
+	std::vector<int32> Parents; // of Relations
+	FAssetGraphSummary Summary;
+	bool bTruncated = false;
+	std::vector<uint32> Assets; // of the neighbour at hand
+	FString ObjectPath;			// of the neighbour at hand
+};
+
+void FDirectionalWalk::Run(FNode Root)
+{
+	Queue.push_back({Root, 0, NoParent});
+	while (NumDequeued < Queue.size())
+	{
+		const FEntry Entry = Queue[NumDequeued++];
+		if (Visited.insert(Entry.Node).second && !Expand(Entry))
+			return;
+	}
+}
+
+bool FDirectionalWalk::Expand(const FEntry& Entry)
+{
+	const auto Neighbours = bDependencies ? Graph.GetDependencies(Entry.Node) : Graph.GetReferencers(Entry.Node);
+	const bool bHub = Neighbours.Num() > FanoutLimit; // see GraphTraversalUtils::ShouldExpandNode
+	if (bHub && Entry.Depth > 0)
+		return true;
+	for (std::size_t Index = 0; Index < Neighbours.Nodes.size(); ++Index)
+	{
+		if (IsStopRequested() || !Visit(Entry, Neighbours.Nodes[Index], Neighbours.Flags[Index]))
+			return false;
+	}
+	return true;
+}
+
+bool FDirectionalWalk::Visit(const FEntry& From, FNode Neighbour, uint8 Flags)
+{
+	if (Visited.contains(Neighbour))
+		return true;
+	const TOptional<uint32> Asset = FindRepresentativeAsset(Neighbour);
+	if (!Asset)
+		return true;
+	FString Kind = AssetTypeFromClassName(Graph.GetAssetClass(*Asset).AssetName);
+	if ((bHighSignalOnly && !AssetPathUtils::IsHighSignalKind(Kind)) || IsExcluded(*Asset))
+		return true;
+	bTruncated = static_cast<int32>(Relations.size()) >= NodeBudget;
+	if (!bTruncated)
+		Record(From, Neighbour, Flags, std::move(Kind));
+	return !bTruncated;
+}
+
+TOptional<uint32> FDirectionalWalk::FindRepresentativeAsset(FNode Node)
+{
+	const FPackageGraphView::FAssetRange Range = Graph.GetAssets(Node);
+	Assets.clear();
+	for (uint32 Asset = Range.Begin; Asset < Range.End; ++Asset)
+	{
+		if (!Graph.IsRegistryFiltered(Asset))
+			Assets.push_back(Asset);
+	}
+	const auto GetName = [this](int32 Index) { return Graph.GetAssetName(Assets[static_cast<std::size_t>(Index)]); };
+	const int32 Found = FindRepresentative(Graph.GetPackageName(Node), static_cast<int32>(Assets.size()), GetName);
+	return Found == INDEX_NONE ? TOptional<uint32>() : Assets[static_cast<std::size_t>(Found)];
+}
+
+bool FDirectionalWalk::IsExcluded(uint32 Asset)
+{
+	ObjectPath.Empty();
+	Graph.AppendObjectPath(Asset, ObjectPath);
+	return FOrivaneFindUtils::ShouldExcludeFilePath(ObjectPath);
+}
+
+void FDirectionalWalk::Record(const FEntry& From, FNode Neighbour, uint8 Flags, FString Kind)
+{
+	FString Type = (Flags & EDependencyFlags::Game) != 0 ? "Runtime" : "Editor";
+	++Summary.Total;
+	++Summary.ByKind.FindOrAdd(Kind);
+	++Summary.ByType.FindOrAdd(Type);
+	const auto NewRelation = static_cast<int32>(Relations.size());
+	Relations.push_back({FString(Graph.GetPackageName(Neighbour)), std::move(Kind), std::move(Type), {}});
+	Parents.push_back(From.Parent);
+	if (From.Depth + 1 < DepthLimit)
+		Queue.push_back({Neighbour, From.Depth + 1, NewRelation});
+}
+
+void FDirectionalWalk::Finish(TArray<FAssetRelation>& OutRelations, FAssetGraphSummary& OutSummary, bool& bOutTruncated)
+{
+	// Children stand behind their parents, so going backwards every subtree is complete before it moves to its parent. Siblings
+	// therefore come out newest first, which callers see and rely on.
+	for (std::size_t Index = Relations.size(); Index-- > 0;)
+	{
+		const int32 Parent = Parents[Index];
+		TArray<FAssetRelation>& Siblings =
+			Parent == NoParent ? OutRelations : Relations[static_cast<std::size_t>(Parent)].Relations;
+		Siblings.Add(std::move(Relations[Index]));
+	}
+	OutSummary = std::move(Summary);
+	bOutTruncated = bTruncated;
+}
+
+void Walk(const FExploreAssetGraphParams& Params, FName Root, bool bDependencies, TArray<FAssetRelation>& OutRelations,
+	FAssetGraphSummary& OutSummary, bool& bOutTruncated)
+{
+	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
+	const FPackageGraphView Graph = Registry ? Registry->GetPackageGraph() : FPackageGraphView();
+	const FNode RootNode = Graph.FindNode(Root);
+	if (RootNode == FPackageGraphView::NoNode)
+		return;
+	FDirectionalWalk DirectionalWalk(Graph, Params, bDependencies);
+	DirectionalWalk.Run(RootNode);
+	DirectionalWalk.Finish(OutRelations, OutSummary, bOutTruncated);
+}
+}
+
+void UAssetGraphService::ExploreGraph(const FExploreAssetGraphParams& Params, FExploreAssetGraphResult& Result)
+{
+	Result = {};
+	FName Root;
+	if (!AssetPathUtils::NormalizeToPackageName(Params.AssetPath, Root))
+		return;
+	Result.Root = Root.ToString();
+	switch (Params.Direction)
+	{
+		case EAssetGraphDirection::Dependencies:
+			Result.Direction = "Dependencies";
+			Walk(Params, Root, true, Result.Relations, Result.Summary, Result.bTruncated);
+			break;
+		case EAssetGraphDirection::Referencers:
+			Result.Direction = "Referencers";
+			Walk(Params, Root, false, Result.Relations, Result.Summary, Result.bTruncated);
+			break;
+		case EAssetGraphDirection::Both:
+			bool bDependenciesTruncated = false;
+			bool bReferencersTruncated = false;
+			Result.Direction = "Both";
+			Walk(Params, Root, true, Result.DependencyRelations, Result.DependencySummary, bDependenciesTruncated);
+			Walk(Params, Root, false, Result.ReferencerRelations, Result.ReferencerSummary, bReferencersTruncated);
+			Result.bTruncated = bDependenciesTruncated || bReferencersTruncated;
+			break;
+	}
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Core/Json/Json.h"
+
+/** Names of the tools, as agents call them. */
+namespace ToolNames
+{
+inline constexpr const char* AssetSearch = "asset_search";
+inline constexpr const char* AssetGraph = "explore_asset_graph";
+inline constexpr const char* AssetPathSearch = "asset_path_search";
+}
+
+enum class EToolArgument : uint8
+{
+	Text,
+	Flag,
+	Integer,
+	TextList,
+};
+
+/** How an argument is given at a shell; without names it is not. */
+struct FShellOption
+{
+	const char* Names = "";		  // "-f,--family"; without dashes: by its place, such as "TERM"
+	const char* Placeholder = ""; // of its value in help texts
+	const char* Help = "";		  // the default is added where there is one
+	FJsonValue FlagValue;		  // set: an option without a value that stands for this one
+	int32 Least = INT32_MIN;	  // of an integer; what is below is wrong use
+};
+
+/**
+ * One argument of a tool. All that anybody needs to know of it stands in its row: the schema that agents see, the reader, the
+ * options at a shell and the advice how to narrow a call are made from it.
+ */
+struct FToolArgument
+{
+	const char* Key;
+	EToolArgument Type = EToolArgument::Text;
+	const char* Help = ""; // for agents
+	bool bRequired = false;
+	int32 MinLength = 0;	   // of a text, in the schema
+	TArray<FString> Choices;   // known words of a text, or of the elements of a list; empty: any
+	int32 Minimum = INT32_MIN; // an integer below it counts as it
+	int32 Maximum = INT32_MAX; // and one above as this
+	int32 Narrowing = 0;	   // place among the arguments that make an answer smaller, the most useful first; 0: not one of them
+	FShellOption Shell;
+	FJsonValue Default; // null for a required argument; lists are empty
+};
+
+/** A tool's arguments, in the order in which they are listed. */
+struct FToolDeclaration
+{
+	const char* Name;
+	TArray<FToolArgument> Arguments;
+};
+
+/** Every tool of the module, in the order in which they are listed; made once. Any thread. */
+const TArray<FToolDeclaration>& GetToolDeclarations();
+/** Null for a name that is not a tool's. */
+const FToolDeclaration* FindToolDeclaration(const FString& Name);

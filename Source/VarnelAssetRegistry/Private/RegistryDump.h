@@ -1,9 +1,0 @@
-#pragma once
-
-#include "Core/String.h"
-#include "RegistryImage.h"
-
-#include <functional>
-
-/** Every column, readably: roots, packages with everything they own, nodes without a file, classes. One call for each line. */
-void DumpRegistry(const FRegistryImage& Image, const std::function<void(FStringView Line)>& Write);

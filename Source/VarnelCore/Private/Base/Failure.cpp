@@ -1,0 +1,14 @@
+#include "Core/Base/Failure.h"
+
+#include <new>
+#include <system_error>
+
+const char* DescribeFailure(const std::exception& Failure) noexcept
+{
+	if (dynamic_cast<const std::bad_alloc*>(&Failure))
+		return "out of memory";
+	const auto* const SystemError = dynamic_cast<const std::system_error*>(&Failure);
+	if (SystemError && SystemError->code() == std::errc::resource_unavailable_try_again)
+		return "no thread can be started";
+	return Failure.what();
+}

@@ -1,8 +1,0 @@
-#include "Core/Checksum.h"
-
-#include <xxhash.h>
-
-uint64 ChecksumOf(std::string_view Bytes)
-{
-	return XXH3_64bits(Bytes.data(), Bytes.size());
-}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Core/Files/FileTree.h"
+
+#include <fcntl.h>
+#include <utility>
+
+/** Owns a file descriptor of the operating system and closes it. */
+class FFileHandle
+{
+public:
+	FFileHandle() = default;
+	explicit FFileHandle(int InDescriptor) : Descriptor(InDescriptor) {}
+	~FFileHandle() { Close(); }
+	FFileHandle(FFileHandle&& Other) noexcept : Descriptor(std::exchange(Other.Descriptor, -1)) {}
+	FFileHandle& operator=(FFileHandle&& Other) noexcept
+	{
+		std::swap(Descriptor, Other.Descriptor);
+		return *this;
+	}
+
+	bool IsOpen() const { return Descriptor >= 0; }
+	int Get() const { return Descriptor; }
+	/** False when the system reports a late write error. */
+	bool Close();
+
+private:
+	int Descriptor = -1;
+};
+
+/**
+ * Opening and reading without following symbolic links. Paths are bytes, relative to the handle of a folder; a path that is
+ * absolute or has an empty, "." or ".." segment is refused like a missing file. Functions that return a closed handle leave the
+ * reason in errno. Any thread.
+ */
+namespace SecureOpen
+{
+constexpr int ToReadFile = O_RDONLY | O_NONBLOCK | O_NOCTTY; // a pipe put in a file's place must not block the open
+constexpr int ToReadFolder = O_RDONLY | O_DIRECTORY;
+constexpr int ToPassFolder = O_PATH | O_DIRECTORY; // to open other things relative to it; needs no read permission
+constexpr int ToLookAt = O_PATH;
+
+/** Opens Path below the folder Root; no segment, the last one included, may be a symbolic link. */
+FFileHandle OpenBeneath(int Root, std::string_view Path, int Flags);
+/** What a failed open means to a reader of files. */
+EFileRead ToFileRead(int ErrorNumber);
+/** Reads a regular file from its start into Buffer (resized to the content, plus Padding spare bytes of capacity). The buffer is
+ * emptied on failure. */
+EFileRead ReadRegularFile(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t Padding);
+/** What Name is in the folder, without following a link, or the folder itself for "": a DT_ constant, DT_UNKNOWN when it is not
+ * there. Fills the stamp unless it is not there. */
+unsigned char LookAt(const FFileHandle& Folder, const char* Name, FFileStamp& OutStamp);
+/** Reads a regular file from its start in pieces, see FFileTreeReader::ReadInPieces. */
+EFileRead ReadInPieces(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
+	const std::function<bool(std::string_view Piece)>& Take);
+/** Whether the handle stands for a regular file. */
+bool IsRegularFile(const FFileHandle& File);
+}

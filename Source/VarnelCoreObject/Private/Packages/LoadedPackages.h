@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Core/Base/HashMap.h"
+#include "CoreObject/Reflection/Class.h"
+
+#include <vector>
+
+/** The packages that were loaded from files: what they take, what they refer to, and which of them must stay. Game thread. */
+class FLoadedPackages
+{
+public:
+	/** References: names of other packages, in any order, repeated at will; those that are not loaded from files mean nothing. */
+	void Add(const UPackage& Package, std::size_t NumFileBytes, std::vector<FName> References);
+	void Pin(FName PackageName) { Pinned.insert(PackageName); }
+	void Unpin(FName PackageName) { Pinned.erase(PackageName); }
+	void SetMaxBytes(int64 InMaxBytes) { MaxBytes = InMaxBytes; }
+	int64 GetNumBytes() const { return NumBytes; }
+	int32 Evict();
+	/** Pins stay. */
+	void UnloadAll();
+
+private:
+	struct FEntry
+	{
+		FName Name;
+		int64 NumBytes = 0;
+		std::vector<FName> References;
+	};
+	void ForgetUnloaded();
+
+	std::vector<FEntry> Entries; // in the order of loading; some may have been unloaded by others meanwhile
+	THashSet<FName, FKeyHash> Pinned;
+	int64 NumBytes = 0; // of all entries
+	int64 MaxBytes = 0; // 0: no limit
+};
+
+/** Called while a package is read, for each package that it refers to for good: by a hard reference, a class, a type. */
+void NoteReferenceToPackage(FName PackageName);

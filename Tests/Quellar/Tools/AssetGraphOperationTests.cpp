@@ -1,0 +1,139 @@
+#include "Quellar/Tools/AssetGraphOperation.h"
+
+#include "Graph/AssetGraphJson.h"
+#include "Support/TestProject.h"
+#include "Support/ToolResultText.h"
+
+namespace
+{
+std::string Execute(const std::string& ArgumentsJson)
+{
+	TSharedPtr<FJsonObject> Args;
+	EXPECT_TRUE(Json::ParseObject(ArgumentsJson, Args)) << ArgumentsJson;
+	Orivane::FToolResult Result({"1", "explore_asset_graph", ArgumentsJson});
+	FAssetGraphOperation::Execute(*Args, Result);
+	return RenderResult(Result);
+}
+
+/** The messages alone. */
+std::string Tell(const std::string& ArgumentsJson)
+{
+	const std::string Text = Execute(ArgumentsJson);
+	return Text.substr(0, Text.find("content="));
+}
+
+void DescribeProject(FTestProject& Project)
+{
+	Project.Links("/Game/Start", {"Start World"}, {"/Game/Map"});
+	Project.Links("/Game/Map", {"Map World"}, {"/Game/Hero", "/Game/Items editor"});
+	Project.Links("/Game/Hero", {"Hero Blueprint"}, {"/Game/Items"});
+	Project.Links("/Game/Items", {"Items DataTable"}, {});
+	Project.File("Docs/Notes.md", "text");
+	Project.Open();
+}
+}
+
+TEST(AssetGraphOperation, AnswersWithADocument)
+{
+	FTestProject Project;
+	DescribeProject(Project);
+	EXPECT_EQ(
+		Execute(
+			R"({"asset_path": "/Game/Map", "relation": "Dependencies", "depth": 2, "max_nodes": 50, "high_signal_only": true})"),
+		"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 2, relations: 2)\n"
+		R"(content={"root":"/Game/Map","direction":"Dependencies","truncated":false,"relations":[)"
+		R"({"path":"/Game/Items","kind":"DataTable","type":"Editor"},)"
+		R"({"path":"/Game/Hero","kind":"Blueprint","type":"Runtime","relations":[)"
+		R"({"path":"/Game/Items","kind":"DataTable","type":"Runtime"}]}],)"
+		R"("summary":{"total":3,"by_kind":{"Blueprint":1,"DataTable":2},"by_type":{"Runtime":2,"Editor":1}}})"
+		"\n");
+	EXPECT_EQ(Execute(R"({"asset_path": "/Game/Hero.Hero", "relation": "both"})"),
+		"2 Explored asset graph for '/Game/Hero.Hero' (direction: Both, depth: 1, dependencies: 1, referencers: 1)\n"
+		R"(content={"root":"/Game/Hero","direction":"Both","truncated":false,)"
+		R"("dependencies":[{"path":"/Game/Items","kind":"DataTable","type":"Runtime"}],)"
+		R"("dependencies_summary":{"total":1,"by_kind":{"DataTable":1},"by_type":{"Runtime":1}},)"
+		R"("referencers":[{"path":"/Game/Map","kind":"World","type":"Runtime"}],)"
+		R"("referencers_summary":{"total":1,"by_kind":{"World":1},"by_type":{"Runtime":1}}})"
+		"\n");
+}
+
+TEST(AssetGraphOperation, ReadsItsArguments)
+{
+	FTestProject Project;
+	DescribeProject(Project);
+	const std::string MapFile = Project.GetFolder().GetRoot() + "/Content/Map.vasset";
+	const struct
+	{
+		const char* Why;
+		std::string Arguments;
+		std::string Expected;
+	} Cases[] = {
+		{"nothing is asked for", "{}", "0 Missing required parameter 'asset_path'\n"},
+		{"an array is no path", R"({"asset_path": ["/Game/Map"]})", "0 Missing required parameter 'asset_path'\n"},
+		{"a missing asset: two errors", R"({"asset_path": "/Game/Gone"})",
+			"0 Asset does not exist: /Game/Gone\n"
+			"0 Cannot explore graph for non-existent asset. The asset may have been deleted.\n"},
+		{"a file outside of the project", R"({"asset_path": "/etc/passwd"})",
+			"0 Asset does not exist: /etc/passwd\n"
+			"0 Cannot explore graph for non-existent asset. The asset may have been deleted.\n"},
+		{"the file of a package", R"({"asset_path": "Content/Map.vasset"})",
+			"2 Explored asset graph for 'Content/Map.vasset' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"an unknown word means dependencies", R"({"asset_path": "/Game/Map", "relation": "Parents"})",
+			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"case of a word does not matter", R"({"asset_path": "/Game/Items", "relation": "REFERENCERS"})",
+			"2 Explored asset graph for '/Game/Items' (direction: Referencers, depth: 1, relations: 2)\n"},
+		{"the depth is clamped, and shown so", R"({"asset_path": "/Game/Map", "depth": 7})",
+			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 2, relations: 2)\n"},
+		{"from below too", R"({"asset_path": "/Game/Map", "depth": 0})",
+			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"what is of another type keeps its default", R"({"asset_path": "/Game/Map", "depth": [2], "max_nodes": "many"})",
+			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"success, then the warning, with the number as given", R"({"asset_path": "/Game/Map", "max_nodes": -4})",
+			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 1, relations: 1)\n"
+			"1 Graph truncated at max_nodes=-4\n"},
+		{"a number out of range is the nearest one", R"({"asset_path": "/Game/Map", "depth": 3000000000, "max_nodes": 1e99})",
+			"2 Explored asset graph for '/Game/Map' (direction: Dependencies, depth: 2, relations: 2)\n"},
+		{"export form", R"({"asset_path": "World'/Game/Map.Map'"})",
+			"2 Explored asset graph for 'World'/Game/Map.Map'' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"an absolute file", R"({"asset_path": ")" + MapFile + R"("})",
+			"2 Explored asset graph for '" + MapFile + "' (direction: Dependencies, depth: 1, relations: 2)\n"},
+		{"a second level spends the budget", R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1})",
+			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"
+			"1 Graph truncated at max_nodes=1\n"},
+		{"unless its fan-out is above the limit",
+			R"({"asset_path": "/Game/Start", "depth": 2, "max_nodes": 1, "max_fanout_per_node": 1})",
+			"2 Explored asset graph for '/Game/Start' (direction: Dependencies, depth: 2, relations: 1)\n"},
+		{"a text file exists, but names no package", R"({"asset_path": "Docs/Notes", "relation": "Both"})",
+			"2 Explored asset graph for 'Docs/Notes' (direction: Both, depth: 1, dependencies: 0, referencers: 0)\n"},
+	};
+	for (const auto& Case : Cases)
+	{
+		SCOPED_TRACE(Case.Why);
+		EXPECT_EQ(Tell(Case.Arguments), Case.Expected);
+	}
+	const std::string OfTextFile = Execute(R"({"asset_path": "Docs/Notes", "relation": "Both"})");
+	EXPECT_TRUE(OfTextFile.ends_with(
+		R"(content={"root":"","direction":"","truncated":false,"relations":[],"summary":{"total":0,"by_kind":{},"by_type":{}}})"
+		"\n"))
+		<< OfTextFile;
+	EXPECT_EQ(Execute(R"({"asset_path": "/Game/Gone"})").find("content="), std::string::npos);
+}
+
+TEST(AssetGraphOperation, WritesTheConsoleDocument)
+{
+	FTestProject Project;
+	DescribeProject(Project);
+	FExploreAssetGraphResult Found;
+	UAssetGraphService::ExploreGraph({.AssetPath = "/gAME/map", .MaxNodes = 1}, Found); // the registry's spelling comes out
+	EXPECT_EQ(WriteAssetGraphConsoleJson(Found).View(),
+		R"({"root":"/Game/Map","direction":"Dependencies",)"
+		R"("relations":[{"path":"/Game/Hero","kind":"Blueprint","type":"Runtime","relations":[]}],)"
+		R"("summary":{"total":1,"byKind":{"Blueprint":1},"byType":{"Runtime":1}},"truncated":true})");
+	UAssetGraphService::ExploreGraph({.Direction = EAssetGraphDirection::Both, .AssetPath = "/Game/Items"}, Found);
+	EXPECT_EQ(WriteAssetGraphConsoleJson(Found).View(),
+		R"({"root":"/Game/Items","direction":"Both",)"
+		R"("dependencies":{"relations":[],"summary":{"total":0,"byKind":{},"byType":{}}},)"
+		R"("referencers":{"relations":[{"path":"/Game/Map","kind":"World","type":"Editor","relations":[]},)"
+		R"({"path":"/Game/Hero","kind":"Blueprint","type":"Runtime","relations":[]}],)"
+		R"("summary":{"total":2,"byKind":{"Blueprint":1,"World":1},"byType":{"Runtime":1,"Editor":1}}},"truncated":false})");
+}

@@ -119,11 +119,8 @@ TEST(ConsoleSearch, ReadsItsWords)
 			"'' in '' families Blueprint kinds  exts  max 200"},
 		{"the last one counts", One, "term=a term=b", "'b' in '' families Blueprint kinds  exts  max 200"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
+	for (const auto& Case : Traced(Cases))
 		EXPECT_EQ(Read(Case.Traits, Case.Line), Case.Expected);
-	}
 }
 
 TEST(ConsoleSearch, WritesItsFile)

@@ -6,28 +6,19 @@ TEST(DataTableFamily, FindsPartsOfTheSchema)
 	Project.Table("/Game/Data/DT_Weapons", "WeaponRow").Column("Damage", "float").Column("Name", "string").Rows(3);
 	Project.Table("/Game/Data/DT_NoStruct").Rows(12);
 
-	const struct
-	{
-		const char* Why;
-		const char* Term;
-		const char* Expected;
-	} Cases[] = {
-		{"by row structure", "weaponrow", "DT_Weapons: RowStruct WeaponRow @Schema"},
-		{"by column name", "damage", "DT_Weapons: ColumnName Damage:float @Schema/Columns"},
-		{"by column type", "float", "DT_Weapons: ColumnName Damage:float @Schema/Columns"},
-		{"row structure before columns", "a",
-			"DT_Weapons: RowStruct WeaponRow @Schema; ColumnName Damage:float @Schema/Columns; ColumnName Name:string "
-			"@Schema/Columns"},
-		{"own name only when nothing else matched", "DT_Weap", "DT_Weapons: AssetName DT_Weapons @DataTable"},
-		{"row count is text: 12 holds a 2", "2", "DT_NoStruct: RowCount 12 @Rows"},
-		{"a table without a row structure", "DT_No", "DT_NoStruct: AssetName DT_NoStruct @DataTable"},
-		{"the joined column text itself is not matched", "Damage:float", ""},
-	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Render(Project.Search("DataTable", Case.Term)), Case.Expected);
-	}
+	ExpectFound(Project, "DataTable",
+		{
+			{"by row structure", "weaponrow", "DT_Weapons: RowStruct WeaponRow @Schema"},
+			{"by column name", "damage", "DT_Weapons: ColumnName Damage:float @Schema/Columns"},
+			{"by column type", "float", "DT_Weapons: ColumnName Damage:float @Schema/Columns"},
+			{"row structure before columns", "a",
+				"DT_Weapons: RowStruct WeaponRow @Schema; ColumnName Damage:float @Schema/Columns; ColumnName Name:string "
+				"@Schema/Columns"},
+			{"own name only when nothing else matched", "DT_Weap", "DT_Weapons: AssetName DT_Weapons @DataTable"},
+			{"row count is text: 12 holds a 2", "2", "DT_NoStruct: RowCount 12 @Rows"},
+			{"a table without a row structure", "DT_No", "DT_NoStruct: AssetName DT_NoStruct @DataTable"},
+			{"the joined column text itself is not matched", "Damage:float", ""},
+		});
 }
 
 TEST(DataTableFamily, NamesColumnTypes)
@@ -126,9 +117,8 @@ TEST(DataTableFamily, FiltersByFolderAndExclusion)
 		{"the asset's own name is no folder", "DT_A", false, false, ""},
 		{"the filter is a contains test in exact mode too", "Data", false, true, "DT_A"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FAssetSearchParams Params = MakeParams("DataTable", "Health");
 		Params.PathContains = Case.PathContains;
 		Params.bCaseSensitive = Case.bCaseSensitive;

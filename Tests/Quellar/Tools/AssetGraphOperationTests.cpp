@@ -62,12 +62,7 @@ TEST(AssetGraphOperation, ReadsItsArguments)
 	FTestProject Project;
 	DescribeProject(Project);
 	const std::string MapFile = Project.GetFolder().GetRoot() + "/Content/Map.vasset";
-	const struct
-	{
-		const char* Why;
-		std::string Arguments;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<std::string, std::string> Cases[] = {
 		{"nothing is asked for", "{}", "0 Missing required parameter 'asset_path'\n"},
 		{"an array is no path", R"({"asset_path": ["/Game/Map"]})", "0 Missing required parameter 'asset_path'\n"},
 		{"a missing asset: two errors", R"({"asset_path": "/Game/Gone"})",
@@ -106,11 +101,8 @@ TEST(AssetGraphOperation, ReadsItsArguments)
 		{"a text file exists, but names no package", R"({"asset_path": "Docs/Notes", "relation": "Both"})",
 			"2 Explored asset graph for 'Docs/Notes' (direction: Both, depth: 1, dependencies: 0, referencers: 0)\n"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Tell(Case.Arguments), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Tell(Case.Given), Case.Expected);
 	const std::string OfTextFile = Execute(R"({"asset_path": "Docs/Notes", "relation": "Both"})");
 	EXPECT_TRUE(OfTextFile.ends_with(
 		R"(content={"root":"","direction":"","truncated":false,"relations":[],"summary":{"total":0,"by_kind":{},"by_type":{}}})"

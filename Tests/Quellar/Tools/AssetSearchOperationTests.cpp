@@ -60,12 +60,7 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 	Project.Table("/Game/DT_B", "RowB").Column("Count12", "int");
 	Project.File("a.txt", "12");
 	const char* const Missing = "0 Missing required parameter 'term'\n";
-	const struct
-	{
-		const char* Why;
-		const char* Arguments;
-		const char* ExpectedStart;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"no term", "{}", Missing},
 		{"null is no text", R"({"term": null})", Missing},
 		{"a list is no text", R"({"term": ["x"]})", Missing},
@@ -101,12 +96,11 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 			"2 Found 2 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
 			"max_total_hits=200\n"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		const std::string Result = Execute(Project, Case.Arguments);
-		EXPECT_EQ(Result.substr(0, Result.find("content=")), Case.ExpectedStart);
-		EXPECT_EQ(Result.find("content=") != std::string::npos, Case.ExpectedStart != Missing);
+		const std::string Result = Execute(Project, Case.Given);
+		EXPECT_EQ(Result.substr(0, Result.find("content=")), Case.Expected);
+		EXPECT_EQ(Result.find("content=") != std::string::npos, Case.Expected != Missing);
 	}
 }
 

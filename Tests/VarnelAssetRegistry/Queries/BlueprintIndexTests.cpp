@@ -1,6 +1,7 @@
 #include "AssetRegistry/BlueprintIndex.h"
 #include "Core/Text/Unicode.h"
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
 
 #include <random>
 
@@ -119,20 +120,15 @@ TEST(BlueprintIndex, LeadsFromAValueToTheEntriesThatUseIt)
 	Project.Package("C", "asset C /Script/Engine.Blueprint\nentry 0 Var||\nentry 0 Node|Gr\u00fc\u00dfe|\nentry 0 Var|Health|\n");
 	Project.ScanAll();
 	const FBlueprintIndexView Index = Project.Registry.GetBlueprintIndex();
-	const struct
-	{
-		const char* Why;
-		const char* Value;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"as text or comment, once each; a category is no use, and entries without a Blueprint are none", "hEALTH",
 			"Health A/0 A/1 C/6; MaxHealth"},
 		{"other letters ignore case too", "GR\u00dc\u00df", "Gr\u00fc\u00dfe C/5"},
 		{"shorter than the lists' keys", "ld", "Old A/1"},
 		{"nowhere", "healthy", ""},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(RenderUses(Index, Case.Value), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(RenderUses(Index, Case.Given), Case.Expected);
 }
 
 TEST(BlueprintIndex, FindsWhatLookingAtEveryTextFinds)

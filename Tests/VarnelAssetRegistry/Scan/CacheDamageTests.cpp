@@ -4,6 +4,7 @@
 #include "Queries/RegistryQuery.h"
 #include "Queries/RegistrySnapshot.h"
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
 
 #include <cstring>
 #include <random>
@@ -180,13 +181,13 @@ TEST(CacheDamage, ForeignImagesAreRefused)
 		{"a machine of the other byte order", 8, std::string("\x01\x02\x03\x04", 4)},
 		{"another version", 12, "\x7F"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		std::string Bytes = Sound;
 		Bytes.replace(Case.Offset, Case.Bytes.size(), Case.Bytes);
 		EImageState State = EImageState::Sound;
-		EXPECT_EQ(FRegistryImage::Open(CopyBytes(Bytes), State), nullptr) << Case.Why;
-		EXPECT_EQ(State, EImageState::Foreign) << Case.Why;
+		EXPECT_EQ(FRegistryImage::Open(CopyBytes(Bytes), State), nullptr);
+		EXPECT_EQ(State, EImageState::Foreign);
 	}
 	EImageState State = EImageState::Sound;
 	EXPECT_EQ(FRegistryImage::Open({}, State), nullptr);

@@ -1,6 +1,7 @@
 #include "Packages/PackageEviction.h"
 
 #include "PackageFixture.h"
+#include "Support/Cases.h"
 
 #include <random>
 
@@ -78,9 +79,8 @@ TEST_F(PackageEviction, GoesByLastUseReferencesAndPins)
 		{"a pin on nothing", "A B", "Missing", 1, "B"},
 		{"nothing fits", "A B", "", 0, ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		if (*Case.Pins)
 			PinPackage(FName(FStringView(std::string("/Game/") + Case.Pins)));
 		Load(Case.Loads);

@@ -1,4 +1,5 @@
 #include "PackageFixture.h"
+#include "Support/Cases.h"
 
 #include <functional>
 #include <random>
@@ -288,9 +289,8 @@ TEST_F(PropertyReading, ReportsFaultyDeclarations)
 		{"inside itself", R"([{"name":^"A","type":"struct</Game/Values.S>"},{"name":"B","type":"int"}])", "AB",
 			"error value-cycle"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FMarkedText Text(Case.Declarations);
 		auto* const Struct = static_cast<UScriptStruct*>(NewObject(UScriptStruct::StaticClass(), Package, "S"));
 		Struct->SetSuperStruct(Cast<UScriptStruct>(Package->FindInside("Point")));

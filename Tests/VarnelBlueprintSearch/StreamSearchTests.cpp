@@ -3,6 +3,7 @@
 #include "BlueprintSearch/FindInBlueprintSearchManager.h"
 #include "IndexFixture.h"
 #include "Support/Cases.h"
+#include "Support/Seed.h"
 
 #include <random>
 
@@ -106,9 +107,7 @@ TEST(StreamSearch, ResultsOutliveSearchAndRescan)
 
 TEST(StreamSearch, CountsWhatLookingAtEveryEntryCounts)
 {
-	const unsigned Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	FIndexProject Project;
 	for (int32 Blueprint = 0; Blueprint < 40; ++Blueprint)
 	{

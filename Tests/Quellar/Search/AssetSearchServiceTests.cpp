@@ -2,6 +2,7 @@
 
 #include "CoreObject/Packages/Loader.h"
 #include "OrivaneToolkit/OrivaneSettings.h"
+#include "Support/Seed.h"
 #include "Support/TestProject.h"
 
 #include <random>
@@ -172,9 +173,7 @@ TEST(AssetSearchService, WithoutFamiliesTheAnswerIsEmptyAndImmediate)
 
 TEST(AssetSearchService, InvariantsHoldForAnyProject)
 {
-	const unsigned Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const auto Below = [&](int32 Limit) { return static_cast<int32>(Random() % static_cast<unsigned>(Limit)); };
 
 	FTestProject Project;

@@ -2,6 +2,7 @@
 #include "Core/Text/Unicode.h"
 #include "RegistryFixture.h"
 #include "Support/Cases.h"
+#include "Support/Seed.h"
 
 #include <random>
 
@@ -96,9 +97,7 @@ TEST(AssetPaths, FindsByAnyPartOfAnObjectPath)
 
 TEST(AssetPaths, FindsWhatALookAtEveryAssetFinds)
 {
-	const uint32 Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const auto Pick = [&](const std::vector<std::string>& Words) { return Words[Random() % Words.size()]; };
 	FRegistryProject Project;
 	for (int32 Index = 0; Index < 1500; ++Index) // some dozen blocks of packages

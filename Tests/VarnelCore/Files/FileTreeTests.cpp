@@ -3,6 +3,7 @@
 #include "Core/Files/ProjectFolder.h"
 #include "Support/Cases.h"
 #include "Support/ScratchFolder.h"
+#include "Support/Seed.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -130,9 +131,7 @@ TEST(FileTree, OrderIsByteOrderOfWholePaths)
 
 TEST(FileTree, RandomTreesAreSortedAndComplete)
 {
-	const uint32 Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const FScratchFolder Scratch;
 	std::set<std::string> Written; // std::string compares bytes as unsigned
 	std::vector<std::string> Folders = {""};

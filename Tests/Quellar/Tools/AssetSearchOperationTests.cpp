@@ -2,6 +2,7 @@
 
 #include "Core/Json/Json.h"
 #include "Core/Threads/Tasks.h"
+#include "Support/Golden.h"
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
@@ -33,17 +34,8 @@ TEST(AssetSearchOperation, ReportsMessagesAndPayload)
 	FTestProject Project;
 	Project.Table("/Game/Data/DT_Weapons", "WeaponRow").Column("Health", "float");
 	Project.File("Docs/no.tes.md", "Health");
-	EXPECT_EQ(Execute(Project, R"({"term": "Health"})"),
-		"2 Found 2 asset(s) matching 'Health' (mode: contains, case_sensitive: false)\n"
-		R"(content={"assets":[)"
-		R"({"asset":"/Game/Data/DT_Weapons","class":"DataTable","truncated":false,"hits":[)"
-		R"({"kind":"ColumnName","name":"Health:float","container":"Schema/Columns","count":1}]},)"
-		R"({"asset":"Docs/no","class":"TextFile","truncated":false,"hits":[)"
-		R"({"kind":"TextMatch","name":"Health","container":"File","count":1}]}],"truncated":false})"
-		"\n");
-	EXPECT_EQ(Execute(Project, R"({"term": "no.tes"})"),
-		"2 Found 0 asset(s) matching 'no.tes' (mode: contains, case_sensitive: "
-		"false)\ncontent={\"assets\":[],\"truncated\":false}\n");
+	ExpectGolden(
+		"Quellar/asset_search.txt", Execute(Project, R"({"term": "Health"})") + Execute(Project, R"({"term": "no.tes"})"));
 }
 
 TEST(AssetSearchOperation, CutsHitNamesAtTheirFirstDot)

@@ -1,5 +1,6 @@
 #include "OrivaneToolkit/AssetOperationBase.h"
 
+#include "Core/Text/Name.h"
 #include "Support/TestProject.h"
 
 TEST(AssetExists, KnowsPackagesObjectsAndFiles)

@@ -49,7 +49,7 @@ TEST(ConsoleSearch, RegistersThirteenCommands)
 		const char* File;
 		std::string Help;
 	} Commands[] = {
-		{"AssetSearch", "Blueprint|BehaviorTree|Blackboard|Enum|Struct|DataAsset|DataTable|EnvQuery|NiagaraSystem|Material|Text",
+		{"AssetSearch", "Blueprint|Text|BehaviorTree|Blackboard|Enum|Struct|DataAsset|DataTable|EnvQuery|NiagaraSystem|Material",
 			"asset_search",
 			"Search all asset types. Args: term=, path=, families=, kinds=, exact=true|false, max=, summary=true|false"},
 		{"BehaviorTreeSearch", "BehaviorTree", "behavior_tree_search", "Search Behavior Trees." + Words},
@@ -89,10 +89,10 @@ TEST(ConsoleSearch, RegistersThirteenCommands)
 
 TEST(ConsoleSearch, ReadsItsWords)
 {
-	const FConsoleSearchTraits All{.Families = {"A", "B"}, .ExtraWords = {"kinds=", "families="}};
+	const FConsoleSearchTraits All{.Command = {.ExtraWords = {"kinds=", "families="}}, .Families = {"A", "B"}};
 	const FConsoleSearchTraits One{.Families = {"Blueprint"}};
-	const FConsoleSearchTraits Table{.Families = {"DataTable"}, .ExtraWords = {}};
-	const FConsoleSearchTraits Text{.Families = {"Text"}, .ExtraWords = {"exts="}};
+	const FConsoleSearchTraits Table{.Command = {.ExtraWords = {}}, .Families = {"DataTable"}};
+	const FConsoleSearchTraits Text{.Command = {.ExtraWords = {"exts="}}, .Families = {"Text"}};
 	const struct
 	{
 		const char* Why;

@@ -1,4 +1,4 @@
-#include "Families/TextFamily.h"
+#include "Quellar/Families/TextSearch.h"
 
 #include "Support/TestProject.h"
 

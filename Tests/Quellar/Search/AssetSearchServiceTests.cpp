@@ -2,6 +2,7 @@
 
 #include "CoreObject/Packages/Loader.h"
 #include "OrivaneToolkit/OrivaneSettings.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Support/Seed.h"
 #include "Support/TestProject.h"
 
@@ -11,7 +12,7 @@ namespace
 {
 TArray<FString> GetFamiliesWithoutBlueprint()
 {
-	TArray<FString> Names = UAssetSearchService::GetFamilyNames();
+	TArray<FString> Names = GetAssetFamilyNames();
 	Names.RemoveAll([](const FString& Name) { return Name == "Blueprint"; });
 	return Names;
 }

@@ -6,40 +6,18 @@
 #include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
 #include "Project/PackageMemory.h"
+#include "Quellar/Families/AssetFamily.h"
 
 #include <sys/resource.h>
 
 namespace
 {
-struct FFamilyClasses
-{
-	const char* Family;
-	TArray<FTopLevelAssetPath> Classes;
-};
-
-/** Classes whose assets, with those of derived classes, make up a family. */
-const TArray<FFamilyClasses>& GetFamilyClasses()
-{
-	const auto Path = [](const char* Name) { return FTopLevelAssetPath("/Script/Engine", Name); };
-	static const TArray<FFamilyClasses> Families = {
-		{"Blueprint", {Path("Blueprint")}},
-		{"BehaviorTree", {Path("BehaviorTree")}},
-		{"Blackboard", {Path("BlackboardData")}},
-		{"Enum", {Path("UserDefinedEnum")}},
-		{"Struct", {Path("UserDefinedStruct")}},
-		{"DataAsset", {Path("DataAsset")}},
-		{"DataTable", {Path("DataTable")}},
-		{"EnvQuery", {Path("EnvQuery")}},
-		{"NiagaraSystem", {Path("NiagaraSystem")}},
-		{"Material", {Path("Material"), Path("MaterialInstanceConstant"), Path("MaterialFunctionInterface")}},
-	};
-	return Families;
-}
-
-int32 CountAssets(const TArray<FTopLevelAssetPath>& Classes)
+int32 CountAssets(const FAssetFamily& Family)
 {
 	int32 Count = 0;
-	const FARFilter Filter{.ClassPaths = Classes, .bRecursiveClasses = true};
+	FARFilter Filter{.bRecursiveClasses = true};
+	for (UClass* (*const Class)() : Family.Classes)
+		Filter.ClassPaths.Add(Class()->GetStructPathName());
 	FProject::GetRegistry().EnumerateAssets(
 		Filter, [&](const FAssetData&) { return ++Count, true; }, true);
 	return Count;
@@ -69,8 +47,11 @@ TSharedPtr<FJsonObject> MakeCountsJson()
 	Counts->SetNumberField("dependencies", Registry.NumDependencies());
 	Counts->SetNumberField("preloaded", PackageMemory::Num());
 	auto Families = MakeShared<FJsonObject>();
-	for (const FFamilyClasses& Family : GetFamilyClasses())
-		Families->SetNumberField(Family.Family, CountAssets(Family.Classes));
+	for (const FAssetFamily& Family : GetAssetFamilies())
+	{
+		if (!Family.Classes.IsEmpty())
+			Families->SetNumberField(Family.Name, CountAssets(Family));
+	}
 	Counts->SetObjectField("families", Families);
 	auto Classes = MakeShared<FJsonObject>();
 	for (const auto& [Class, Count] : Registry.CountAssetsByClass())

@@ -1,8 +1,8 @@
 #include "Commands/Commands.h"
 #include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Families/TextSearch.h"
-#include "Quellar/Search/AssetSearchService.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Tools/ToolOutput.h"
 
@@ -15,7 +15,7 @@ using namespace ToolOutput;
 /** The tool ignores unknown families in silence, as agents rely on; a person at a shell has mistyped. */
 bool AreFamiliesKnown(const FJsonObject& ToolArguments)
 {
-	const TArray<FString> Known = UAssetSearchService::GetFamilyNames();
+	const TArray<FString> Known = GetAssetFamilyNames();
 	for (const FJsonValue& Element : GetArray(ToolArguments, "include_asset_families"))
 	{
 		FString Family;

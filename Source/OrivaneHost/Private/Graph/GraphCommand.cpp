@@ -6,8 +6,8 @@
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Graph/AssetGraphService.h"
-#include "Quellar/Search/AssetSearchService.h"
 #include "Quellar/Tools/ToolArguments.h"
 
 namespace

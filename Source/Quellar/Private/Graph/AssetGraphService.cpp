@@ -7,7 +7,7 @@
 #include "Quellar/Assets/AssetPathExclusion.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
-#include "Quellar/Search/AssetSearchService.h"
+#include "Quellar/Families/AssetFamily.h"
 
 #include <algorithm>
 #include <vector>

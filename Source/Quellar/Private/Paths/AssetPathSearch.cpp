@@ -1,5 +1,6 @@
 #include "Core/Threads/StopToken.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Paths/AssetPathSearchTypes.h"
 #include "Quellar/Search/AssetSearchService.h"
 

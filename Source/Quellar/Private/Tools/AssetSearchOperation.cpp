@@ -37,7 +37,7 @@ void WriteReport(const FAssetSearchParams& Params, const FAssetSearchResult& Fou
 	Result.AddSuccessMessage(DescribeSuccess(Params, Kept.Results.Num()));
 	if (Kept.bTruncated)
 		Result.AddWarningMessage(FString::Printf("Results truncated at max_total_hits=%d", Params.MaxTotalHits));
-	Result.SetData("content", FAssetOperationBase::SerializeJson(MakeAssetSearchJson(Kept)));
+	Result.SetData("content", MakeAssetSearchJson(Kept));
 }
 }
 

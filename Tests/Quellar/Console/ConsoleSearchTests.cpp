@@ -158,14 +158,3 @@ TEST(ExploreAssetGraphCommand, ReadsItsWords)
 	EXPECT_EQ(Read("relation=Both high_signal=false asset=/Game/A depth=deep"), "/Game/A 2 0 150 50");
 	EXPECT_EQ(Read("relation=sideways"), " 0 1 150 50");
 }
-
-TEST(ExploreAssetGraphCommand, Runs)
-{
-	FTestProject Project;
-	Project.Links("/Game/A", {"A Blueprint"}, {"/Game/A"});
-	Project.Open();
-	for (const char* Line :
-		{"Orivane.ExploreAssetGraph asset=/Game/A relation=Both depth=2", "Orivane.ExploreAssetGraph relation=Both"})
-		EXPECT_TRUE(IConsoleManager::Get().ProcessUserConsoleInput(Line));
-	EXPECT_FALSE(IFileManager::Get().DirectoryExists(FPaths::ProjectSavedDir())) << "it writes nothing";
-}

@@ -1,5 +1,6 @@
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
+#include "CoreObject/Objects/ReferenceListener.h"
 #include "CoreObject/Packages/Loader.h"
 #include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Graph/AssetGraphService.h"

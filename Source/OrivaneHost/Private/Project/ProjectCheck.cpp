@@ -1,6 +1,7 @@
 #include "Project/ProjectCheck.h"
 
 #include "Core/Files/File.h"
+#include "CoreObject/Objects/ReferenceListener.h"
 #include "CoreObject/Packages/Loader.h"
 #include "Project/Project.h"
 #include "Project/RingCheck.h"

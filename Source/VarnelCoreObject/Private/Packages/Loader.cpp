@@ -1,8 +1,11 @@
 #include "CoreObject/Packages/Loader.h"
 
+#include "Core/Text/Unicode.h"
+#include "Objects/ObjectLoading.h"
 #include "Packages/LoadedPackages.h"
 #include "Packages/ParseAhead.h"
 
+#include <algorithm>
 #include <deque>
 #include <iterator>
 #include <unordered_map>
@@ -402,7 +405,20 @@ void UnpinPackage(FName PackageName)
 	FLoader::Get().GetLoaded().Unpin(PackageName);
 }
 
-void NoteReferenceToPackage(FName PackageName)
+UObject* ObjectLoading::Load(UClass* Class, FStringView ObjectPath)
+{
+	return StaticLoadObject(Class, nullptr, ObjectPath);
+}
+
+void ObjectLoading::NoteReferenceToPackage(FName PackageName)
 {
 	FLoader::Get().NoteReference(PackageName);
+}
+
+FStringView ObjectLoading::GetPackageStem(FStringView FilePath)
+{
+	const IPackageSource& Source = GetVassetPackageSource();
+	const std::size_t StemLength = FilePath.size() - std::min(FilePath.size(), Source.GetExtensionLength());
+	const FStringView Stem = FilePath.substr(0, StemLength);
+	return Source.IsPackageFile(std::string(Stem) + Unicode::Fold(FilePath.substr(StemLength))) ? Stem : FStringView();
 }

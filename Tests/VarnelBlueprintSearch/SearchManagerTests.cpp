@@ -1,5 +1,6 @@
 #include "BlueprintSearch/FindInBlueprintSearchManager.h"
 #include "IndexFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -67,9 +68,8 @@ TEST(FindInBlueprintSearchManager, ARunCanBeCancelled)
 		bool bThroughManager;
 		bool bThroughOptions;
 	} Cases[] = {{"by the manager", true, false}, {"by whoever opens the project", false, true}, {"by nobody", false, false}};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		std::stop_source Stop;
 		const FObservedSource Source(Project.Source,
 			[&]

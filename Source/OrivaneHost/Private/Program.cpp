@@ -1,7 +1,6 @@
 #include "OrivaneHost/Program.h"
 
 #include "Commands/Commands.h"
-#include "Core/Program/Log.h"
 #include "Core/Threads/StopToken.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/LastResort.h"
@@ -47,7 +46,6 @@ int RunCommandLine(int NumArguments, const char* const* Arguments)
 		Interrupt::Install(); // the protocol server has its own way to end
 	const FStopScope Scope(Interrupt::GetToken());
 	ExitCode = std::visit(FRunCommand(), *Command);
-	Log::Flush();
 	return Interrupt::IsRequested() ? EExitCode::Interrupted : CheckOutput(ExitCode);
 }
 }

@@ -13,11 +13,8 @@ struct FCase
 
 void ExpectAll(std::initializer_list<FCase> Cases)
 {
-	for (const FCase& Case : Cases)
-	{
-		SCOPED_TRACE(std::string(Case.Why) + ": " + Case.Path);
+	for (const FCase& Case : Traced(Cases))
 		EXPECT_EQ(FOrivaneFindUtils::ShouldExcludeFilePath(Case.Path), Case.bExpected);
-	}
 }
 }
 

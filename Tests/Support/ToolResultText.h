@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Json/Json.h"
 #include "OrivaneCore/ToolResult.h"
 
 #include <string>

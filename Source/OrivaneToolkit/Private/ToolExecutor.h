@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/Map.h"
 #include "OrivaneToolkit/ToolExecutor.h"
 
 #include <condition_variable>

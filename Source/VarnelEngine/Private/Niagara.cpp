@@ -1,5 +1,6 @@
 #include "Engine/Niagara.h"
 
+#include "Core/Base/Map.h"
 #include "CoreObject/Reflection/NativeClass.h"
 #include "CoreObject/Reflection/PropertyReader.h"
 

@@ -1,5 +1,6 @@
 #include "Quellar/Graph/AssetGraphService.h"
 
+#include "Core/Base/Map.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Quellar/Graph/GraphTraversalUtils.h"

@@ -1,3 +1,4 @@
+#include "Core/Base/Map.h"
 #include "Quellar/Hits/AssetSearchTypes.h"
 #include "Support/Cases.h"
 

@@ -1,4 +1,5 @@
 #include "Core/Base/Containers.h"
+#include "Core/Base/Map.h"
 #include "Core/Text/String.h"
 #include "Core/Text/Unicode.h"
 #include "Support/Cases.h"

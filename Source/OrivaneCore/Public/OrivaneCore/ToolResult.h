@@ -1,12 +1,16 @@
 #pragma once
 
-#include "Core/Json/Json.h"
+#include "Core/Base/Containers.h"
+#include "Core/Base/Map.h"
 #include "OrivaneCore/ToolCommand.h"
 
 #include <variant>
 
+class FJsonObject;
+
 namespace Orivane
 {
+/** How serious a message is. One error makes the whole call a failed one. */
 enum class EToolMessage : uint8
 {
 	Error,
@@ -14,6 +18,7 @@ enum class EToolMessage : uint8
 	Success,
 };
 
+/** One sentence of a tool to its caller. */
 struct FToolMessage
 {
 	EToolMessage Type = EToolMessage::Error;
@@ -28,7 +33,7 @@ public:
 	/** JSON text, or a JSON object; null for an object that is not there. */
 	using FPayload = std::variant<FString, TSharedPtr<FJsonObject>>;
 
-	explicit FToolResult(const FToolCommand& Command) : ToolName(Command.ToolName) {}
+	explicit FToolResult(const FToolCommand&) {}
 
 	FToolResult& AddErrorMessage(const FString& Text);
 	FToolResult& AddWarningMessage(const FString& Text);
@@ -40,12 +45,10 @@ public:
 	FToolResult& SetData(const FString& Key, const FString& Value);
 
 	bool HasErrors() const;
-	const FString& GetToolName() const { return ToolName; }
 	const TArray<FToolMessage>& GetMessages() const { return Messages; }
 	const TMap<FString, FPayload>& GetData() const { return Data; }
 
 private:
-	FString ToolName;
 	TArray<FToolMessage> Messages;
 	TMap<FString, FPayload> Data;
 };

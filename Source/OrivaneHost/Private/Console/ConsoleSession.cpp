@@ -1,5 +1,6 @@
 #include "Console/ConsoleSession.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Files/File.h"
 #include "Core/Program/Console.h"
 #include "Core/Threads/StopToken.h"

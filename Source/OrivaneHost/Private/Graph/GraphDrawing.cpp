@@ -1,3 +1,4 @@
+#include "Core/Base/Map.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "Graph/GraphPage.h"
 #include "Graph/GraphPicture.h"

@@ -1,5 +1,6 @@
 #include "Graph/GraphPicture.h"
 
+#include "Core/Base/Map.h"
 #include "Tools/ToolOutput.h"
 
 #include <cstdlib>

@@ -1,6 +1,7 @@
 #include "Project/PackageMemory.h"
 #include "Project/ProjectRegistry.h"
 
+#include "Core/Base/Map.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Packages/Loader.h"
 

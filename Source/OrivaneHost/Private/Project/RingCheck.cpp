@@ -1,5 +1,6 @@
 #include "Project/RingCheck.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Base/StrongComponents.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "Engine/BehaviorTree.h"

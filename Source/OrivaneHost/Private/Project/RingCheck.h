@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/Map.h"
 #include "Core/Program/Diagnostics.h"
 #include "CoreObject/Objects/Object.h"
 

@@ -7,8 +7,10 @@
 
 namespace Orivane
 {
+/** Names one call of a process; never used again. */
 using FToolCallId = uint64;
 
+/** What a caller may ask of a call besides its answer. */
 struct FToolCallOptions
 {
 	/** From the moment the tool starts to run; waiting for other tools does not count. */

@@ -1,6 +1,7 @@
 #include "Quellar/Assets/AssetPathUtils.h"
 
 #include "Assets/RepresentativeAsset.h"
+#include "Core/Base/Map.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 

@@ -1,5 +1,6 @@
 #include "Console/ConsoleSearchDocument.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Json/Json.h"
 #include "Quellar/Families/AssetFamily.h"
 

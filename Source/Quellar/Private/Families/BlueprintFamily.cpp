@@ -1,3 +1,4 @@
+#include "Core/Base/Map.h"
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Objects/PackageName.h"

@@ -1,5 +1,6 @@
 #include "Quellar/Families/TextSearch.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Files/File.h"
 #include "Core/Text/TextDecoder.h"
 #include "Core/Text/TextFinder.h"

@@ -1,5 +1,6 @@
 #include "Graph/AssetGraphJson.h"
 
+#include "Core/Base/Map.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 
 namespace

@@ -1,5 +1,6 @@
 #include "Quellar/Hits/AssetSearchTypes.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Base/SeededHash.h"
 
 #include <algorithm>

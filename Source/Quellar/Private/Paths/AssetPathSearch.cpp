@@ -4,6 +4,7 @@
 #include "Quellar/Paths/AssetPathSearchTypes.h"
 #include "Quellar/Search/AssetSearchService.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Threads/Tasks.h"
 #include <algorithm>
 #include <iterator>

@@ -1,5 +1,6 @@
 #include "Quellar/Search/AssetSearchService.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"

@@ -14,6 +14,7 @@ struct FRegistryRoot
 	FString Folder; // absolute, with a trailing slash
 };
 
+/** What a scan does with the cache file. */
 enum class ERegistryCache : uint8
 {
 	Use,	 // read it, and write it when something changed
@@ -21,6 +22,7 @@ enum class ERegistryCache : uint8
 	Rebuild, // write a new one without looking at the old
 };
 
+/** What a scan looks at. What it points to must outlive the scan. */
 struct FRegistryScanOptions
 {
 	TArray<FRegistryRoot> Roots;
@@ -28,8 +30,8 @@ struct FRegistryScanOptions
 	FString ProjectFolder;		  // for the names in diagnostics
 	TArray<FString> CacheFolders; // tried in order for reading and for writing; the file in them is named by the registry
 	ERegistryCache Cache = ERegistryCache::Use;
-	int32 NumThreads = 0;
-	FDiagnosticSink* Diagnostics = nullptr;
+	int32 NumThreads = 0;					// 0: all processors
+	FDiagnosticSink* Diagnostics = nullptr; // null: faults are not told
 	/** Files done so far and in all, for progress; may be null. */
 	std::atomic<int32>* NumDone = nullptr;
 	std::atomic<int32>* NumTotal = nullptr;

@@ -10,6 +10,7 @@
 /** Version of what the index holds of an entry: category, text, comment and place. */
 inline constexpr int32 BlueprintIndexVersion = 3;
 
+/** What a query asks besides its text. */
 struct FStreamSearchOptions
 {
 	int32 QueryFilter = 0;	  // carried with the query; this index keeps one kind of entries and has nothing to leave out

@@ -1,5 +1,6 @@
 #include "Core/Program/Config.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Text/Unicode.h"
 
 namespace

@@ -1,5 +1,7 @@
 #include "Core/Program/Module.h"
 
+#include "Core/Base/Map.h"
+
 #include <mutex>
 #include <shared_mutex>
 

@@ -27,13 +27,12 @@ TSharedPtr<FRunnableThread> FRunnableThread::Create(FRunnable* Runnable, const F
 	}
 }
 
-FRunnableThread::FRunnableThread(FRunnable& InRunnable, const FString& InName)
+FRunnableThread::FRunnableThread(FRunnable& InRunnable, const FString& Name)
 	: Runnable(InRunnable)
-	, Name(InName)
 	, Thread(
-		  [&InRunnable, InName]
+		  [&InRunnable, Name]
 		  {
-			  NameThisThread(InName);
+			  NameThisThread(Name);
 			  if (InRunnable.Init())
 				  InRunnable.Run();
 		  })

@@ -1,5 +1,6 @@
 #include "Declarations/BlueprintClasses.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Text/Unicode.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+#include "Core/Base/Map.h"
 #include "CoreObject/Reflection/Properties.h"
 #include "CoreObject/Reflection/PropertyReader.h"
 #include "Reflection/JsonFaults.h"

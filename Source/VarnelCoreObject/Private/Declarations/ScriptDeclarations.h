@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/Map.h"
 #include "CoreObject/Declarations/ScriptModule.h"
 #include "CoreObject/Reflection/PropertyReader.h"
 #include "Reflection/JsonFaults.h"

@@ -1,5 +1,6 @@
 #include "CoreObject/Declarations/ScriptModule.h"
 
+#include "Core/Base/Map.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "Declarations/BlueprintClasses.h"
 #include "Declarations/ScriptDeclarations.h"

@@ -123,12 +123,6 @@ FStringView FPackageName::GetShortName(FStringView PackageName)
 	return PackageName.substr(PackageName.rfind('/') + 1); // npos + 1 is the start
 }
 
-FStringView FPackageName::GetLongPackagePath(FStringView PackageName)
-{
-	const std::size_t Slash = PackageName.rfind('/');
-	return Slash == FStringView::npos ? FStringView() : PackageName.substr(0, Slash);
-}
-
 bool FPackageName::IsValidLongPackageName(FStringView Text)
 {
 	return Text.size() <= MaxLongPackageNameBytes && HasPackageNameForm(Text) && Text.find('/', 1) != FStringView::npos;

@@ -1,5 +1,6 @@
 #include "Packages/LoadedPackages.h"
 
+#include "Core/Base/Map.h"
 #include "Objects/ObjectTable.h"
 #include "Packages/PackageEviction.h"
 

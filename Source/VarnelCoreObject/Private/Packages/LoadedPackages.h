@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Base/HashMap.h"
+#include "Core/Base/KeyHash.h"
 #include "CoreObject/Reflection/Class.h"
 
 #include <vector>

@@ -1,5 +1,6 @@
 #include "CoreObject/Packages/Loader.h"
 
+#include "Core/Base/Map.h"
 #include "Core/Text/Unicode.h"
 #include "Core/Threads/Tasks.h"
 #include "Objects/ObjectLoading.h"

@@ -33,22 +33,24 @@ FTopLevelAssetPath UStruct::GetStructPathName() const
 const FProperty* UStruct::FindPropertyByName(FName PropertyName) const
 {
 	for (const UStruct* Struct = this; Struct; Struct = Struct->Super)
-		if (const int32* const Index = Struct->PropertyIndices.Find(PropertyName))
-			return Struct->Properties[static_cast<std::size_t>(*Index)].get();
+	{
+		if (const auto Index = Struct->PropertyIndices.find(PropertyName); Index != Struct->PropertyIndices.end())
+			return Struct->Properties[static_cast<std::size_t>(Index->second)].get();
+	}
 	return nullptr;
 }
 
 FProperty* UStruct::FindOwnProperty(FName PropertyName)
 {
-	const int32* const Index = PropertyIndices.Find(PropertyName);
-	return Index ? Properties[static_cast<std::size_t>(*Index)].get() : nullptr;
+	const auto Index = PropertyIndices.find(PropertyName);
+	return Index != PropertyIndices.end() ? Properties[static_cast<std::size_t>(Index->second)].get() : nullptr;
 }
 
 FProperty* UStruct::AddProperty(TUniquePtr<FProperty> Property)
 {
-	if (IsLinked() || PropertyIndices.Contains(Property->GetFName()))
+	if (IsLinked() || PropertyIndices.contains(Property->GetFName()))
 		return nullptr;
-	PropertyIndices.Add(Property->GetFName(), static_cast<int32>(Properties.size()));
+	PropertyIndices.emplace(Property->GetFName(), static_cast<int32>(Properties.size()));
 	Property->SetOwnerStruct(this);
 	Properties.push_back(std::move(Property));
 	return Properties.back().get();
@@ -115,9 +117,9 @@ void UStruct::DropPropertiesOfParents()
 {
 	if (std::erase(Properties, nullptr) == 0)
 		return;
-	PropertyIndices.Empty();
+	PropertyIndices.clear();
 	for (std::size_t Index = 0; Index < Properties.size(); ++Index)
-		PropertyIndices.Add(Properties[Index]->GetFName(), static_cast<int32>(Index));
+		PropertyIndices.emplace(Properties[Index]->GetFName(), static_cast<int32>(Index));
 }
 
 /** Why values of the property cannot lie in this structure; null when they can. */
@@ -273,13 +275,11 @@ void UClass::DestroyDefaults()
 void UEnum::SetEntries(TArray<FEntry> InEntries)
 {
 	Entries = std::move(InEntries);
-	ValuesByShortName.Empty();
+	ValuesByShortName.clear();
 	for (const FEntry& Entry : Entries)
 	{
 		const FStringView Name = Entry.Name.View();
-		const FString ShortName(Name.substr(Name.rfind(':') + 1)); // npos + 1 is the start
-		if (!ValuesByShortName.Contains(ShortName))
-			ValuesByShortName.Add(ShortName, Entry.Value);
+		ValuesByShortName.try_emplace(FString(Name.substr(Name.rfind(':') + 1)), Entry.Value); // npos + 1 is the start
 	}
 }
 
@@ -288,10 +288,10 @@ bool UEnum::TryGetValueByName(FStringView Name, int64& Out) const
 	const std::size_t Colon = Name.rfind("::");
 	if (Colon != FStringView::npos && !GetName().Equals(Name.substr(0, Colon), ESearchCase::IgnoreCase))
 		return false;
-	const int64* const Value = ValuesByShortName.Find(FString(Colon == FStringView::npos ? Name : Name.substr(Colon + 2)));
-	if (!Value)
+	const auto Value = ValuesByShortName.find(FString(Colon == FStringView::npos ? Name : Name.substr(Colon + 2)));
+	if (Value == ValuesByShortName.end())
 		return false;
-	Out = *Value;
+	Out = Value->second;
 	return true;
 }
 

@@ -1,5 +1,6 @@
 #include "CoreObject/Reflection/DeveloperSettings.h"
 
+#include "Core/Base/Map.h"
 #include "CoreObject/Reflection/NativeClass.h"
 #include "Objects/ObjectTable.h"
 

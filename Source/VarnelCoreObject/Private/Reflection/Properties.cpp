@@ -13,8 +13,8 @@ void FField::SetMetaData(FString Key, FString Value)
 	if (Value.IsEmpty())
 		return;
 	if (!MetaData)
-		MetaData = MakeUnique<TMap<FString, FString>>();
-	MetaData->Add(std::move(Key), std::move(Value));
+		MetaData = MakeUnique<FMetaData>();
+	MetaData->Set(std::move(Key), std::move(Value));
 }
 
 void FProperty::GatherStructs(std::vector<UScriptStruct*>&) const

@@ -5,6 +5,7 @@
 
 class UBlackboardData;
 class UBTCompositeNode;
+/** Condition or loop around a node. */
 class UBTDecorator;
 class UBTTask_RunBehavior;
 class UBTTaskNode;
@@ -65,12 +66,14 @@ public:
 	static UClass* StaticClass();
 };
 
+/** Work repeated as long as a branch is active. */
 class UBTService : public UBTAuxiliaryNode
 {
 public:
 	static UClass* StaticClass();
 };
 
+/** Task that walks to a goal. */
 class UBTTask_MoveTo : public UBTTaskNode
 {
 public:

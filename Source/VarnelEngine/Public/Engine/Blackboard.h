@@ -10,6 +10,7 @@ public:
 	static UClass* StaticClass();
 };
 
+/** One key of a blackboard: a named value of a type. The type may be null. */
 struct FBlackboardEntry
 {
 	static UScriptStruct* StaticStruct();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/Map.h"
 #include "CoreObject/Objects/ObjectPtr.h"
 #include "CoreObject/Reflection/Class.h"
 

@@ -20,6 +20,7 @@ public:
 	FString TestComment;
 };
 
+/** One way to answer a query: what makes places, and what they are tested by. */
 class UEnvQueryOption : public UObject
 {
 public:

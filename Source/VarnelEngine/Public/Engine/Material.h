@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Core/Base/Map.h"
 #include "CoreObject/Objects/ObjectPtr.h"
 #include "CoreObject/Reflection/Class.h"
 
+/** Colour in linear light; 0 to 1, brighter ones above. */
 struct FLinearColor
 {
 	static UScriptStruct* StaticStruct();
@@ -15,6 +17,7 @@ struct FLinearColor
 
 class UMaterialInterface;
 
+/** Name of a parameter, with where its value stands. */
 struct FMaterialParameterInfo
 {
 	FName Name;
@@ -85,12 +88,14 @@ private:
 	TSharedPtr<const FMaterialParameterView> TextureView;
 };
 
+/** A material of its own, without a parent. */
 class UMaterial : public UMaterialInterface
 {
 public:
 	static UClass* StaticClass();
 };
 
+/** Material that overrides parameters of its parent, which may be null. */
 class UMaterialInstance : public UMaterialInterface
 {
 public:
@@ -101,12 +106,14 @@ public:
 	TObjectPtr<UMaterialInterface> Parent;
 };
 
+/** Instance whose parameters are fixed in its file. */
 class UMaterialInstanceConstant : public UMaterialInstance
 {
 public:
 	static UClass* StaticClass();
 };
 
+/** Piece of a material that others use. */
 class UMaterialFunctionInterface : public UObject
 {
 public:

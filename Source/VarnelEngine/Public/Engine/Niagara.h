@@ -10,6 +10,7 @@ public:
 	static UClass* StaticClass();
 };
 
+/** Source of particles, with what draws them. */
 class UNiagaraEmitter : public UObject
 {
 public:
@@ -21,6 +22,7 @@ public:
 	TArray<TObjectPtr<UNiagaraRendererProperties>> Renderers;
 };
 
+/** Place of an emitter in a system, by name. */
 struct FNiagaraEmitterHandle
 {
 	static UScriptStruct* StaticStruct();

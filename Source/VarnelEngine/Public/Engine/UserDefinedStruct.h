@@ -17,6 +17,7 @@ public:
 	void PostReadProperties(const FJsonRef& Json, FPropertyReader& Reader) override;
 };
 
+/** Texts that editors show for objects. */
 namespace FObjectEditorUtils
 {
 /** The heading under which editors list the structure; empty where it has none. */

@@ -9,6 +9,7 @@ public:
 	static UClass* StaticClass();
 };
 
+/** Animation of a widget; its name is all that is known of it. */
 class UWidgetAnimation : public UObject
 {
 public:

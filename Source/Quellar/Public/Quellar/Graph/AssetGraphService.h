@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Core/Base/Containers.h"
+#include "Core/Base/Map.h"
 #include "Core/Text/String.h"
 
+/** Which links are followed: to what an asset needs, to what needs it, or each by itself. */
 enum class EAssetGraphDirection : uint8
 {
 	Dependencies = 0,
@@ -10,6 +12,7 @@ enum class EAssetGraphDirection : uint8
 	Both = 2,
 };
 
+/** What is to be explored; the defaults are those of the tool. */
 struct FExploreAssetGraphParams
 {
 	EAssetGraphDirection Direction = EAssetGraphDirection::Dependencies;
@@ -37,6 +40,7 @@ struct FAssetGraphSummary
 	TMap<FString, int32> ByType;
 };
 
+/** What was reached. Owns everything. */
 struct FExploreAssetGraphResult
 {
 	FString Root;	   // long package name; empty when the path could not be normalised

@@ -2,6 +2,7 @@
 
 #include "AssetRegistry/IAssetRegistry.h"
 
+/** Rules of the walk that callers may want to ask for. */
 namespace GraphTraversalUtils
 {
 /** Whether the package has at most MaxFanout dependencies (or referencers), counted before any filter: a hub is shown, but not

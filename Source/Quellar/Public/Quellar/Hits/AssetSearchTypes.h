@@ -5,15 +5,17 @@
 #include "Core/Text/String.h"
 
 class FJsonObject;
+template <class TKey>
+class TSet;
 
 /** One match inside one asset. */
 struct FAssetHit
 {
-	FString Kind;	   // such as "ColumnName"; each family has its own
-	FString Name;	   // the matched element
-	FString Container; // where inside the asset; may be empty
-	int32 Count = 1;   // how often the same kind, name and container were met
-	TSharedPtr<FJsonObject> Anchor;
+	FString Kind;					// such as "ColumnName"; each family has its own
+	FString Name;					// the matched element
+	FString Container;				// where inside the asset; may be empty
+	int32 Count = 1;				// how often the same kind, name and container were met
+	TSharedPtr<FJsonObject> Anchor; // kept for callers; no family sets it
 };
 
 /**
@@ -51,21 +53,24 @@ struct FAssetResult
 	FAssetHitIndex Index; // of Hits, kept by OrivaneSearchUtils
 };
 
+/** What is searched, and how much of it is reported. Caps below 1 act as 1, but for MaxTotalHits, whose zero stands for 200
+ * assets. */
 struct FAssetSearchParams
 {
 	FString Term; // empty matches everything
 	bool bExact = false;
 	bool bCaseSensitive = false;
-	TArray<FString> IncludeAssetFamilies; // empty: all
-	TArray<FString> IncludeKinds;		  // empty: all
-	FString PathContains;				  // empty: no filter
-	TArray<FString> IncludeTextExtensions;
+	TArray<FString> IncludeAssetFamilies;  // empty: all
+	TArray<FString> IncludeKinds;		   // empty: all
+	FString PathContains;				   // empty: no filter
+	TArray<FString> IncludeTextExtensions; // kept for callers, without effect here: the settings say what is a text file
 	int32 MaxHitsPerKind = 10;
 	int32 MaxTotalHits = 200;
-	bool bPreferEditorIndex = true;
+	bool bPreferEditorIndex = true; // kept for callers, without effect here: there is one index
 	int32 MaxHitsPerAssetType = 25;
 };
 
+/** Assets with their hits: of a family in the order in which it found them, of a whole search in ascending path order. */
 struct FAssetSearchResult
 {
 	TArray<FAssetResult> Results;

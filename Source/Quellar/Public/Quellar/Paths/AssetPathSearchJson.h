@@ -3,6 +3,7 @@
 #include "Core/Json/Json.h"
 #include "Quellar/Paths/AssetPathSearchTypes.h"
 
+/** The payload of the path search. Any thread. */
 namespace OrivaneToolUtils
 {
 /**

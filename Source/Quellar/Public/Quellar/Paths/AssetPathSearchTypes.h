@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Base/Containers.h"
+#include "Core/Base/Map.h"
 #include "Core/Text/String.h"
 
 /** What the answer to an agent lists; a search itself finds both. */
@@ -11,12 +12,14 @@ enum class EAssetPathDetailMode : uint8
 	Both = 2,
 };
 
+/** How the term is compared. */
 enum class EAssetPathMatchMode : uint8
 {
 	Contains, // the object path or the asset name contains the term
 	Exact,	  // one of them equals it
 };
 
+/** What is searched, and how much of it is listed; the defaults are those of the tool. */
 struct FAssetPathSearchParams
 {
 	FString Term; // an empty one finds nothing
@@ -30,6 +33,7 @@ struct FAssetPathSearchParams
 	int32 MaxFilesPerDirectory = 10;
 };
 
+/** What was found: all of it is counted, what the caps allow is listed. Owns everything. */
 struct FAssetPathSearchResult
 {
 	int32 TotalHits = 0; // before any cap

@@ -10,6 +10,7 @@ inline constexpr const char* AssetGraph = "explore_asset_graph";
 inline constexpr const char* AssetPathSearch = "asset_path_search";
 }
 
+/** Type of an argument's value. */
 enum class EToolArgument : uint8
 {
 	Text,

@@ -31,11 +31,12 @@ private:
 	FString Schema = "{}";
 	FString Description;
 	FString Metadata;
-	std::function<FString()> MetadataGenerator; // unbound: the metadata is fixed
+	std::function<FString()> MetadataGenerator; // kept for entries whose metadata changes; unbound: it is fixed
 	bool bMetadataCached = true;
 	std::atomic<bool> bClosed = false;
 };
 
+/** Entry of asset_search: its operation answers when the last family has reported. */
 class FAssetSearchTool final : public FToolEntry
 {
 public:
@@ -46,6 +47,7 @@ protected:
 		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete) override;
 };
 
+/** Entry of explore_asset_graph, which is answered before Execute returns. */
 class FAssetGraphTool final : public FToolEntry
 {
 public:

@@ -27,6 +27,7 @@ public:
 	virtual bool MakeDirectory(const FString& Path) = 0;
 };
 
+/** Whole files in one call. Any thread. */
 namespace FFileHelper
 {
 /** Longest text file that is read, bytes. */

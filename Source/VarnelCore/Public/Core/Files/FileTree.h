@@ -24,6 +24,7 @@ struct FFileStamp
 	bool IsSettled() const;
 };
 
+/** What became of reading a file. */
 enum class EFileRead : uint8
 {
 	Ok,
@@ -32,6 +33,7 @@ enum class EFileRead : uint8
 	TooLarge,
 };
 
+/** What is listed, and how. */
 struct FFileTreeOptions
 {
 	/** Keeps a file by its path relative to the root ("Docs/Notes.md"). Called from several threads at once. */

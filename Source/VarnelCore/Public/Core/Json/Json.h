@@ -11,8 +11,10 @@
 class FJsonObject;
 class FJsonValue;
 
+/** Elements in order; a plain value. */
 using FJsonArray = TArray<FJsonValue>;
 
+/** Type of a JSON value. */
 enum class EJson : uint8
 {
 	Null,
@@ -125,6 +127,7 @@ struct FJsonError
 	const char* Rule = "json-syntax"; // short stable word, for diagnostics
 };
 
+/** Reading and writing of JSON text. Any thread. */
 namespace Json
 {
 /** Nesting allowed in messages and arguments, and in packages. */

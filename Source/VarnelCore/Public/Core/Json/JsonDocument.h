@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+/** Type of a node; numbers and truth values are told apart as they are stored. */
 enum class EJsonNode : uint8
 {
 	Null,
@@ -35,6 +36,7 @@ struct FJsonNode
 	};
 };
 
+/** Limits of a reading, and where it ends. */
 struct FJsonReadOptions
 {
 	int32 MaxDepth = Json::MaxMessageDepth;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Base/Containers.h"
+#include "Core/Base/Map.h"
 #include "Core/Program/Diagnostics.h"
 
 /** One line of a settings file. */

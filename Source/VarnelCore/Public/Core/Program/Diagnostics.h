@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Core/Base/Containers.h"
-#include "Core/Base/HashMap.h"
 #include "Core/Text/String.h"
 
 #include <mutex>
+#include <set>
+#include <string>
 
+/** An error costs what it concerns, a warning nothing. */
 enum class EDiagnosticSeverity : uint8
 {
 	Warning,
@@ -41,5 +43,5 @@ public:
 private:
 	mutable std::mutex Lock;
 	TArray<FDiagnostic> Diagnostics;
-	THashSet<std::string> Seen; // printed forms
+	std::set<std::string> Seen; // printed forms
 };

@@ -2,6 +2,7 @@
 
 #include "Core/Text/String.h"
 
+/** How much a line of the log matters. */
 enum class ELogVerbosity : uint8
 {
 	Error,
@@ -14,6 +15,7 @@ struct FLogCategory
 	const char* Name;
 };
 
+/** Lines for whoever runs the program as a server. */
 namespace Log
 {
 /**

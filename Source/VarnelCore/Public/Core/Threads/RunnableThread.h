@@ -34,14 +34,12 @@ public:
 	FRunnableThread(const FRunnableThread&) = delete;
 	FRunnableThread& operator=(const FRunnableThread&) = delete;
 
-	const FString& GetThreadName() const { return Name; }
 	/** Not on the thread itself. */
 	void WaitForCompletion();
 
 private:
-	FRunnableThread(FRunnable& InRunnable, const FString& InName);
+	FRunnableThread(FRunnable& InRunnable, const FString& Name);
 
 	FRunnable& Runnable;
-	const FString Name;
 	std::thread Thread;
 };

@@ -78,6 +78,7 @@ private:
 #define checkGameThread() checkf(FGameThread::Get().MayActAsGameThread(), "not the game thread")
 #endif
 
+/** Threads that tasks can be posted to. */
 enum class ENamedThreads : uint8
 {
 	GameThread,

@@ -4,6 +4,7 @@
 
 #include <string>
 
+/** A file of a script module, as it was read. */
 struct FScriptModuleFile
 {
 	FString ModuleName; // file name without extension; the script package is /Script/<ModuleName>

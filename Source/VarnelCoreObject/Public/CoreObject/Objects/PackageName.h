@@ -9,6 +9,7 @@
  */
 namespace FPackageName
 {
+/** A root of package names with its folder. */
 struct FMountPoint
 {
 	FString Root;	// "/Game", without a trailing slash
@@ -25,8 +26,6 @@ const TArray<FMountPoint>& GetMountPoints();
 FString ObjectPathToPackageName(FStringView ObjectPath);
 /** Text behind the last "/": "/Game/UI/W_Menu" gives "W_Menu". */
 FStringView GetShortName(FStringView PackageName);
-/** Text before the last "/": "/Game/UI/W_Menu" gives "/Game/UI". */
-FStringView GetLongPackagePath(FStringView PackageName);
 /** Longest long package name, bytes: what a path may take on the systems this runs on. */
 constexpr std::size_t MaxLongPackageNameBytes = 4096;
 /** "/Root/..." with a segment behind the root, no empty segment, none of \ : * ? " < > | . and no control character, not longer

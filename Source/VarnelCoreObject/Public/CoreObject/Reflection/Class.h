@@ -1,10 +1,13 @@
 #pragma once
 
+#include "Core/Base/KeyHash.h"
 #include "CoreObject/Objects/Object.h"
 #include "CoreObject/Objects/ObjectPath.h"
 #include "CoreObject/Reflection/Field.h"
+#include "CoreObject/Reflection/MetaData.h"
 
 #include <functional>
+#include <unordered_map>
 #include <vector>
 
 /** Bytes that an instance of a class or structure may take; keeps a small project file from asking for huge objects. */
@@ -48,7 +51,7 @@ public:
 		const FString* const Value = FindMetaData(Key);
 		return Value ? *Value : FString();
 	}
-	void SetMetaData(FString Key, FString Value) { MetaData.Add(std::move(Key), std::move(Value)); }
+	void SetMetaData(FString Key, FString Value) { MetaData.Set(std::move(Key), std::move(Value)); }
 	/** Laid out; instances can be made. */
 	bool IsLinked() const { return bLinked; }
 	/** Made by the program, not by a project; with or without a C++ class of its own. */
@@ -88,10 +91,10 @@ private:
 
 	UStruct* DeclaredSuper = nullptr;
 	UStruct* Super = nullptr;
-	TMap<FString, FString> MetaData;
+	FMetaData MetaData;
 	std::vector<TUniquePtr<FProperty>> Properties;
-	TMap<FName, int32> PropertyIndices; // own, by name
-	TArray<FLinkFault> LinkFaults;		// until somebody asks
+	std::unordered_map<FName, int32, FKeyHash> PropertyIndices; // own, by name
+	TArray<FLinkFault> LinkFaults;								// until somebody asks
 	int32 PropertiesSize = 0;
 	int32 Alignment = 1;
 	int32 Depth = 0;	  // parents above
@@ -199,7 +202,7 @@ public:
 
 private:
 	TArray<FEntry> Entries;
-	TMap<FString, int64> ValuesByShortName;
+	std::unordered_map<FString, int64, FKeyHash> ValuesByShortName;
 };
 
 /** What a walk over properties includes. */

@@ -2,6 +2,7 @@
 
 #include "Core/Base/Containers.h"
 #include "Core/Text/Name.h"
+#include "CoreObject/Reflection/MetaData.h"
 
 #include <vector>
 
@@ -61,7 +62,6 @@ public:
 	constexpr FFieldClass(const char* InName, uint64 InCastFlags) : Name(InName), CastFlags(InCastFlags) {}
 	/** "IntProperty", "SoftObjectProperty", ... */
 	FString GetName() const { return FString(Name); }
-	uint64 GetCastFlags() const { return CastFlags; }
 	bool HasAnyCastFlags(uint64 Flags) const { return (CastFlags & Flags) != 0; }
 
 private:
@@ -95,7 +95,7 @@ private:
 	const FFieldClass* FieldClass;
 	FName Name;
 	FString AuthoredName;
-	TUniquePtr<TMap<FString, FString>> MetaData; // null for most
+	TUniquePtr<FMetaData> MetaData; // null for most
 };
 
 /** A member that holds a value inside an object or structure. Value functions work on raw storage of GetSize() bytes. */

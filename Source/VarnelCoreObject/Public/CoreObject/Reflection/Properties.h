@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/KeyHash.h"
 #include "CoreObject/Objects/ObjectPtr.h"
 #include "CoreObject/Reflection/ArrayStorage.h"
 #include "CoreObject/Reflection/Field.h"
@@ -200,6 +201,7 @@ private:
 	FObjectPtr Enum;
 };
 
+/** What a reference leads to, and whether it needs its target. */
 enum class EObjectReference : uint8
 {
 	Object,
@@ -357,6 +359,7 @@ private:
 	const FPairProperty& GetPair() const { return static_cast<const FPairProperty&>(GetInner()); }
 };
 
+/** Why a property has no value here; Undeclared: nothing declares its type. */
 enum class EUnreadKind : uint8
 {
 	Delegate,

@@ -10,9 +10,7 @@ namespace
 {
 void Describe(FTestProject& Project)
 {
-	Project.File("Content/BP_Door.vasset",
-		R"({"varnel_package":1,"assets":[{"name":"BP_Door","class":"/Script/Engine.Blueprint"}],)"
-		R"("blueprint_index":[{"category":"Var","text":"Health"}],"objects":[]})");
+	Project.Blueprint("/Game/BP_Door", R"({"category":"Var","text":"Health"})");
 	Project.Open();
 }
 

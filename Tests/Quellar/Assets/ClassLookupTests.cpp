@@ -67,10 +67,7 @@ TEST(ClassLookup, FindsBlueprintsByTheirNativeParentTag)
 TEST(ClassLookup, LoadsUntaggedBlueprintsWhenAllowed)
 {
 	FTestProject Project;
-	Project.File("Content/BP_Untagged.vasset",
-		R"({"varnel_package": 1, "assets": [{"name": "BP_Untagged", "class": "/Script/Engine.Blueprint"}], "dependencies": [],
-			"blueprint_index": [], "objects": [{"path": "BP_Untagged", "class": "/Script/Engine.Blueprint",
-			"properties": {"ParentClass": "/Script/Engine.Character"}}]})");
+	Project.Asset("/Game/BP_Untagged", "Blueprint").Set("ParentClass", R"("/Script/Engine.Character")");
 	Project.Open();
 	TArray<FString> Paths;
 	EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent("/Script/Engine.Pawn", Paths, true), 0);

@@ -103,7 +103,7 @@ std::string Print(const FPackageHeader& Header)
 	return Out;
 }
 
-class VassetFuzz : public FPackageFiles
+class VassetFuzz : public FPackageFixture
 {
 protected:
 	/** The printed header, "-" for a file that is skipped. */

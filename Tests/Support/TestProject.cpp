@@ -208,10 +208,15 @@ void FTestProject::Open()
 	WriteScriptModule();
 	Folder.Write("Config/DefaultGame.ini", "[/Script/Quellar.QuellarSettings]\n" + SettingsLines);
 
+	OpenFolder("");
+}
+
+void FTestProject::OpenFolder(const std::string& Relative)
+{
 	FDiagnosticSink Diagnostics;
 	FString Error;
 	FProjectOptions Options;
-	Options.Path = Folder.Path();
+	Options.Path = Folder.Path(Relative);
 	Options.Cache = ERegistryCache::Ignore;
 	ASSERT_TRUE(FProject::Open(Options, Diagnostics, Error)) << *Error;
 	bOpen = true;

@@ -105,6 +105,8 @@ public:
 	FTestProject& Links(
 		const std::string& Package, const std::vector<std::string>& AssetLines, const std::vector<std::string>& Dependencies);
 
+	/** Opens a whole project that was written to a folder below GetFolder() instead of what was described. */
+	void OpenFolder(const std::string& Relative);
 	/** Writes and opens what was described; asking does it by itself. Again after further calls: opens anew. */
 	void Open();
 	FAssetSearchResult Search(const FAssetSearchParams& Params);

@@ -30,8 +30,7 @@ TEST(BlueprintCalls, OneThatNeverEndsIsAnsweredWithTheReasonAndHoldsNothingUp)
 	for (const char* Arguments : {R"({"term":""})", R"({"term":"","include_asset_families":["BLUEPRINT"]})"})
 		EXPECT_EQ(CallAndRender(Arguments, 20ms),
 			"Tool 'asset_search' did not complete within 1 s: a search of Blueprints never ends with an empty term; give a term, "
-			"or "
-			"list families without Blueprint in include_asset_families");
+			"or list families without Blueprint in include_asset_families");
 	EXPECT_EQ(CallAndRender(R"({"term":"","include_asset_families":["Text"]})", 30s).substr(0, 6), "Found ");
 	EXPECT_EQ(
 		CallAndRender(R"({"term":"Health"})", 30s), "Found 1 asset(s) matching 'Health' (mode: contains, case_sensitive: false)");

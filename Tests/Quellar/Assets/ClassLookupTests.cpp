@@ -17,11 +17,7 @@ std::string RenderPaths(const TArray<FAssetData>& Assets)
 
 TEST(ClassLookup, NormalizesClassPaths)
 {
-	const struct
-	{
-		const char* In;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<const char*, const char*> Cases[] = {
 		{"Class'/Script/Engine.Actor'", "/Script/Engine.Actor"},
 		{"cLASS'/Script/Engine.Actor'", "/Script/Engine.Actor"},
 		{"/Script/Engine.Actor", "/Script/Engine.Actor"},
@@ -30,8 +26,8 @@ TEST(ClassLookup, NormalizesClassPaths)
 		{"Actor", ""},
 		{"", ""},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(OrivaneClassLookupUtils::NormalizeClassPath(Case.In).View(), Case.Expected) << Case.In;
+	for (const auto& [In, Expected] : Cases)
+		EXPECT_EQ(OrivaneClassLookupUtils::NormalizeClassPath(In).View(), Expected) << In;
 }
 
 TEST(ClassLookup, FindsBlueprintsByTheirNativeParentTag)

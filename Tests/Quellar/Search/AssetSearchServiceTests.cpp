@@ -211,11 +211,7 @@ TEST(AssetSearchService, InvariantsHoldForAnyProject)
 
 TEST(AssetType, FollowsTheClassName)
 {
-	const struct
-	{
-		const char* ClassName;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<const char*, const char*> Cases[] = {
 		{"blueprint", "Blueprint"},
 		{"BlackboardData", "Blackboard"},
 		{"PrimaryDataAsset", "DataAsset"},
@@ -225,6 +221,6 @@ TEST(AssetType, FollowsTheClassName)
 		{"StaticMesh", "uasset"},
 		{"", "uasset"},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(AssetTypeFromClassName(Case.ClassName), FString(Case.Expected)) << Case.ClassName;
+	for (const auto& [ClassName, Expected] : Cases)
+		EXPECT_EQ(AssetTypeFromClassName(ClassName), FString(Expected)) << ClassName;
 }

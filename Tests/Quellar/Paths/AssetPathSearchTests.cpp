@@ -54,7 +54,7 @@ TEST(AssetPathSearch, FindsAndGroups)
 		{"sorted by directory, then by path", {.Term = "menu"},
 			"4 hits; /Game: /Game/BP_Menu.BP_Menu; /Game/AI: /Game/AI/BT_Menu.BT_Menu; /Game/UI: " + Menu +
 				"; files: /Game/AI/BT_Menu.BT_Menu /Game/BP_Menu.BP_Menu " + Menu},
-		{"exactly a name", {.Term = "icon", .MatchMode = 1},
+		{"exactly a name", {.Term = "icon", .MatchMode = EAssetPathMatchMode::Exact},
 			"1 hits; /Game/UI: /Game/UI/W_Menu.Icon; files: /Game/UI/W_Menu.Icon"},
 		{"case", {.Term = "menu", .bCaseSensitive = true}, "0 hits; files: "},
 		{"directory", {.Term = "menu", .PathContains = "/ui"}, "2 hits; /Game/UI: " + Menu + "; files: " + Menu},

@@ -1,7 +1,7 @@
 #include "Commands/Commands.h"
-#include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Project/HeadlessEngine.h"
+#include "Terminal/ExitCode.h"
 #include "Tools/PathSearchTool.h"
 #include "Tools/ToolCaller.h"
 
@@ -53,8 +53,12 @@ int PrintEnvelope(const Orivane::FToolResult& Result)
 int RunCall(const FCallArguments& Arguments)
 {
 	std::string ArgumentText = Arguments.ArgumentsJson.ToStdString();
-	if (ArgumentText == "-" && (ArgumentText.clear(), !ReadStandardInput(ArgumentText)))
-		return EExitCode::WrongUse;
+	if (ArgumentText == "-")
+	{
+		ArgumentText.clear();
+		if (!ReadStandardInput(ArgumentText))
+			return EExitCode::WrongUse;
+	}
 
 	const FHeadlessEngine Engine;
 	RegisterPathSearchTool();

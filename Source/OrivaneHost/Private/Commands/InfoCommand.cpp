@@ -3,10 +3,11 @@
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Reflection/DeveloperSettings.h"
 #include "CoreObject/Reflection/Properties.h"
-#include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
 #include "Project/PackageMemory.h"
+#include "Project/ProjectRegistry.h"
 #include "Quellar/Families/AssetFamily.h"
+#include "Terminal/ExitCode.h"
 
 #include <sys/resource.h>
 
@@ -18,7 +19,7 @@ int32 CountAssets(const FAssetFamily& Family)
 	FARFilter Filter{.bRecursiveClasses = true};
 	for (UClass* (*const Class)() : Family.Classes)
 		Filter.ClassPaths.Add(Class()->GetStructPathName());
-	FProject::GetRegistry().EnumerateAssets(
+	GetProjectRegistry().EnumerateAssets(
 		Filter, [&](const FAssetData&) { return ++Count, true; }, true);
 	return Count;
 }
@@ -40,7 +41,7 @@ FJsonArray MakeArray(const TArray<FString>& Texts)
 
 TSharedPtr<FJsonObject> MakeCountsJson()
 {
-	const FAssetRegistry& Registry = FProject::GetRegistry();
+	const FAssetRegistry& Registry = GetProjectRegistry();
 	auto Counts = MakeShared<FJsonObject>();
 	Counts->SetNumberField("packages", Registry.NumPackages());
 	Counts->SetNumberField("assets", Registry.NumAssets());
@@ -141,7 +142,7 @@ TSharedPtr<FJsonObject> MakeScanJson(const FProjectSummary& Summary)
 	Scan->SetNumberField("parse_seconds", Summary.Scan.ParseSeconds);
 	Scan->SetNumberField("build_seconds", Summary.Scan.BuildSeconds);
 	Scan->SetNumberField("open_seconds", Summary.OpenSeconds);
-	Scan->SetNumberField("registry_bytes", FProject::GetRegistry().GetImageBytes());
+	Scan->SetNumberField("registry_bytes", GetProjectRegistry().GetImageBytes());
 	Scan->SetNumberField("peak_memory_bytes", GetPeakMemoryBytes());
 	return Scan;
 }
@@ -208,7 +209,7 @@ int RunInfo(const FInfoArguments& Arguments)
 		return ExitCode;
 	if (Arguments.bDumpRegistry)
 	{
-		FProject::GetRegistry().Dump([](FStringView Line) { Terminal::Print(Terminal::Sanitize(Line) + "\n"); });
+		GetProjectRegistry().Dump([](FStringView Line) { Terminal::Print(Terminal::Sanitize(Line) + "\n"); });
 		return EExitCode::Found;
 	}
 	const TSharedPtr<FJsonObject> Info = Arguments.bSettings ? MakeSettingsReferenceJson() : MakeInfoJson(Diagnostics);

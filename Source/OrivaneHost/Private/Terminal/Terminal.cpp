@@ -1,6 +1,7 @@
 #include "Terminal/Terminal.h"
 
 #include "Core/Text/Unicode.h"
+#include "Terminal/ExitCode.h"
 
 #include <atomic>
 #include <cerrno>
@@ -35,7 +36,7 @@ extern "C" void OnSignal(int)
 {
 	// A stop source takes a lock, which a signal handler must not; a thread behind a pipe does it.
 	if (NumSignals.fetch_add(1) > 0)
-		_exit(130);
+		_exit(EExitCode::Interrupted);
 	const char Byte = 0;
 	[[maybe_unused]] const ssize_t Written = write(SignalPipe[1], &Byte, 1);
 }

@@ -4,6 +4,7 @@
 #include "Quellar/Paths/AssetPathSearchTypes.h"
 #include "Quellar/Search/AssetSearchService.h"
 
+#include "Core/Threads/Tasks.h"
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -194,6 +195,7 @@ void FHitCollector::Finish()
 
 void UAssetSearchService::AssetPathSearch(const FAssetPathSearchParams& Params, FAssetPathSearchResult& Result)
 {
+	checkGameThread();
 	Result = {};
 	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
 	if (Params.Term.IsEmpty() || !Registry)
@@ -218,7 +220,7 @@ void UAssetSearchService::AssetPathSearch(const FAssetPathSearchParams& Params, 
 				Hits.Add({Asset, Asset + 1});
 		}
 	};
-	Paths.Find({.Text = Params.Term, .bExact = Params.MatchMode == 1, .Case = Case},
+	Paths.Find({.Text = Params.Term, .bExact = Params.MatchMode == EAssetPathMatchMode::Exact, .Case = Case},
 		[&](FAssetPathView::FRange Range)
 		{
 			while (Range.Begin < Range.End && !IsStopRequested())

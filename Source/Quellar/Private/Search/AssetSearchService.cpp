@@ -1,6 +1,7 @@
 #include "Quellar/Search/AssetSearchService.h"
 
 #include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Quellar/Families/AssetFamily.h"
 
@@ -94,6 +95,7 @@ UAssetSearchService& UAssetSearchService::Get()
 
 void UAssetSearchService::AssetSearch(const FAssetSearchParams& Params, FOnAssetSearchComplete OnComplete)
 {
+	checkGameThread();
 	if (!OrivaneAssetRegistryUtils::GetAssetRegistry())
 	{
 		OnComplete.ExecuteIfBound({});

@@ -1,6 +1,7 @@
 #include "Quellar/Tools/AssetSearchOperation.h"
 
 #include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Quellar/Search/AssetSearchService.h"
@@ -44,6 +45,7 @@ void WriteReport(const FAssetSearchParams& Params, const FAssetSearchResult& Fou
 void FAssetSearchOperation::ExecuteAsync(
 	const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete)
 {
+	checkGameThread();
 	FAssetSearchParams Params;
 	if (!ReadArguments(GetAssetSearchArguments(), Args, Params))
 	{

@@ -18,7 +18,7 @@ void ReadMatchMode(const FJsonValue& Value, FAssetPathSearchParams& Out)
 {
 	FString Word;
 	Value.TryGetString(Word);
-	Out.MatchMode = Word == "exact" ? 1 : 0;
+	Out.MatchMode = Word == "exact" ? EAssetPathMatchMode::Exact : EAssetPathMatchMode::Contains;
 }
 
 void ReadDetailMode(const FJsonValue& Value, FAssetPathSearchParams& Out)

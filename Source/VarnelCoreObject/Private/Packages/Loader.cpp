@@ -1,6 +1,7 @@
 #include "CoreObject/Packages/Loader.h"
 
 #include "Core/Text/Unicode.h"
+#include "Core/Threads/Tasks.h"
 #include "Objects/ObjectLoading.h"
 #include "Packages/LoadedPackages.h"
 #include "Packages/ParseAhead.h"
@@ -314,8 +315,8 @@ void FLoader::NoteReference(FName PackageName)
 {
 	if (!Current)
 		return;
-	const bool bIsNew = Current->References.empty() || !(Current->References.back() == PackageName);
-	if (bIsNew && !(Current->PackageName == PackageName))
+	const bool bIsNew = Current->References.empty() || Current->References.back() != PackageName;
+	if (bIsNew && Current->PackageName != PackageName)
 		Current->References.push_back(PackageName);
 }
 
@@ -355,17 +356,20 @@ void SetLoadDiagnostics(FDiagnosticSink* Sink)
 
 UPackage* LoadPackage(FName PackageName, uint32)
 {
+	checkGameThread();
 	return FLoader::Get().Load(PackageName);
 }
 
 UObject* StaticLoadObject(UClass* Class, UObject* Outer, FStringView ObjectPath, uint32)
 {
+	checkGameThread();
 	UObject* const Object = FLoader::Get().FindOrLoad(MakeFullPath(Outer, ObjectPath));
 	return Object && (!Class || Object->IsA(Class)) ? Object : nullptr;
 }
 
 void UnloadAllLoadedPackages()
 {
+	checkGameThread();
 	FLoader::Get().UnloadAll();
 }
 
@@ -392,6 +396,7 @@ int64 GetObjectMemory()
 
 int32 EvictLoadedPackages()
 {
+	checkGameThread();
 	return FLoader::Get().Evict();
 }
 

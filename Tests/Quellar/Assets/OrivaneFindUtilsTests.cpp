@@ -1,4 +1,4 @@
-#include "Quellar/Assets/AssetPathExclusion.h"
+#include "Quellar/Assets/OrivaneFindUtils.h"
 #include "Quellar/Assets/QuellarSettings.h"
 #include "Support/TestProject.h"
 

@@ -1,11 +1,8 @@
 #include "Core/Program/Console.h"
 #include "Core/Threads/Tasks.h"
 #include "Graph/GraphPicture.h"
-#include "OrivaneToolkit/OrivaneToolkitModule.h"
-#include "Project/HeadlessEngine.h"
-#include "Project/Project.h"
 #include "Support/Golden.h"
-#include "Support/ScratchFolder.h"
+#include "Support/TestProject.h"
 #include "Tools/PathSearchTool.h"
 #include "Tools/ToolCaller.h"
 #include "Tools/ToolOutput.h"
@@ -18,14 +15,9 @@ class SampleAnswers : public testing::Test
 protected:
 	SampleAnswers()
 	{
-		std::filesystem::copy(SAMPLE_PROJECT, Folder.GetRoot() + "/P", std::filesystem::copy_options::recursive);
-		Folder.Remove("P/Saved"); // of whoever has tried the sample
-		FDiagnosticSink Diagnostics;
-		FString Error;
-		FProjectOptions Options;
-		Options.Path = Folder.Path("P");
-		Options.Cache = ERegistryCache::Ignore;
-		EXPECT_TRUE(FProject::Open(Options, Diagnostics, Error)) << *Error;
+		std::filesystem::copy(SAMPLE_PROJECT, Project.GetFolder().GetRoot() + "/P", std::filesystem::copy_options::recursive);
+		Project.GetFolder().Remove("P/Saved"); // of whoever has tried the sample
+		Project.OpenFolder("P");
 		RegisterPathSearchTool();
 	}
 
@@ -34,8 +26,7 @@ protected:
 		EXPECT_TRUE(CallToolAndWait(Tool, Arguments, std::chrono::seconds(60), OnAnswer));
 	}
 
-	FScratchFolder Folder;
-	FHeadlessEngine Engine;
+	FTestProject Project;
 };
 
 constexpr const char* Hub = R"({"asset_path":"/Game/Characters/BP_LanternCharacter","relation":"both","depth":2})";
@@ -85,8 +76,8 @@ TEST_F(SampleAnswers, OfConsoleCommands)
 			 std::pair("Orivane.DataTableSearch term=damage", "datatable_search.json")})
 	{
 		EXPECT_TRUE(IConsoleManager::Get().ProcessUserConsoleInput(Line));
-		EXPECT_TRUE(FGameThread::Get().RunUntil(
-			[&] { return !Folder.Read(std::string("P/Saved/Quellar/") + File).empty(); }, std::chrono::seconds(60)));
-		ExpectGolden(std::string("Sample/Console/") + File, Folder.Read(std::string("P/Saved/Quellar/") + File));
+		const auto Read = [this, File = File] { return Project.GetFolder().Read(std::string("P/Saved/Quellar/") + File); };
+		EXPECT_TRUE(FGameThread::Get().RunUntil([&Read] { return !Read().empty(); }, std::chrono::seconds(60)));
+		ExpectGolden(std::string("Sample/Console/") + File, Read());
 	}
 }

@@ -7,8 +7,7 @@ TEST(AssetExists, KnowsPackagesObjectsAndFiles)
 {
 	FTestProject Project;
 	Project.Header("/Game/UI/WBP_Menu", "/Script/Engine.WidgetBlueprint");
-	Project.File("Content/Hidden.vasset",
-		R"({"varnel_package": 1, "assets": [{"name": "Hidden", "class": "/Script/Engine.World", "registry_filtered": true}]})");
+	Project.Links("/Game/Hidden", {"Hidden World filtered"}, {});
 	Project.File("Plugins/Fog/Fog.uplugin", "{}");
 	Project.File("Plugins/Fog/Content/M_Fog.vasset",
 		R"({"varnel_package": 1, "assets": [{"name": "M_Fog", "class": "/Script/Engine.Material"}]})");

@@ -8,21 +8,11 @@
 
 namespace
 {
-std::string GetShortName(const std::string& Path)
-{
-	return Path.substr(Path.rfind('/') + 1);
-}
-
 std::string GetPackageFile(const std::string& Package)
 {
 	constexpr std::string_view GameRoot = "/Game/";
 	EXPECT_TRUE(Package.starts_with(GameRoot)) << Package;
 	return "Content/" + Package.substr(GameRoot.size()) + ".vasset";
-}
-
-std::string GetClassPath(const std::string& Class)
-{
-	return Class.starts_with("/") ? Class : "/Script/Engine." + Class;
 }
 
 std::string ReplaceAll(std::string Text, const std::string& From, const std::string& To)
@@ -68,17 +58,15 @@ FTestAsset& FTestAsset::Set(const std::string& Property, const std::string& Valu
 
 FTestAsset& FTestAsset::Inner(const std::string& Path, const std::string& InnerClass, const std::string& InnerProperties)
 {
-	InnerObjects += R"(, {"path": "^)" + Path + R"(", "class": ")" + GetClassPath(InnerClass) + R"(", "properties": {)" +
-		InnerProperties + "}}";
+	InnerObjects += "," + MakeObjectJson("^" + Path, InnerClass, InnerProperties);
 	return *this;
 }
 
-std::string FTestAsset::ToJson() const
+FPackageText FTestAsset::ToPackage() const
 {
-	const std::string Objects =
-		R"({"path": ")" + Name + R"(", "class": ")" + Class + R"(", "properties": {)" + Properties + "}}" + InnerObjects;
-	return R"({"varnel_package": 1, "assets": [{"name": ")" + Name + R"(", "class": ")" + Class + R"(", "tags": {)" + TagMembers +
-		R"(}}], "dependencies": [], "blueprint_index": [], "objects": [)" + ReplaceAll(Objects, "\"^", "\"" + Name + ":") + "]}";
+	const std::string Objects = MakeObjectJson(Name, Class, Properties) + InnerObjects;
+	return {.Assets = MakeAssetJson(Name, Class, R"(,"tags":{)" + TagMembers + "}"),
+		.Objects = ReplaceAll(Objects, "\"^", "\"" + Name + ":")};
 }
 
 FTestProject::FTestProject()
@@ -111,11 +99,19 @@ FTestNiagaraSystem& FTestProject::NiagaraSystem(const std::string& Package)
 	return NiagaraSystems.emplace_back(Package);
 }
 
+FTestProject& FTestProject::Package(const std::string& Package, const FPackageText& Text)
+{
+	return File(GetPackageFile(Package), Text.ToJson());
+}
+
 FTestProject& FTestProject::Objects(const std::string& Package, const std::string& Class, const std::string& Elements)
 {
-	return File(GetPackageFile(Package),
-		R"({"varnel_package": 1, "assets": [{"name": ")" + GetShortName(Package) + R"(", "class": ")" + Class +
-			R"("}], "dependencies": [], "blueprint_index": [], "objects": [)" + Elements + "]}");
+	return this->Package(Package, {.Assets = MakeAssetJson(GetShortName(Package), Class), .Objects = Elements});
+}
+
+FTestProject& FTestProject::Blueprint(const std::string& Package, const std::string& Entries, const std::string& Class)
+{
+	return this->Package(Package, {.Assets = MakeAssetJson(GetShortName(Package), Class), .BlueprintIndex = Entries});
 }
 
 FTestAsset& FTestProject::Asset(const std::string& Package, const std::string& Class)
@@ -145,9 +141,7 @@ FTestProject& FTestProject::Settings(const std::string& Lines)
 
 FTestProject& FTestProject::Header(const std::string& Package, const std::string& Class, const std::string& TagsJson)
 {
-	return File(GetPackageFile(Package),
-		R"({"varnel_package": 1, "assets": [{"name": ")" + GetShortName(Package) + R"(", "class": ")" + Class + R"(", "tags": )" +
-			TagsJson + R"(}], "dependencies": [], "blueprint_index": [], "objects": []})");
+	return this->Package(Package, {.Assets = MakeAssetJson(GetShortName(Package), Class, ",\"tags\":" + TagsJson)});
 }
 
 FTestProject& FTestProject::Links(
@@ -159,8 +153,8 @@ FTestProject& FTestProject::Links(
 		std::istringstream Words(Asset);
 		std::string Name, Class, Filtered;
 		Words >> Name >> Class >> Filtered;
-		AssetsJson += (AssetsJson.empty() ? "" : ", ") + (R"({"name": ")" + Name) + R"(", "class": "/Script/Engine.)" + Class +
-			R"(", "registry_filtered": )" + (Filtered.empty() ? "false" : "true") + "}";
+		AssetsJson +=
+			(AssetsJson.empty() ? "" : ",") + MakeAssetJson(Name, Class, Filtered.empty() ? "" : R"(,"registry_filtered":true)");
 	}
 	std::string DependenciesJson;
 	for (const std::string& Dependency : Dependencies)
@@ -170,9 +164,7 @@ FTestProject& FTestProject::Links(
 			(R"({"package": ")" + Dependency.substr(0, Dependency.find(' '))) + R"(", "hard": )" +
 			(Has(" soft") ? "false" : "true") + R"(, "game": )" + (Has(" editor") ? "false" : "true") + "}";
 	}
-	return File(GetPackageFile(Package),
-		R"({"varnel_package": 1, "assets": [)" + AssetsJson + R"(], "dependencies": [)" + DependenciesJson +
-			R"(], "blueprint_index": [], "objects": []})");
+	return this->Package(Package, {.Assets = AssetsJson, .Dependencies = DependenciesJson});
 }
 
 void FTestProject::WriteTable(const FTestTable& Table)
@@ -182,11 +174,8 @@ void FTestProject::WriteTable(const FTestTable& Table)
 	for (int32 Row = 0; Row < Table.NumRows; ++Row)
 		Rows += (Row ? ", " : "") + ("\"Row" + std::to_string(Row)) + "\": {}";
 	const std::string RowStruct = Table.RowStruct.empty() ? "null" : "\"/Script/Test." + Table.RowStruct + "\"";
-	Folder.Write(GetPackageFile(Table.Package),
-		R"({"varnel_package": 1, "assets": [{"name": ")" + Name +
-			R"(", "class": "/Script/Engine.DataTable"}], "dependencies": [], "blueprint_index": [], "objects": [{"path": ")" +
-			Name + R"(", "class": "/Script/Engine.DataTable", "properties": {"RowStruct": )" + RowStruct + R"(, "Rows": {)" +
-			Rows + "}}}]}");
+	Objects(Table.Package, "DataTable",
+		MakeObjectJson(Name, "DataTable", R"("RowStruct":)" + RowStruct + R"(,"Rows":{)" + Rows + "}"));
 }
 
 void FTestProject::WriteScriptModule()
@@ -215,14 +204,19 @@ void FTestProject::Open()
 	for (const FTestNiagaraSystem& Described : NiagaraSystems)
 		Objects(Described.GetPackage(), Described.GetClass(), Described.GetObjects());
 	for (const FTestAsset& Described : Assets)
-		Folder.Write(GetPackageFile(Described.Package), Described.ToJson());
+		Package(Described.Package, Described.ToPackage());
 	WriteScriptModule();
 	Folder.Write("Config/DefaultGame.ini", "[/Script/Quellar.QuellarSettings]\n" + SettingsLines);
 
+	OpenFolder("");
+}
+
+void FTestProject::OpenFolder(const std::string& Relative)
+{
 	FDiagnosticSink Diagnostics;
 	FString Error;
 	FProjectOptions Options;
-	Options.Path = Folder.Path();
+	Options.Path = Folder.Path(Relative);
 	Options.Cache = ERegistryCache::Ignore;
 	ASSERT_TRUE(FProject::Open(Options, Diagnostics, Error)) << *Error;
 	bOpen = true;

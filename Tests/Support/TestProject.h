@@ -3,6 +3,7 @@
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Search/AssetSearchService.h"
 #include "Support/Cases.h"
+#include "Support/PackageText.h"
 #include "Support/ScratchFolder.h"
 #include "Support/TestEffects.h"
 
@@ -60,7 +61,7 @@ public:
 
 private:
 	friend class FTestProject;
-	std::string ToJson() const;
+	FPackageText ToPackage() const;
 
 	std::string Package;
 	std::string Name;
@@ -84,8 +85,11 @@ public:
 	FTestMaterial& Material(const std::string& Package, const std::string& Class = "/Script/Engine.Material");
 	FTestMaterial& MaterialInstance(const std::string& Package, const std::string& ParentPackage);
 	FTestNiagaraSystem& NiagaraSystem(const std::string& Package);
+	FTestProject& Package(const std::string& Package, const FPackageText& Text);
 	/** A package of one asset with the given elements of the list "objects". */
 	FTestProject& Objects(const std::string& Package, const std::string& Class, const std::string& Elements);
+	/** A Blueprint without objects, with the given elements of its "blueprint_index". */
+	FTestProject& Blueprint(const std::string& Package, const std::string& Entries, const std::string& Class = "Blueprint");
 	/** Class: a path, or the short name of an engine class. */
 	FTestAsset& Asset(const std::string& Package, const std::string& Class);
 	/** A script module; Declarations are members such as "classes": [...]. */
@@ -101,6 +105,8 @@ public:
 	FTestProject& Links(
 		const std::string& Package, const std::vector<std::string>& AssetLines, const std::vector<std::string>& Dependencies);
 
+	/** Opens a whole project that was written to a folder below GetFolder() instead of what was described. */
+	void OpenFolder(const std::string& Relative);
 	/** Writes and opens what was described; asking does it by itself. Again after further calls: opens anew. */
 	void Open();
 	FAssetSearchResult Search(const FAssetSearchParams& Params);

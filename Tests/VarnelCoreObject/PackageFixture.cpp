@@ -1,6 +1,6 @@
 #include "PackageFixture.h"
 
-#include "Core/Text/Unicode.h"
+#include "Support/PackageText.h"
 
 UClass* UTestNode::StaticClass()
 {
@@ -64,56 +64,22 @@ void DeclareAlone(FPropertyReader& Reader, UStruct& Type, const FJsonRef& Declar
 	Reader.FinishDeclarations(Type);
 }
 
-FPackageFiles::FPackageFiles()
+FPackageFixture::FPackageFixture()
 {
 	UTestNode::StaticClass();
 	UTestBlueprint::StaticClass();
-	SetLoadDiagnostics(&Faults);
-	SetPackageLocator(
-		[this](FName Name) -> TOptional<FPackageFile>
-		{
-			auto Found = Files.find(Name.ToString().ToStdString());
-			if (Found == Files.end()) // spelled otherwise, perhaps
-				Found = std::find_if(
-					Files.begin(), Files.end(), [Name](const auto& File) { return FName(FStringView(File.first)) == Name; });
-			if (Found == Files.end())
-				return std::nullopt;
-			FFile& File = Found->second;
-			const auto Read = [&File](std::string& Buffer, uint64 MaxBytes, std::size_t)
-			{
-				++File.NumReads;
-				Buffer = File.Text;
-				return File.Text.size() > MaxBytes ? EFileRead::TooLarge : File.Outcome;
-			};
-			return FPackageFile{
-				FString(Found->first + ".vasset"), &GetVassetPackageSource(), Read, FName(FStringView(Found->first))};
-		});
 }
 
-FPackageFiles::~FPackageFiles()
-{
-	UnloadAllLoadedPackages();
-	SetPackageLocator(nullptr);
-	SetLoadDiagnostics(nullptr);
-}
-
-FPackageFiles::FFile& FPackageFiles::Add(const std::string& PackageName, const std::string& Objects)
-{
-	FFile& File = Files[PackageName];
-	File.Text = R"({"varnel_package":1,"assets":[],"dependencies":[],"blueprint_index":[],"objects":[)" + Objects + "]}";
-	return File;
-}
-
-FPackageFiles::FFile& FPackageFiles::AddBlueprint(
+FPackageFixture::FFile& FPackageFixture::AddBlueprint(
 	const std::string& PackageName, const std::string& Parent, const std::string& Variables, const std::string& Others)
 {
-	const std::string Name = PackageName.substr(PackageName.rfind('/') + 1);
 	return Add(PackageName,
-		R"({"path":")" + Name + R"(","class":"/Script/Engine.Blueprint","properties":{"ParentClass":")" + Parent +
-			R"(","NewVariables":[)" + Variables + "]}}" + Others);
+		MakeObjectJson(
+			GetShortName(PackageName), "Blueprint", R"("ParentClass":")" + Parent + R"(","NewVariables":[)" + Variables + "]") +
+			Others);
 }
 
-std::string FPackageFiles::List(const UPackage* Package)
+std::string FPackageFixture::List(const UPackage* Package)
 {
 	TArray<UObject*> Objects;
 	GetObjectsWithOuter(Package, Objects, true);
@@ -126,7 +92,7 @@ std::string FPackageFiles::List(const UPackage* Package)
 	return Out;
 }
 
-int32 FPackageFiles::GetInt(const UObject* Object, const char* Property)
+int32 FPackageFixture::GetInt(const UObject* Object, const char* Property)
 {
 	const FProperty* const Found = Object ? Object->GetClass()->FindPropertyByName(Property) : nullptr;
 	const auto* const Number = CastField<FNumericProperty>(Found);

@@ -1,13 +1,10 @@
 #pragma once
 
 #include "CoreObject/Objects/ObjectPtr.h"
-#include "CoreObject/Packages/Loader.h"
 #include "CoreObject/Reflection/NativeClass.h"
 #include "CoreObject/Reflection/PropertyReader.h"
 #include "DiagnosticText.h"
-
-#include <gtest/gtest.h>
-#include <map>
+#include "Support/PackageFiles.h"
 
 /** A native class with a member of each sort that packages fill: a value, a reference, and a record of when PostLoad came. */
 class UTestNode : public UObject
@@ -37,22 +34,11 @@ bool ReadBody(IPackageReader& Reader, const FString& FileName, UPackage& Package
 /** Declares a type, links it and completes it. */
 void DeclareAlone(FPropertyReader& Reader, UStruct& Type, const FJsonRef& Declarations);
 
-/** Packages in memory, found by the loader as files. */
-class FPackageFiles : public testing::Test
+class FPackageFixture : public FPackageFiles
 {
 protected:
-	struct FFile
-	{
-		std::string Text;
-		EFileRead Outcome = EFileRead::Ok;
-		int32 NumReads = 0;
-	};
+	FPackageFixture();
 
-	FPackageFiles();
-	~FPackageFiles() override;
-
-	/** Adds the package with the given elements of its list of objects. */
-	FFile& Add(const std::string& PackageName, const std::string& Objects);
 	/** Adds a package with a Blueprint of the package's short name. */
 	FFile& AddBlueprint(const std::string& PackageName, const std::string& Parent, const std::string& Variables = "",
 		const std::string& Others = "");
@@ -61,7 +47,4 @@ protected:
 	static std::string List(const UPackage* Package);
 	/** The value of an int property wherever it is declared; -1 when the object has none. */
 	static int32 GetInt(const UObject* Object, const char* Property);
-
-	std::map<std::string, FFile> Files; // by long name
-	FDiagnosticSink Faults;
 };

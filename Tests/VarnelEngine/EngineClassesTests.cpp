@@ -402,8 +402,7 @@ TEST_F(EngineClasses, CountRowsAndCheckCellsOnlyForListeners)
 		{"/Game/NoRows.NoRows", 0, "/Game/NoRows:2:42: error: 'Rows' is an object, row name to row [property-type]\n"},
 		{"/Game/Actor.Actor", 1,
 			"/Game/Actor:2:13: error: 'RowStruct' of type object</Script/CoreObject.ScriptStruct> cannot refer to "
-			"/Script/Engine.Actor, "
-			"which is of class Class [bad-reference]\n"},
+			"/Script/Engine.Actor, which is of class Class [bad-reference]\n"},
 	};
 	TakeFaults();
 	for (const auto& Case : Cases)

@@ -37,8 +37,8 @@ protected:
 	{
 		for (const auto& Entry : Files::recursive_directory_iterator(Folder))
 			if (Entry.path().extension() == ".vasset")
-				FEngineFixture::Files[Root + "/" + Files::relative(Entry.path(), Folder).replace_extension().generic_string()] =
-					ReadFile(Entry.path());
+				FEngineFixture::Files[Root + "/" + Files::relative(Entry.path(), Folder).replace_extension().generic_string()]
+					.Text = ReadFile(Entry.path());
 	}
 };
 }

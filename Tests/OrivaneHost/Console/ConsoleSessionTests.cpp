@@ -48,9 +48,7 @@ TEST(ConsoleSession, ASearchThatIsGivenUpNeverWrites)
 	for (int32 Index = 0; Index < 200000; ++Index)
 		Entries += (Index ? "," : "") + (R"({"category":"Var","text":"Health)" + std::to_string(Index)) + "\"}";
 	FTestProject Project;
-	Project.File("Content/BP_Door.vasset",
-		R"({"varnel_package":1,"assets":[{"name":"BP_Door","class":"/Script/Engine.Blueprint"}],"blueprint_index":[)" + Entries +
-			R"(],"objects":[]})");
+	Project.Blueprint("/Game/BP_Door", Entries);
 	Project.File("Docs/Long.txt", std::string(100 * 1024 * 1024, '-'));
 	Project.Asset("/Game/E_Tide", "UserDefinedEnum").Set("Entries", R"([{"name": "Ebb"}])");
 	Project.Open();

@@ -30,11 +30,7 @@ TEST(PackageMemory, LoadsWhatAPathNames)
 {
 	FTestProject Project;
 	Describe(Project);
-	const struct
-	{
-		const char* Path;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<const char*, const char*> Cases[] = {
 		{"/Game/FX/NS_A", "FX/NS_A"},
 		{"/game/fx/ns_a.ns_a", "FX/NS_A"},
 		{"Content/FX/NS_A.vasset", "FX/NS_A"},
@@ -44,17 +40,17 @@ TEST(PackageMemory, LoadsWhatAPathNames)
 		{"/Game/FX/Fire", "FX/Fire"},
 		{"/Game/FX/Fire/", "FX/Fire/NS_B"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& [Path, Expected] : Cases)
 	{
 		PackageMemory::FLoaded Loaded;
 		FString Error;
-		EXPECT_TRUE(PackageMemory::Load(Case.Path, Loaded, Error)) << Case.Path << *Error;
-		EXPECT_EQ(InMemory(), Case.Expected) << Case.Path;
+		EXPECT_TRUE(PackageMemory::Load(Path, Loaded, Error)) << Path << *Error;
+		EXPECT_EQ(InMemory(), Expected) << Path;
 		EXPECT_EQ(PackageMemory::Num(), Loaded.NumPackages);
 		int32 NumUnloaded = 0;
-		EXPECT_TRUE(PackageMemory::Unload(Case.Path, NumUnloaded, Error));
+		EXPECT_TRUE(PackageMemory::Unload(Path, NumUnloaded, Error));
 		EXPECT_EQ(NumUnloaded, Loaded.NumPackages);
-		EXPECT_EQ(InMemory(), "") << Case.Path;
+		EXPECT_EQ(InMemory(), "") << Path;
 		EXPECT_EQ(PackageMemory::Num(), 0);
 	}
 }

@@ -1,5 +1,6 @@
 #include "Project/ProjectCheck.h"
 
+#include "Support/Golden.h"
 #include "Support/TestProject.h"
 
 namespace
@@ -26,15 +27,7 @@ TEST(ProjectCheck, NamesFaultsOfMaterials)
 	Project.MaterialInstance("/Game/MI_Self", "/Game/MI_Self");
 	Project.MaterialInstance("/Game/MI_Lost", "/Game/MI_Gone");
 	Project.Material("/Game/M_Odd").Scalar("A", "1e39").Scalar("a", "2").Scalar("Fine", "null").Vector("V", R"({"R": 1e999})");
-	EXPECT_EQ(Check(Project),
-		"M_Odd.vasset:1:258: error: the number is out of range for 'Value' of type float [property-range]\n"
-		"M_Odd.vasset:1:274: warning: the list has a parameter 'a' already; the first one counts [repeated-parameter]\n"
-		"M_Odd.vasset:1:376: error: the number is out of range for 'R' of type float [property-range]\n"
-		"MI_2.vasset: error: parents of a material instance lead back to it: /Game/MI_2.MI_2 -> /Game/MI_3.MI_3 -> "
-		"/Game/MI_2.MI_2 [parent-cycle]\n"
-		"MI_Lost.vasset:1:333: error: there is no object /Game/MI_Gone.MI_Gone [bad-reference]\n"
-		"MI_Self.vasset: error: parents of a material instance lead back to it: /Game/MI_Self.MI_Self -> "
-		"/Game/MI_Self.MI_Self [parent-cycle]\n");
+	ExpectGolden("Check/materials.txt", Check(Project));
 }
 
 TEST(ProjectCheck, NamesRingsThatCrossPackages)
@@ -60,17 +53,7 @@ TEST(ProjectCheck, NamesRingsThatCrossPackages)
 	Project.Asset("/Game/BB_B", "BlackboardData").Set("Parent", R"("/Game/BB_A.BB_A")");
 	Project.Asset("/Game/S_A", "UserDefinedStruct").Set("SuperStruct", R"("/Game/S_B.S_B")");
 	Project.Asset("/Game/S_B", "UserDefinedStruct").Set("SuperStruct", R"("/Game/S_A.S_A")");
-	EXPECT_EQ(Check(Project),
-		"BB_A.vasset: error: parents of a blackboard lead back to it: /Game/BB_A.BB_A -> /Game/BB_B.BB_B -> /Game/BB_A.BB_A "
-		"[parent-cycle]\n"
-		"BT_A.vasset: warning: trees that a behaviour tree runs lead back to it: /Game/BT_A.BT_A -> /Game/BT_B.BT_B -> "
-		"/Game/BT_C.BT_C -> /Game/BT_A.BT_A [subtree-cycle]\n"
-		"BT_Self.vasset: warning: trees that a behaviour tree runs lead back to it: /Game/BT_Self.BT_Self -> "
-		"/Game/BT_Self.BT_Self [subtree-cycle]\n"
-		"S_A.vasset:1:255: error: the parent /Game/S_B.S_B is left out: parents and values lead in a ring: /Game/S_A.S_A -> "
-		"/Game/S_B.S_B -> /Game/S_A.S_A [parent-cycle]\n"
-		"S_B.vasset:1:255: error: the parent /Game/S_A.S_A is left out: parents and values lead in a ring: /Game/S_A.S_A -> "
-		"/Game/S_B.S_B -> /Game/S_A.S_A [parent-cycle]\n");
+	ExpectGolden("Check/rings.txt", Check(Project));
 }
 
 TEST(ProjectCheck, NamesFaultsOfParticleSystems)
@@ -82,9 +65,5 @@ TEST(ProjectCheck, NamesFaultsOfParticleSystems)
 		.Handle("Away", R"("/Game/NS_Gone.NS_Gone:E")")
 		.UserParameter("User.A", "/Script/Test.Gone")
 		.UserParameter("user.a");
-	EXPECT_EQ(Check(Project),
-		"NS_Odd.vasset:1:328: error: there is no object 'NS_Odd:Gone' [bad-reference]\n"
-		"NS_Odd.vasset:1:372: error: there is no object /Game/NS_Gone.NS_Gone:E [bad-reference]\n"
-		"NS_Odd.vasset:1:447: error: there is no object '/Script/Test.Gone' [bad-reference]\n"
-		"NS_Odd.vasset:1:478: warning: the system has a user parameter 'user.a' already [repeated-parameter]\n");
+	ExpectGolden("Check/particle_systems.txt", Check(Project));
 }

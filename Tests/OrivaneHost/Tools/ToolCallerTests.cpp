@@ -10,9 +10,7 @@ namespace
 {
 void Describe(FTestProject& Project)
 {
-	Project.File("Content/BP_Door.vasset",
-		R"({"varnel_package":1,"assets":[{"name":"BP_Door","class":"/Script/Engine.Blueprint"}],)"
-		R"("blueprint_index":[{"category":"Var","text":"Health"}],"objects":[]})");
+	Project.Blueprint("/Game/BP_Door", R"({"category":"Var","text":"Health"})");
 	Project.Open();
 }
 
@@ -32,8 +30,7 @@ TEST(BlueprintCalls, OneThatNeverEndsIsAnsweredWithTheReasonAndHoldsNothingUp)
 	for (const char* Arguments : {R"({"term":""})", R"({"term":"","include_asset_families":["BLUEPRINT"]})"})
 		EXPECT_EQ(CallAndRender(Arguments, 20ms),
 			"Tool 'asset_search' did not complete within 1 s: a search of Blueprints never ends with an empty term; give a term, "
-			"or "
-			"list families without Blueprint in include_asset_families");
+			"or list families without Blueprint in include_asset_families");
 	EXPECT_EQ(CallAndRender(R"({"term":"","include_asset_families":["Text"]})", 30s).substr(0, 6), "Found ");
 	EXPECT_EQ(
 		CallAndRender(R"({"term":"Health"})", 30s), "Found 1 asset(s) matching 'Health' (mode: contains, case_sensitive: false)");

@@ -17,11 +17,7 @@ std::string RenderPaths(const TArray<FAssetData>& Assets)
 
 TEST(ClassLookup, NormalizesClassPaths)
 {
-	const struct
-	{
-		const char* In;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<const char*, const char*> Cases[] = {
 		{"Class'/Script/Engine.Actor'", "/Script/Engine.Actor"},
 		{"cLASS'/Script/Engine.Actor'", "/Script/Engine.Actor"},
 		{"/Script/Engine.Actor", "/Script/Engine.Actor"},
@@ -30,8 +26,8 @@ TEST(ClassLookup, NormalizesClassPaths)
 		{"Actor", ""},
 		{"", ""},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(OrivaneClassLookupUtils::NormalizeClassPath(Case.In).View(), Case.Expected) << Case.In;
+	for (const auto& [In, Expected] : Cases)
+		EXPECT_EQ(OrivaneClassLookupUtils::NormalizeClassPath(In).View(), Expected) << In;
 }
 
 TEST(ClassLookup, FindsBlueprintsByTheirNativeParentTag)
@@ -67,10 +63,7 @@ TEST(ClassLookup, FindsBlueprintsByTheirNativeParentTag)
 TEST(ClassLookup, LoadsUntaggedBlueprintsWhenAllowed)
 {
 	FTestProject Project;
-	Project.File("Content/BP_Untagged.vasset",
-		R"({"varnel_package": 1, "assets": [{"name": "BP_Untagged", "class": "/Script/Engine.Blueprint"}], "dependencies": [],
-			"blueprint_index": [], "objects": [{"path": "BP_Untagged", "class": "/Script/Engine.Blueprint",
-			"properties": {"ParentClass": "/Script/Engine.Character"}}]})");
+	Project.Asset("/Game/BP_Untagged", "Blueprint").Set("ParentClass", R"("/Script/Engine.Character")");
 	Project.Open();
 	TArray<FString> Paths;
 	EXPECT_EQ(OrivaneClassLookupUtils::FindBlueprintsByNativeParent("/Script/Engine.Pawn", Paths, true), 0);

@@ -46,10 +46,9 @@ TEST(BehaviorTreeFamily, FindsNodesAndWhatHangsOnThem)
 			{"depth first; a composite before the task beside it", "e",
 				"BT_Guard: NodeName Choose @BehaviorTree/Node; NodeClass BTComposite_Selector @BehaviorTree/Node; Service "
 				"BTService_Alarm @BehaviorTree/Service x2; Decorator BTDecorator_Seen @BehaviorTree/Decorator x2; NodeName "
-				"Sequence "
-				"@BehaviorTree/Node; NodeClass BTComposite_Sequence @BehaviorTree/Node; NodeName MoveTo @BehaviorTree/Node; "
-				"NodeClass BTTask_MoveTo @BehaviorTree/Node; MoveToKey EnemyActor @BehaviorTree/Node; NodeName Repose "
-				"@BehaviorTree/Node; NodeClass BTTask_RunBehavior @BehaviorTree/Node; NodeClass BTTask_RunNumber "
+				"Sequence @BehaviorTree/Node; NodeClass BTComposite_Sequence @BehaviorTree/Node; NodeName MoveTo "
+				"@BehaviorTree/Node; NodeClass BTTask_MoveTo @BehaviorTree/Node; MoveToKey EnemyActor @BehaviorTree/Node; "
+				"NodeName Repose @BehaviorTree/Node; NodeClass BTTask_RunBehavior @BehaviorTree/Node; NodeClass BTTask_RunNumber "
 				"@BehaviorTree/Node"},
 			{"goal of a move", "enemyactor", "BT_Guard: MoveToKey EnemyActor @BehaviorTree/Node"},
 			{"the tree that a task runs, beside that tree itself", "BT_Sub",
@@ -277,8 +276,8 @@ TEST(BehaviorTreeFamily, WalksOnBeyondTheHitCap)
 	FAssetSearchParams Params = MakeParams("BehaviorTree", "Same");
 	Params.MaxTotalHits = 3;
 	EXPECT_EQ(Render(Project.Search(Params)),
-		"BT_A: NodeName Same @BehaviorTree/Node x3; Service BTService_Same @BehaviorTree/Service x4; "
-		"Decorator BTDecorator_Same @BehaviorTree/Decorator x3")
+		"BT_A: NodeName Same @BehaviorTree/Node x3; Service BTService_Same @BehaviorTree/Service x4; Decorator BTDecorator_Same "
+		"@BehaviorTree/Decorator x3")
 		<< "only the services of a node end at the cap, which the first decorator reaches";
 }
 
@@ -303,9 +302,8 @@ TEST(BlackboardFamily, FindsParentAndKeys)
 			{"type of a key", "KeyType_Bool", "BB_Guard: KeyType BlackboardKeyType_Bool @Keys"},
 			{"key by key, an empty description never", "",
 				"BB_Base: KeyName Self @Keys x2; KeyDescription Who asks @Keys | BB_Guard: Parent BB_Base @Blackboard; KeyName "
-				"Enemy "
-				"@Keys; KeyDescription Whom we see @Keys; KeyType BlackboardKeyType_Object @Keys; KeyName Alarm @Keys; KeyType "
-				"BlackboardKeyType_Bool @Keys | BB_Lost: AssetName BB_Lost @Blackboard"},
+				"Enemy @Keys; KeyDescription Whom we see @Keys; KeyType BlackboardKeyType_Object @Keys; KeyName Alarm @Keys; "
+				"KeyType BlackboardKeyType_Bool @Keys | BB_Lost: AssetName BB_Lost @Blackboard"},
 			{"a parent that is not there", "BB_None", ""},
 		});
 }

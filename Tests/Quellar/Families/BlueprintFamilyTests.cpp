@@ -4,24 +4,14 @@
 
 namespace
 {
-/** Entries as in a package's "blueprint_index". Without a body: nothing of these Blueprints can be loaded. */
-void AddBlueprint(
-	FTestProject& Project, const std::string& Path, const std::string& Entries, const std::string& Class = "Blueprint")
-{
-	const std::string Name = Path.substr(Path.rfind('/') + 1);
-	Project.File("Content/" + Path + ".vasset",
-		R"({"varnel_package":1,"assets":[{"name":")" + Name + R"(","class":"/Script/Engine.)" + Class +
-			R"("}],"blueprint_index":[)" + Entries + R"(],"objects":7})");
-}
-
 /** Widgets as "Name Class". */
 void AddWidgetBlueprint(FTestProject& Project, const std::string& Path,
 	const std::vector<std::pair<std::string, std::string>>& Widgets, const std::vector<std::string>& Animations = {})
 {
-	const std::string Name = Path.substr(Path.rfind('/') + 1);
+	const std::string Name = GetShortName(Path);
 	std::string Objects;
 	const auto AddObject = [&](const std::string& Below, const std::string& Class)
-	{ Objects += R"(,{"path":")" + Name + ":" + Below + R"(","class":"/Script/Engine.)" + Class + R"(","properties":{}})"; };
+	{ Objects += "," + MakeObjectJson(Name + ":" + Below, Class, ""); };
 	AddObject("WidgetTree", "WidgetTree");
 	for (const auto& [Widget, Class] : Widgets)
 		AddObject("WidgetTree." + Widget, Class);
@@ -31,11 +21,8 @@ void AddWidgetBlueprint(FTestProject& Project, const std::string& Path,
 		AddObject(Animation, "WidgetAnimation");
 		List += ",\"" + Name + ":" + Animation + "\"";
 	}
-	Project.File("Content/" + Path + ".vasset",
-		R"({"varnel_package":1,"assets":[{"name":")" + Name +
-			R"(","class":"/Script/Engine.WidgetBlueprint"}],"blueprint_index":[],"objects":[{"path":")" + Name +
-			R"(","class":"/Script/Engine.WidgetBlueprint","properties":{"WidgetTree":")" + Name +
-			R"(:WidgetTree","Animations":[)" + List + "]}}" + Objects + "]}");
+	const std::string Properties = R"("WidgetTree":")" + Name + R"(:WidgetTree","Animations":[)" + List + "]";
+	Project.Objects("/Game/" + Path, "WidgetBlueprint", MakeObjectJson(Name, "WidgetBlueprint", Properties) + Objects);
 }
 
 constexpr const char* HealthEntries = R"(
@@ -49,8 +36,8 @@ constexpr const char* HealthEntries = R"(
 TEST(BlueprintFamily, ReportsEntriesWithWhatLeadsToThem)
 {
 	FTestProject Project;
-	AddBlueprint(Project, "AI/BP_Guard", HealthEntries);
-	AddBlueprint(Project, "UI/ABP_Guard", R"({"category":"Graph","text":"Health"})", "AnimBlueprint");
+	Project.Blueprint("/Game/AI/BP_Guard", HealthEntries);
+	Project.Blueprint("/Game/UI/ABP_Guard", R"({"category":"Graph","text":"Health"})", "AnimBlueprint");
 	const char* const Guard = "/Game/AI/BP_Guard: Blueprint /Game/AI/BP_Guard.BP_Guard; ";
 	const auto GuardHits = [&](const char* Hits) { return Guard + std::string(Hits); };
 	const TCase<FAssetSearchParams, std::string> Cases[] = {
@@ -99,7 +86,7 @@ TEST(BlueprintFamily, ReadsWidgetTrees)
 	AddWidgetBlueprint(Project, "Saved/WBP_Old", {{"HealthBar", "Image"}});
 	AddWidgetBlueprint(Project, "DevelopeRed/Sub/WBP_Try", {{"HealthBar", "Image"}});
 	AddWidgetBlueprint(Project, "Developed/WBP_Done", {{"HealthDone", "Image"}});
-	AddBlueprint(Project, "UI/WBP_Broken", "", "WidgetBlueprint");
+	Project.Package("/Game/UI/WBP_Broken", {.Assets = MakeAssetJson("WBP_Broken", "WidgetBlueprint"), .Objects = "}"});
 	const TCase<FAssetSearchParams> Cases[] = {
 		{"widgets, classes and animations; left-out folders by setting and by rule; one that does not load costs nothing",
 			{.Term = "health"},
@@ -129,12 +116,12 @@ TEST(BlueprintFamily, ReadsWidgetTrees)
 TEST(BlueprintFamily, ReportsNames)
 {
 	FTestProject Project;
-	AddBlueprint(Project, "A/BP_Lamp", "");
-	AddBlueprint(Project, "B/ABP_Lamp", "", "AnimBlueprint");
-	AddBlueprint(Project, "Saved/BP_LampOld", "");
-	AddBlueprint(Project, "__Trash__/Sub/BP_LampGone", "");
-	AddBlueprint(Project, "Intermediate/BP_LampStays", "");
-	AddBlueprint(Project, "A/BP_Door", R"({"category":"Var","text":"Lamp"})");
+	Project.Blueprint("/Game/A/BP_Lamp", "");
+	Project.Blueprint("/Game/B/ABP_Lamp", "", "AnimBlueprint");
+	Project.Blueprint("/Game/Saved/BP_LampOld", "");
+	Project.Blueprint("/Game/__Trash__/Sub/BP_LampGone", "");
+	Project.Blueprint("/Game/Intermediate/BP_LampStays", "");
+	Project.Blueprint("/Game/A/BP_Door", R"({"category":"Var","text":"Lamp"})");
 	AddWidgetBlueprint(Project, "A/WBP_LampPost", {{"Frame", "Border"}});
 	AddWidgetBlueprint(Project, "C/WBP_Lamp", {{"LampIcon", "Image"}});
 	Project.Header("/Game/C/DA_Lamp", "/Script/Engine.DataAsset");

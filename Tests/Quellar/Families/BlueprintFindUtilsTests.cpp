@@ -18,9 +18,7 @@ void AddBlueprint(FTestProject& Project, const std::string& Name, int32 NumVaria
 	std::string Entries;
 	for (int32 Index = 0; Index < NumVariables; ++Index)
 		Entries += (Index ? "," : "") + (R"({"category":"Var","text":"Health)" + std::to_string(Index)) + "\"}";
-	Project.File("Content/" + Name + ".vasset",
-		R"({"varnel_package":1,"assets":[{"name":")" + Name + R"(","class":"/Script/Engine.Blueprint"}],"blueprint_index":[)" +
-			Entries + R"(],"objects":[]})");
+	Project.Blueprint("/Game/" + Name, Entries);
 }
 
 /** Makes queries and keeps what came back, in order: the term, then the number of Blueprints. */

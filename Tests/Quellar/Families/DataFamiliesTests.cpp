@@ -54,10 +54,8 @@ TEST(StructFamily, FindsFieldsAndWhatTheStructureSays)
 			{"by class of the field", "arrayproperty", "S_Boss: PropertyType ArrayProperty @Properties"},
 			{"own fields first, then inherited ones", "e",
 				"S_Boss: SuperStruct S_Wave @Struct; PropertyName Arena_5_8825 @Properties; PropertyType ArrayProperty "
-				"@Properties; "
-				"PropertyType IntProperty @Properties | S_Wave: Tooltip Who walks out of the fog @Struct; PropertyType "
-				"IntProperty "
-				"@Properties"},
+				"@Properties; PropertyType IntProperty @Properties | S_Wave: Tooltip Who walks out of the fog @Struct; "
+				"PropertyType IntProperty @Properties"},
 		});
 }
 
@@ -199,8 +197,7 @@ TEST(DataAssetFamily, NamesInputAssets)
 				"IMC_Jump @MappingContext"},
 			{"kind before class", "i",
 				"DA_Jump: ClassName PrimaryDataAsset @Class | IA_Jump: InputAction IA_Jump @Action; ClassName InputAction @Class "
-				"| "
-				"IMC_Jump: InputMappingContext IMC_Jump @MappingContext; ClassName InputMappingContext @Class"},
+				"| IMC_Jump: InputMappingContext IMC_Jump @MappingContext; ClassName InputMappingContext @Class"},
 		});
 }
 

@@ -34,8 +34,7 @@ TEST(MaterialFamily, MatchesNamesAloneWithoutLoading)
 		{
 			{"every class of the family under one container", "M",
 				"M_NoBody: AssetName M_NoBody @Material | M_Wall: AssetName M_Wall @Material | MF_Edges: AssetName MF_Edges "
-				"@Material "
-				"| MI_Wet: AssetName MI_Wet @Material | MI_Quay: AssetName MI_Quay @Material"},
+				"@Material | MI_Wet: AssetName MI_Wet @Material | MI_Quay: AssetName MI_Quay @Material"},
 			{"no parameters", "Wetness", ""},
 			{"no folders", "Quay/", ""},
 		});
@@ -59,8 +58,7 @@ TEST(MaterialFamily, LoadsParentsAndParameters)
 				"MI_Wet: ScalarValue 0.25 @Material/Parameters | MI_Quay: ScalarValue 0.25 @Material/Parameters"},
 			{"a 32-bit 0.1 reads 0.1", "0.1",
 				"M_Wall: ScalarValue 0.1 @Material/Parameters | MI_Wet: ScalarValue 0.1 @Material/Parameters | MI_Quay: "
-				"ScalarValue "
-				"0.1 @Material/Parameters"},
+				"ScalarValue 0.1 @Material/Parameters"},
 			{"a value that cannot be read leaves the name", "Hidden",
 				"M_Wall: ScalarParameter Hidden @Material/Parameters | MI_Wet: ScalarParameter Hidden @Material/Parameters | "
 				"MI_Quay: ScalarParameter Hidden @Material/Parameters"},
@@ -149,11 +147,7 @@ TEST(MaterialFamily, StopsAtTheHitCap)
 	Project.MaterialInstance("/Game/M_C", "/Game/M_B_Wet");
 	Project.Open();
 	SetMode(1);
-	const struct
-	{
-		int32 MaxTotal;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<int32, const char*> Cases[] = {
 		{1, "M_A: ScalarParameter WetA @Material/Parameters"},
 		{3,
 			"M_A: ScalarParameter WetA @Material/Parameters; ScalarParameter WetB @Material/Parameters; VectorParameter WetC "
@@ -163,11 +157,11 @@ TEST(MaterialFamily, StopsAtTheHitCap)
 			"@Material/Parameters; TextureParameter WetD @Material/Parameters | M_B_Wet: ScalarParameter WetA "
 			"@Material/Parameters"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& [MaxTotal, Expected] : Cases)
 	{
 		FAssetSearchParams Params = MakeParams("Material", "Wet");
-		Params.MaxTotalHits = Case.MaxTotal;
-		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected) << Case.MaxTotal;
+		Params.MaxTotalHits = MaxTotal;
+		EXPECT_EQ(Render(Project.Search(Params)), Expected) << MaxTotal;
 	}
 	FAssetSearchParams Params = MakeParams("Material", "M_B");
 	Params.MaxTotalHits = 1;

@@ -145,22 +145,18 @@ TEST(NiagaraFamily, StopsAtTheHitCap)
 	Project.Open();
 	SetMode(1);
 	Load("/Game/FX/");
-	const struct
-	{
-		int32 MaxTotal;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<int32, const char*> Cases[] = {
 		{1, "NS_Sparks: EmitterName Glow @Niagara/Emitter"},
 		{2, "NS_Sparks: EmitterName Glow @Niagara/Emitter; RendererName GlowSprite @Niagara/Renderer"},
 		{4,
 			"NS_Sparks: EmitterName Glow @Niagara/Emitter; RendererName GlowSprite @Niagara/Renderer; RendererName GlowHalo "
 			"@Niagara/Renderer | NS_Then: EmitterName GlowThen @Niagara/Emitter"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& [MaxTotal, Expected] : Cases)
 	{
 		FAssetSearchParams Params = MakeParams("NiagaraSystem", "Glow");
-		Params.MaxTotalHits = Case.MaxTotal;
-		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected) << Case.MaxTotal;
+		Params.MaxTotalHits = MaxTotal;
+		EXPECT_EQ(Render(Project.Search(Params)), Expected) << MaxTotal;
 	}
 }
 

@@ -1,4 +1,3 @@
-#include "Project/Project.h"
 #include "Support/Seed.h"
 #include "Support/TestProject.h"
 
@@ -11,47 +10,18 @@ namespace
 constexpr const char* ObjectFamilies[] = {"BehaviorTree", "Blackboard", "Enum", "Struct", "DataAsset", "DataTable", "EnvQuery"};
 
 /** A project from the generator, with everything that designers do to assets in it. */
-class FRandomProject
+void MakeRandom(FTestProject& Project, uint32 Seed)
 {
-public:
-	explicit FRandomProject(uint32 Seed)
-	{
-		const std::string Command = std::string(MAKE_PROJECT) + " '" + Folder.GetRoot() +
-			"/P' --assets 500 --text-files 20 --seed " + std::to_string(Seed) +
-			" --families BehaviorTree,Blackboard,Enum,Struct,DataAsset,DataTable,EnvQuery,Blueprint > /dev/null 2>&1";
-		EXPECT_EQ(std::system(Command.c_str()), 0) << Command;
-		FDiagnosticSink Diagnostics;
-		FString Error;
-		FProjectOptions Options;
-		Options.Path = Folder.Path("P");
-		Options.Cache = ERegistryCache::Ignore;
-		EXPECT_TRUE(FProject::Open(Options, Diagnostics, Error)) << *Error;
-	}
+	const std::string Command = std::string(MAKE_PROJECT) + " '" + Project.GetFolder().GetRoot() +
+		"/P' --assets 500 --text-files 20 --seed " + std::to_string(Seed) +
+		" --families BehaviorTree,Blackboard,Enum,Struct,DataAsset,DataTable,EnvQuery,Blueprint > /dev/null 2>&1";
+	EXPECT_EQ(std::system(Command.c_str()), 0) << Command;
+	Project.OpenFolder("P");
+}
 
-	static FAssetSearchResult Search(const FAssetSearchParams& Params)
-	{
-		FAssetSearchResult Found;
-		int32 NumReports = 0;
-		UAssetSearchService::Get().AssetSearch(Params,
-			[&](const FAssetSearchResult& Result)
-			{
-				Found = Result;
-				++NumReports;
-			});
-		EXPECT_EQ(NumReports, 1);
-		return Found;
-	}
-
-private:
-	FScratchFolder Folder;
-	FHeadlessEngine Engine;
-};
-
-FAssetSearchParams MakeWideParams(const std::string& Family, FString Term)
+FAssetSearchParams MakeWideParams(const std::string& Family, const FString& Term)
 {
-	FAssetSearchParams Params;
-	Params.Term = std::move(Term);
-	Params.IncludeAssetFamilies = {Family};
+	FAssetSearchParams Params = MakeParams(Family, Term.ToStdString());
 	Params.MaxHitsPerKind = Params.MaxTotalHits = Params.MaxHitsPerAssetType = 1'000'000;
 	return Params;
 }
@@ -96,10 +66,10 @@ void ExpectSound(const FAssetSearchResult& Result, const FAssetSearchParams& Par
 }
 
 /** Parts of what the family can find, so that most searches find something. */
-std::vector<FString> PickTerms(const std::string& Family, std::mt19937& Random)
+std::vector<FString> PickTerms(FTestProject& Project, const std::string& Family, std::mt19937& Random)
 {
 	std::vector<FString> Terms = {"", "zzqqxx"};
-	const std::set<std::string> All = CollectHits(FRandomProject::Search(MakeWideParams(Family, "")));
+	const std::set<std::string> All = CollectHits(Project.Search(MakeWideParams(Family, "")));
 	EXPECT_GT(All.size(), 20u) << Family;
 	const std::vector<std::string> Hits(All.begin(), All.end());
 	for (int32 Left = 6; Left > 0 && !Hits.empty(); --Left)
@@ -117,30 +87,31 @@ TEST(ObjectFamilies, KeepTheirPromisesOnAnyProject)
 	for (uint32 Seed = GetSeed(11), End = Seed + 3; Seed != End; ++Seed)
 	{
 		SCOPED_TRACE("seed " + std::to_string(Seed));
-		const FRandomProject Project(Seed);
+		FTestProject Project;
+		MakeRandom(Project, Seed);
 		std::mt19937 Random(Seed);
 		for (const char* Family : ObjectFamilies)
 		{
-			for (const FString& Term : PickTerms(Family, Random))
+			for (const FString& Term : PickTerms(Project, Family, Random))
 			{
 				SCOPED_TRACE(std::string(Family) + " '" + *Term + "'");
 				const FAssetSearchParams Wide = MakeWideParams(Family, Term);
-				const FAssetSearchResult Found = FRandomProject::Search(Wide);
+				const FAssetSearchResult Found = Project.Search(Wide);
 				ExpectSound(Found, Wide);
-				EXPECT_EQ(Render(FRandomProject::Search(Wide)), Render(Found)) << "the same again";
+				EXPECT_EQ(Render(Project.Search(Wide)), Render(Found)) << "the same again";
 
 				FAssetSearchParams Tight = Wide;
 				Tight.MaxHitsPerKind = static_cast<int32>(Random() % 4);
 				Tight.MaxTotalHits = static_cast<int32>(1 + Random() % 30);
-				const FAssetSearchResult Capped = FRandomProject::Search(Tight);
+				const FAssetSearchResult Capped = Project.Search(Tight);
 				ExpectSound(Capped, Tight);
 				EXPECT_TRUE(IsPartOf(CollectHits(Capped), CollectHits(Found)));
 
 				FAssetSearchParams Strict = Wide;
 				Strict.bCaseSensitive = true;
-				EXPECT_TRUE(IsPartOf(CollectHits(FRandomProject::Search(Strict)), CollectHits(Found)));
+				EXPECT_TRUE(IsPartOf(CollectHits(Project.Search(Strict)), CollectHits(Found)));
 				Strict.bExact = true;
-				const FAssetSearchResult Exact = FRandomProject::Search(Strict);
+				const FAssetSearchResult Exact = Project.Search(Strict);
 				ExpectSound(Exact, Strict);
 				EXPECT_TRUE(IsPartOf(CollectHits(Exact), CollectHits(Found)));
 			}

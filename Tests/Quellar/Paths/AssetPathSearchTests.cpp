@@ -108,8 +108,7 @@ TEST(AssetPathSearch, SpellingsOfAFolderShareADirectory)
 	Project.Open();
 	EXPECT_EQ(Search({.Term = "W_", .MaxFileResults = 1, .MaxDirectoryBuckets = 2, .MaxFilesPerDirectory = 2}),
 		"5 hits; /Game/A: /Game/A/W_C.W_C; /Game/UI: /Game/UI/AW_0.AW_0 /Game/UI/W_A.W_A; files: /Game/A/W_C.W_C; "
-		"max_file_results "
-		"dir_bucket_cap files_per_dir_cap (directories too)")
+		"max_file_results dir_bucket_cap files_per_dir_cap (directories too)")
 		<< "also once no directory is added";
 	Project.GetFolder().Remove("Content/A");
 	Project.GetFolder().Remove("Content/UI/AW_0.vasset");

@@ -122,9 +122,7 @@ TEST(AssetSearchService, EachFamilySaysItsClass)
 	Project.Asset("/Game/X_MI", "MaterialInstanceConstant").Set("ScalarParameters", R"([{"Name": "X_", "Value": 1}])");
 	Project.Asset("/Game/X_M", "Material").Set("ScalarParameters", R"([{"Name": "X_", "Value": 1}])");
 	Project.File("a.txt", "X_");
-	Project.File("Content/Found.vasset",
-		R"({"varnel_package":1,"assets":[{"name":"Found","class":"/Script/Engine.AnimBlueprint"}],"blueprint_index":[)"
-		R"({"category":"Var","text":"X_Entry"}],"objects":[]})");
+	Project.Blueprint("/Game/Found", R"({"category":"Var","text":"X_Entry"})", "AnimBlueprint");
 	Project.Open();
 	LoadPackage("/Game/X_NiagaraSystem");
 	const struct
@@ -213,11 +211,7 @@ TEST(AssetSearchService, InvariantsHoldForAnyProject)
 
 TEST(AssetType, FollowsTheClassName)
 {
-	const struct
-	{
-		const char* ClassName;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<const char*, const char*> Cases[] = {
 		{"blueprint", "Blueprint"},
 		{"BlackboardData", "Blackboard"},
 		{"PrimaryDataAsset", "DataAsset"},
@@ -227,6 +221,6 @@ TEST(AssetType, FollowsTheClassName)
 		{"StaticMesh", "uasset"},
 		{"", "uasset"},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(AssetTypeFromClassName(Case.ClassName), FString(Case.Expected)) << Case.ClassName;
+	for (const auto& [ClassName, Expected] : Cases)
+		EXPECT_EQ(AssetTypeFromClassName(ClassName), FString(Expected)) << ClassName;
 }

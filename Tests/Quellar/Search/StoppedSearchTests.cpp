@@ -45,11 +45,7 @@ TEST(StoppedSearch, ReportsOnceAndFindsNothing)
 {
 	FTestProject Project;
 	Describe(Project);
-	const struct
-	{
-		const char* Family;
-		const char* Term;
-	} Cases[] = {
+	const std::pair<const char*, const char*> Cases[] = {
 		{"BehaviorTree", "BT_"},
 		{"Text", "Guard"},
 		{"Blueprint", "L_Map"},
@@ -60,18 +56,17 @@ TEST(StoppedSearch, ReportsOnceAndFindsNothing)
 		const FStopScope Scope(Source.get_token());
 		if (bStopped)
 			Source.request_stop();
-		for (const auto& Case : Cases)
+		for (const auto& [Family, Term] : Cases)
 		{
-			SCOPED_TRACE(Case.Family);
+			SCOPED_TRACE(Family);
 			int32 NumReports = 0;
 			int32 NumFound = 0;
-			FindAssetFamily(Case.Family)
-				->Search(MakeParams(Case.Family, Case.Term),
-					[&](const FAssetSearchResult& Found)
-					{
-						++NumReports;
-						NumFound = Found.Results.Num();
-					});
+			FindAssetFamily(Family)->Search(MakeParams(Family, Term),
+				[&](const FAssetSearchResult& Found)
+				{
+					++NumReports;
+					NumFound = Found.Results.Num();
+				});
 			EXPECT_TRUE(FGameThread::Get().RunUntil([&] { return NumReports > 0; }, std::chrono::seconds(60)));
 			EXPECT_EQ(NumReports, 1);
 			EXPECT_EQ(NumFound == 0, bStopped);

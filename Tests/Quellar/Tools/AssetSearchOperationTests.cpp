@@ -73,8 +73,7 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 			"max_total_hits=1\n"},
 		{"also one below 1, where another is in force",
 			R"({"term": "e", "include_asset_families": ["Text"], "max_hits_per_asset_type": 1, "max_total_hits": 0})",
-			"2 Found 1 asset(s) matching 'e' (mode: contains, case_sensitive: false)\n1 Results truncated at "
-			"max_total_hits=0\n"},
+			"2 Found 1 asset(s) matching 'e' (mode: contains, case_sensitive: false)\n1 Results truncated at max_total_hits=0\n"},
 		{"numbers as text, fractions are cut", R"({"term": "12", "max_total_hits": "1.9"})",
 			"2 Found 1 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
 			"max_total_hits=1\n"},

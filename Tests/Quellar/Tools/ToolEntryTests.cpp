@@ -98,9 +98,7 @@ void AddDoor(FTestProject& Project)
 	std::string Entries = R"({"category":"Var","text":"Health"})";
 	for (int32 Index = 0; Index < 200000; ++Index)
 		Entries += R"(,{"category":"Var","text":"Health)" + std::to_string(Index) + "\"}";
-	Project.File("Content/BP_Door.vasset",
-		R"({"varnel_package":1,"assets":[{"name":"BP_Door","class":"/Script/Engine.Blueprint"}],"blueprint_index":[)" + Entries +
-			R"(],"objects":[]})");
+	Project.Blueprint("/Game/BP_Door", Entries);
 	Project.File("Docs/Door.txt", "Health");
 	Project.Open();
 }

@@ -34,11 +34,9 @@ TEST(JsonReading, NamesThePlaceAndTheFault)
 		{"only a byte-order mark", "\xEF\xBB\xBF", "3 1:1 the text is empty; a JSON value is needed"},
 		{"only blanks", " \r\n ", "4 2:2 the text is empty; a JSON value is needed"},
 		{"lines and columns count from 1, columns in code points", "{\n\t\"ä€😀\": x}",
-			"16 2:9 "
-			"'x' is no JSON value; write true, false or null, and texts in double quotes"},
+			"16 2:9 'x' is no JSON value; write true, false or null, and texts in double quotes"},
 		{"the mark is no column but counts in the offset", "\xEF\xBB\xBF[x]",
-			"4 1:2 "
-			"'x' is no JSON value; write true, false or null, and texts in double quotes"},
+			"4 1:2 'x' is no JSON value; write true, false or null, and texts in double quotes"},
 		{"comma before the end of an array", "[1,\n]", "2 1:3 the ',' before the ']' must go"},
 		{"comma before the end of an object", "{\"a\":1,}", "6 1:7 the ',' before the '}' must go"},
 		{"comma alone", "[,]", "1 1:2 a value is missing before the ','"},
@@ -84,8 +82,7 @@ TEST(JsonReading, NamesThePlaceAndTheFault)
 		{"string whose last quote is escaped", "\"ab\\\"", "0 1:1 the string that starts here is not closed"},
 		{"string that ends in a backslash", "\"ab\\", "0 1:1 the string that starts here is not closed"},
 		{"line break in a string", "[\"ab\n\"]",
-			"4 1:5 the string is not closed before the end of its line; "
-			"close it, or write a line break as \\n"},
+			"4 1:5 the string is not closed before the end of its line; close it, or write a line break as \\n"},
 		{"control character", "[\"a\tb\"]", "3 1:4 the control character U+0009 in a string must be written as \\u0009"},
 		{"NUL in a string", std::string_view("\"a\0\"", 4),
 			"2 1:3 the control character U+0000 in a string must be written as \\u0000"},
@@ -106,7 +103,6 @@ TEST(JsonReading, TakesWhatIsJson)
 	const TCase<> Cases[] = {
 		{"scalar roots", " true ", "true"},
 		{"all blanks", "\t[ 1\r\n, null ]\n", "[1,null]"},
-		{"empty containers", "[{},[],\"\"]", "[{},[],\"\"]"},
 		{"key order stays, a repeated key has its last value in the first place", R"({"b":1,"a":2,"b":3})", R"({"b":3,"a":2})"},
 		{"keys differ by case", R"({"a":1,"A":2})", R"({"a":1,"A":2})"},
 		{"keys are equal once unescaped", R"({"a":1,"\u0061":2})", R"({"a":2})"},
@@ -127,7 +123,6 @@ TEST(JsonReading, TakesWhatIsJson)
 		{"lone surrogates become U+FFFD", R"(["\ud800","\udc00x","\ud800\ud83d\ude00","\ud800\n"])", R"(["�","�x","�😀","�\n"])"},
 		{"ill-formed bytes become U+FFFD", "[\"a\xFF\xC3\",\"\xE2\x82\"]", "[\"a��\",\"�\"]"},
 		{"byte-order mark", "\xEF\xBB\xBF{}", "{}"},
-		{"brackets and quotes in strings", R"(["{[\"]}:,",1])", R"(["{[\"]}:,",1])"},
 	};
 	for (const auto& Case : Traced(Cases))
 		EXPECT_EQ(Rewrite(Case.Given), Case.Expected);
@@ -295,11 +290,7 @@ TEST(JsonWriting, EscapesWhatMustBe)
 TEST(JsonWriting, WritesNumbersThatReadBack)
 {
 	constexpr double Infinity = std::numeric_limits<double>::infinity();
-	const struct
-	{
-		double Value;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<double, const char*> Cases[] = {
 		{200.0, "200"},
 		{-0.0, "0"},
 		{0.1, "0.1"},
@@ -312,11 +303,11 @@ TEST(JsonWriting, WritesNumbersThatReadBack)
 		{-Infinity, "-1.7976931348623157e+308"},
 		{std::nan(""), "null"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& [Value, Expected] : Cases)
 	{
 		std::string Out;
-		Json::AppendNumber(Out, Case.Value);
-		EXPECT_EQ(Out, Case.Expected);
+		Json::AppendNumber(Out, Value);
+		EXPECT_EQ(Out, Expected);
 	}
 }
 

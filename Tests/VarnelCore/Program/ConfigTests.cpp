@@ -111,19 +111,15 @@ TEST(Config, FindsTheLastValue)
 
 TEST(Diagnostics, PrintOnlyTheirParts)
 {
-	const struct
-	{
-		FDiagnostic Diagnostic;
-		const char* Expected;
-	} Cases[] = {
+	const std::pair<FDiagnostic, const char*> Cases[] = {
 		{{.File = "a.ini", .Line = 2, .Column = 3, .Text = "wrong", .Rule = "r"}, "a.ini:2:3: error: wrong [r]"},
 		{{.File = "a.ini", .Line = 2, .Severity = EDiagnosticSeverity::Warning, .Text = "odd", .Rule = "r"},
 			"a.ini:2: warning: odd [r]"},
 		{{.File = "a.ini", .Column = 3, .Text = "wrong", .Rule = "r"}, "a.ini: error: wrong [r]"},
 		{{.File = "", .Text = "wrong", .Rule = ""}, "error: wrong"},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_STREQ(*Case.Diagnostic.ToString(), Case.Expected);
+	for (const auto& [Diagnostic, Expected] : Cases)
+		EXPECT_STREQ(*Diagnostic.ToString(), Expected);
 }
 
 TEST(Diagnostics, SortTheSameWhateverTheOrder)

@@ -257,14 +257,10 @@ TEST(String, TrimsAndSplits)
 
 TEST(String, ReadsIntegersAtTheStart)
 {
-	const struct
-	{
-		const char* Text;
-		int32 Expected;
-	} Cases[] = {{"12", 12}, {"12 apples", 12}, {" -3x", -3}, {"+7", 7}, {"", 0}, {"x1", 0}, {"1e3", 1},
-		{"99999999999999999999", INT32_MAX}, {"-2147483649", INT32_MIN}};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(FString(Case.Text).ToInt(), Case.Expected) << Case.Text;
+	const std::pair<const char*, int32> Cases[] = {{"12", 12}, {"12 apples", 12}, {" -3x", -3}, {"+7", 7}, {"", 0}, {"x1", 0},
+		{"1e3", 1}, {"99999999999999999999", INT32_MAX}, {"-2147483649", INT32_MIN}};
+	for (const auto& [Text, Expected] : Cases)
+		EXPECT_EQ(FString(Text).ToInt(), Expected) << Text;
 }
 
 TEST(String, TrimsOneQuoteAtEachEnd)

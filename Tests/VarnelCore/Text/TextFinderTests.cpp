@@ -181,26 +181,22 @@ TEST(TextFinder, AgreesWithPlainSearchOnRandomTexts)
 
 TEST(TextFinder, FindsAtEveryPlaceAndAlignment)
 {
-	const struct
-	{
-		const char* Needle;
-		const char* Written;
-	} Cases[] = {{"q", "Q"}, {"Zebra", "zEBRA"}, {"task", "TA\u017F\u212A"}, {"жук", "ЖУК"},
+	const std::pair<const char*, const char*> Cases[] = {{"q", "Q"}, {"Zebra", "zEBRA"}, {"task", "TA\u017F\u212A"},
+		{"жук", "ЖУК"},
 		{"a needle that is longer than the widest of all the vectors, which is 64 bytes",
 			"A NEEDLE THAT IS LONGER THAN THE WIDEST OF ALL THE VECTORS, WHICH IS 64 BYTES"}};
-	for (const auto& Case : Cases)
+	for (const auto& [Needle, Written] : Cases)
 	{
 		for (const EVectorWidth Width : AllWidths)
 		{
-			const FTextFinder Finder(Case.Needle, ESearchCase::IgnoreCase, Width);
+			const FTextFinder Finder(Needle, ESearchCase::IgnoreCase, Width);
 			for (std::size_t Place = 0; Place < 200; ++Place)
 			{
-				const std::string Text = std::string(Place, '-') + Case.Written + std::string(Place % 7 * 31, '-');
+				const std::string Text = std::string(Place, '-') + Written + std::string(Place % 7 * 31, '-');
 				const FTightText Tight(Text, Place * 5 % 64);
-				ASSERT_EQ(Finder.Find(Tight.Get()), Place) << Case.Needle;
-				ASSERT_EQ(Finder.Find(Tight.Get(), Place + 1), NotFound) << Case.Needle;
-				ASSERT_EQ(Finder.Find(Tight.Get().substr(0, Place + std::string_view(Case.Written).size() - 1)), NotFound)
-					<< Case.Needle;
+				ASSERT_EQ(Finder.Find(Tight.Get()), Place) << Needle;
+				ASSERT_EQ(Finder.Find(Tight.Get(), Place + 1), NotFound) << Needle;
+				ASSERT_EQ(Finder.Find(Tight.Get().substr(0, Place + std::string_view(Written).size() - 1)), NotFound) << Needle;
 			}
 		}
 	}

@@ -18,7 +18,7 @@ std::string Repeat(const std::string& Text, int32 Count)
 	return Out;
 }
 
-class Loader : public FPackageFiles
+class Loader : public FPackageFixture
 {
 };
 }
@@ -103,7 +103,7 @@ TEST_F(Loader, TellsOfMissingPackagesAndObjectsOnce)
 		EXPECT_EQ(LoadObject<UObject>("/Game/Missing.Missing"), nullptr);
 		EXPECT_EQ(LoadObject<UObject>("/Game/A.Missing"), nullptr);
 	}
-	EXPECT_EQ(RenderFaults(Faults), "~ warning no-such-object\n~ warning no-such-package");
+	EXPECT_EQ(RenderFaults(*Faults), "~ warning no-such-object\n~ warning no-such-package");
 }
 
 TEST_F(Loader, PutsPackagesWithoutFilesAsTheyAre)
@@ -132,7 +132,7 @@ TEST_F(Loader, LoadsTheClassesThatObjectsNeed)
 	EXPECT_EQ(GetInt(Actor, "Height"), 40);
 	EXPECT_EQ(GetInt(Actor, "Depth"), 5);
 	EXPECT_EQ(GetInt(Actor, "Number"), 70);
-	EXPECT_EQ(RenderFaults(Faults), "~ warning no-such-package\n3:31 warning unknown-class");
+	EXPECT_EQ(RenderFaults(*Faults), "~ warning no-such-package\n3:31 warning unknown-class");
 }
 
 TEST_F(Loader, LoadsNothingForReferences)
@@ -154,7 +154,7 @@ TEST_F(Loader, EndsCyclesOfPackages)
 	AddBlueprint("/Game/BP_B", "/Script/Test.Node", IntVariable("OfB", 20), FriendOfA);
 	EXPECT_EQ(GetInt(LoadObject<UTestNode>("/Game/BP_A.Friend"), "OfB"), 20) << "each holds an object of the other's class";
 	EXPECT_EQ(GetInt(LoadObject<UTestNode>("/Game/BP_B.Friend"), "OfA"), 10);
-	EXPECT_EQ(RenderFaults(Faults), "");
+	EXPECT_EQ(RenderFaults(*Faults), "");
 
 	const FFile& X = AddBlueprint("/Game/BP_X", "/Game/BP_Y.BP_Y_C");
 	const FFile& Y = AddBlueprint("/Game/BP_Y", "/Game/BP_X.BP_X_C");
@@ -163,7 +163,7 @@ TEST_F(Loader, EndsCyclesOfPackages)
 	EXPECT_EQ(FindClass("/Game/BP_Y.BP_Y_C")->GetSuperClass(), UObject::StaticClass());
 	EXPECT_EQ(X.NumReads, 1);
 	EXPECT_EQ(Y.NumReads, 1);
-	EXPECT_EQ(RenderFaults(Faults), "1:161 error parent-cycle\n1:161 error parent-cycle");
+	EXPECT_EQ(RenderFaults(*Faults), "1:161 error parent-cycle\n1:161 error parent-cycle");
 }
 
 /** Every package needs the class of the next: the stack must hold, and where the line of parents is cut must not depend on the
@@ -191,7 +191,7 @@ TEST_F(Loader, LoadsLongChainsOfPackages)
 	for (int32 Index = 0; Index < NumPackages; Index += 7)
 		FromTheFirst.push_back(CountParents(Index));
 	EXPECT_EQ(*std::max_element(FromTheFirst.begin(), FromTheFirst.end()), MaxStructDepth);
-	EXPECT_NE(RenderFaults(Faults).find("error too-deep"), std::string::npos);
+	EXPECT_NE(RenderFaults(*Faults).find("error too-deep"), std::string::npos);
 
 	UnloadAllLoadedPackages();
 	std::vector<int32> FromTheLast;
@@ -220,7 +220,7 @@ TEST_F(Loader, FillsLongChainsOfPackages)
 		EXPECT_EQ(GetInt(Inner, "Own"), Index + 1);
 		EXPECT_TRUE(Inner && Inner->GetPackage()->IsFullyLoaded());
 	}
-	EXPECT_EQ(RenderFaults(Faults), "");
+	EXPECT_EQ(RenderFaults(*Faults), "");
 }
 
 TEST_F(Loader, UnloadsEverythingItLoaded)

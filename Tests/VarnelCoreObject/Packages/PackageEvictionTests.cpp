@@ -14,7 +14,7 @@ std::string NodeLinkedTo(const std::string& Name, const std::string& Target)
 	return R"({"path":")" + Name + R"(","class":"/Script/Test.Node","properties":{"Link":)" + Link + "}}";
 }
 
-class PackageEviction : public FPackageFiles
+class PackageEviction : public FPackageFixture
 {
 protected:
 	~PackageEviction() override { SetObjectMemoryLimit(0); }

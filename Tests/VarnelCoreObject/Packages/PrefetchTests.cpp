@@ -3,7 +3,7 @@
 
 namespace
 {
-class Prefetch : public FPackageFiles
+class Prefetch : public FPackageFixture
 {
 protected:
 	/** Packages "/Game/P0" to "/Game/P<Num - 1>": nodes of which some refer to others, Blueprints that need the next one's class,

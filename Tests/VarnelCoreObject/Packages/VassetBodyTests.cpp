@@ -34,7 +34,7 @@ UClass* GetAbstractNodeClass()
 	return Class;
 }
 
-class VassetBody : public FPackageFiles
+class VassetBody : public FPackageFixture
 {
 };
 }
@@ -64,7 +64,7 @@ TEST_F(VassetBody, ListsObjectsInFileOrder)
 		EXPECT_EQ(List(LoadPackage("/Game/P")), Case.Expected);
 		UnloadAllLoadedPackages();
 	}
-	EXPECT_EQ(RenderFaults(Faults), "");
+	EXPECT_EQ(RenderFaults(*Faults), "");
 }
 
 TEST_F(VassetBody, FillsObjectsOnceAllAreThere)
@@ -88,7 +88,7 @@ TEST_F(VassetBody, FillsObjectsOnceAllAreThere)
 	EXPECT_LT(0, A->PostLoadPlace);
 	EXPECT_LT(A->PostLoadPlace, B->PostLoadPlace);
 	EXPECT_LT(B->PostLoadPlace, Inner->PostLoadPlace);
-	EXPECT_EQ(RenderFaults(Faults), "");
+	EXPECT_EQ(RenderFaults(*Faults), "");
 }
 
 TEST_F(VassetBody, LeavesOutFaultyObjectsAlone)

@@ -67,7 +67,7 @@ void ExpectSane(const FPackageHeader& Header)
 	for (const FPackageHeader::FAsset& Asset : Header.Assets)
 	{
 		EXPECT_FALSE(Asset.Name.empty());
-		EXPECT_EQ(Asset.Name.find_first_of(std::string_view(".:/\\'\"\0\n", 8)), std::string_view::npos) << Asset.Name;
+		EXPECT_EQ(Asset.Name.find_first_of(std::string_view(".:/\\\"\0\n", 7)), std::string_view::npos) << Asset.Name;
 		EXPECT_TRUE(FTopLevelAssetPath(Asset.Class).IsValid()) << Asset.Class;
 		EXPECT_TRUE(Asset.Outer.empty() || FSoftObjectPath(Asset.Outer).IsValid()) << Asset.Outer;
 		EXPECT_LE(std::size_t{Asset.FirstTag} + Asset.NumTags, Header.Tags.size());
@@ -103,7 +103,7 @@ std::string Print(const FPackageHeader& Header)
 	return Out;
 }
 
-class VassetFuzz : public FPackageFiles
+class VassetFuzz : public FPackageFixture
 {
 protected:
 	/** The printed header, "-" for a file that is skipped. */

@@ -77,7 +77,7 @@ private:
 };
 
 /** Reads values into structures of the package /Game/Values. */
-class PropertyReading : public FPackageFiles
+class PropertyReading : public FPackageFixture
 {
 protected:
 	PropertyReading()
@@ -95,7 +95,7 @@ protected:
 	{
 		auto* const Struct = static_cast<UScriptStruct*>(NewObject(UScriptStruct::StaticClass(), Package, Name));
 		Document.Parse(Declarations, {.MaxDepth = Json::MaxPackageDepth, .StopBefore = {}});
-		FPropertyReader Reader(Package, Document, "test", &Faults);
+		FPropertyReader Reader(Package, Document, "test", Faults.get());
 		DeclareAlone(Reader, *Struct, Document.Root());
 		return *Struct;
 	}
@@ -244,7 +244,7 @@ TEST_F(PropertyReading, ReadsEachTypeFromItsJson)
 		EXPECT_EQ(Read(Instance, Struct, Text.GetText()), Text.Place(Case.Fault));
 		EXPECT_EQ(Instance.RenderMember("P"), Case.Value);
 	}
-	EXPECT_EQ(RenderFaults(Faults), "") << "of the declarations";
+	EXPECT_EQ(RenderFaults(*Faults), "") << "of the declarations";
 }
 
 TEST_F(PropertyReading, KeepsWhatWasThereWhereAValueDoesNotFit)
@@ -314,12 +314,13 @@ TEST_F(PropertyReading, MakesEnumerationsWithAMaximum)
 		R"([{"name":"A","display":"An A"},{"name":"B"},^1,{"name":^"a"},{"name":"E_X_max"},{"name":"C","display":^3},^{"display":"D"}])");
 	ASSERT_TRUE(Document.Parse(Text.GetText()));
 	std::string Entries;
-	for (const UEnum::FEntry& Entry : FPropertyReader(Package, Document, "test", &Faults).ReadEnumEntries(Document.Root(), "E_X"))
+	for (const UEnum::FEntry& Entry :
+		FPropertyReader(Package, Document, "test", Faults.get()).ReadEnumEntries(Document.Root(), "E_X"))
 		Entries += *(Entry.Name.ToString() + "=" + FString::FromInt(Entry.Value) + " '" + Entry.DisplayName.ToString() + "' ");
 	EXPECT_EQ(Entries, "E_X::A=0 'An A' E_X::B=1 'B' E_X::E_X_max=2 'E_X_max' E_X::C=3 'C' E_X::E_X_MAX=4 'E_X_MAX' ")
 		<< "the maximum follows, though an entry is called like it";
 	EXPECT_EQ(
-		RenderFaults(Faults), Text.Place("error declaration\nwarning repeated-entry\nerror declaration\nerror declaration"));
+		RenderFaults(*Faults), Text.Place("error declaration\nwarning repeated-entry\nerror declaration\nerror declaration"));
 }
 
 /** Random values for random types: nothing may crash or leak, what was read can be copied, and copies are identical. */

@@ -72,7 +72,7 @@ UClass* UTestNothing::StaticClass()
 }
 
 /** A package that goes with the test, and what the test puts there. */
-class Reflection : public FPackageFiles
+class Reflection : public FPackageFixture
 {
 protected:
 	Reflection()
@@ -272,7 +272,7 @@ TEST_F(Reflection, InheritsDefaultsThroughNativeAndDeclaredClasses)
 		Parsed.Parse(R"({"Extra":41,"Names":["a","b"],"Title":"declared","Pair":{"Key":"k"}})");
 		return Parsed;
 	}();
-	FPropertyReader Reader(Package, Document, "test", &Faults);
+	FPropertyReader Reader(Package, Document, "test", Faults.get());
 	Reader.ReadProperties(*Declared, Declared->GetDefaultObject(), Document.Root(), nullptr);
 
 	for (UClass* Class : {Declared, Child})
@@ -287,7 +287,7 @@ TEST_F(Reflection, InheritsDefaultsThroughNativeAndDeclaredClasses)
 		ASSERT_EQ(Names->Num(Names->ContainerPtrToValuePtr<void>(Object)), 2);
 	}
 	EXPECT_EQ(Make<UTestThing>(UTestThing::StaticClass(), "Plain")->Title, "untitled");
-	EXPECT_EQ(RenderFaults(Faults), "");
+	EXPECT_EQ(RenderFaults(*Faults), "");
 }
 
 TEST_F(Reflection, GivesStructuresTheirDeclaredDefaults)
@@ -295,7 +295,7 @@ TEST_F(Reflection, GivesStructuresTheirDeclaredDefaults)
 	FJsonDocument Document;
 	Document.Parse(
 		R"([{"name":"X","type":"int","default":7},{"name":"Y","type":"string","default":"why"},{"name":"Z","type":"int"}])");
-	FPropertyReader Reader(Package, Document, "test", &Faults);
+	FPropertyReader Reader(Package, Document, "test", Faults.get());
 	auto* const Point = Make<UScriptStruct>(UScriptStruct::StaticClass(), "Point");
 	auto* const Line =
 		MakeStruct("Line", {{"struct</Game/Reflection.Point>", "From"}, {"map<int,struct</Game/Reflection.Point>>", "Others"}});
@@ -536,13 +536,13 @@ TEST_F(Reflection, DestroysTypesThatReferToEachOther)
 	B->Link();
 	FJsonDocument Document;
 	Document.Parse(R"([{"Bs":[{"As":[[1,{"As":[{},{}]}]]}]}])");
-	FPropertyReader Reader(Package, Document, "test", &Faults);
+	FPropertyReader Reader(Package, Document, "test", Faults.get());
 	ASSERT_TRUE(A->ReadDefault(*A->FindOwnProperty("As"), Document.Root(), Reader));
 	const FObjectPtr WasA(A);
 	DestroyObjects({B, A, Types, nullptr});
 	EXPECT_EQ(WasA.Get(), nullptr);
 	EXPECT_EQ(FindPackage("/Game/Types"), nullptr);
-	EXPECT_EQ(RenderFaults(Faults), "");
+	EXPECT_EQ(RenderFaults(*Faults), "");
 }
 
 TEST_F(Reflection, LetsNativeClassesHaveTheirNames)

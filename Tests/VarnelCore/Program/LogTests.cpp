@@ -78,7 +78,7 @@ TEST(Log, AStuckOrClosedReaderBlocksNobody)
 	Log::Write(LogTest, ELogVerbosity::Warning, "dropped");
 	EXPECT_EQ(Pipe.Take().find_first_not_of('\n'), std::string::npos);
 	Log::Write(LogTest, ELogVerbosity::Warning, "heard again");
-	EXPECT_EQ(Pipe.Take(), "[LogTest] Warning: heard again\n");
+	EXPECT_EQ(Pipe.Take(), "\n[Log] Warning: 1 line(s) lost, nobody read them\n[LogTest] Warning: heard again\n");
 	Pipe.CloseReader();
 	Log::Write(LogTest, ELogVerbosity::Warning, "to nobody");
 	std::signal(SIGPIPE, OldAction);

@@ -1,6 +1,7 @@
 #include "Core/Program/Log.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <poll.h>
@@ -42,7 +43,8 @@ bool IsWritable()
 	return poll(&Descriptor, 1, 0) == 1 && (Descriptor.revents & POLLOUT) != 0;
 }
 
-void WriteToStandardError(FStringView Line)
+/** False when only a part of it, or nothing, could be written. */
+bool WriteToStandardError(FStringView Line)
 {
 	while (!Line.empty() && IsWritable())
 	{
@@ -50,14 +52,25 @@ void WriteToStandardError(FStringView Line)
 		if (Written >= 0)
 			Line.remove_prefix(static_cast<std::size_t>(Written));
 		else if (errno != EINTR)
-			return;
+			return false;
 	}
+	return Line.empty();
 }
+
+std::atomic<int64> NumLost = 0; // lines since the last one that came through
 }
 
 void Log::Write(const FLogCategory& Category, ELogVerbosity Verbosity, const FString& Text)
 {
 	std::string Line = std::string("[") + Category.Name + (Verbosity == ELogVerbosity::Error ? "] Error: " : "] Warning: ");
 	AppendEscaped(Line, Text);
-	WriteToStandardError(Line += '\n');
+	Line += '\n';
+	// The newline ends a line that was cut.
+	const int64 NumLostBefore = NumLost.exchange(0);
+	if (NumLostBefore > 0 &&
+		!WriteToStandardError(
+			FString::Printf("\n[Log] Warning: %lld line(s) lost, nobody read them\n", static_cast<long long>(NumLostBefore))))
+		NumLost += NumLostBefore + 1;
+	else if (!WriteToStandardError(Line))
+		++NumLost;
 }

@@ -19,8 +19,9 @@ struct FLogCategory
 namespace Log
 {
 /**
- * Writes "[Category] Verbosity: text" as one line to standard error. Never blocks: what a full pipe does not take is dropped, and
- * where nobody reads any more nothing happens, given that the process ignores SIGPIPE. Any thread.
+ * Writes "[Category] Verbosity: text" as one line to standard error. Never blocks: what a full pipe does not take is dropped and
+ * its number told once somebody reads again; where nobody does any more nothing happens, given that the process ignores SIGPIPE.
+ * Any thread.
  */
 void Write(const FLogCategory& Category, ELogVerbosity Verbosity, const FString& Text);
 }

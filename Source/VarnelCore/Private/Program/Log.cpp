@@ -1,15 +1,15 @@
 #include "Core/Program/Log.h"
 
+#include "Core/Files/WriteFile.h"
+
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
 #include <cstdlib>
 #include <deque>
 #include <mutex>
-#include <poll.h>
 #include <pthread.h>
 #include <string>
 #include <system_error>
@@ -70,27 +70,6 @@ std::string FormatLine(const char* Category, ELogVerbosity Verbosity, FStringVie
 	AppendEscaped(Line, CutToLimit(Text));
 	Line += '\n';
 	return Line;
-}
-
-void WaitUntilWritable()
-{
-	pollfd Descriptor{.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
-	poll(&Descriptor, 1, -1);
-}
-
-/** Blocks as long as it takes. A line that nobody can ever read is dropped in silence. */
-void WriteToStandardError(FStringView Line)
-{
-	while (!Line.empty())
-	{
-		const ssize_t Written = write(STDERR_FILENO, Line.data(), Line.size());
-		if (Written >= 0)
-			Line.remove_prefix(static_cast<std::size_t>(Written));
-		else if (errno == EAGAIN)
-			WaitUntilWritable();
-		else if (errno != EINTR)
-			return;
-	}
 }
 
 /** The queue between the threads that log and the one that writes. */
@@ -161,7 +140,7 @@ void FLogQueue::RunWriter()
 	sigfillset(&All);
 	pthread_sigmask(SIG_BLOCK, &All, nullptr);
 	for (;;)
-		WriteToStandardError(TakeLine());
+		WriteFile::All(STDERR_FILENO, TakeLine()); // a line that nobody can ever read is dropped in silence
 }
 
 /** The oldest line, headed by the number of those lost before it. */

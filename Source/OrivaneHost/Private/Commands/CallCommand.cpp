@@ -52,8 +52,9 @@ int PrintEnvelope(const Orivane::FToolResult& Result)
 
 int RunCall(const FCallArguments& Arguments)
 {
-	std::string ArgumentText = Arguments.ArgumentsJson.ToStdString();
-	if (ArgumentText == "-" && (ArgumentText.clear(), !ReadStandardInput(ArgumentText)))
+	const bool bFromInput = Arguments.ArgumentsJson.View() == "-";
+	std::string ArgumentText = bFromInput ? std::string() : Arguments.ArgumentsJson.ToStdString();
+	if (bFromInput && !ReadStandardInput(ArgumentText))
 		return EExitCode::WrongUse;
 
 	const FHeadlessEngine Engine;

@@ -1,6 +1,7 @@
 #include "Core/Program/Log.h"
 
 #include "Core/Files/WriteFile.h"
+#include "Core/Text/Unicode.h"
 
 #include <algorithm>
 #include <atomic>
@@ -54,20 +55,10 @@ void AppendEscaped(std::string& Out, FStringView Text)
 	}
 }
 
-FStringView CutToLimit(FStringView Text)
-{
-	if (Text.size() <= MaxTextBytes)
-		return Text;
-	std::size_t End = MaxTextBytes;
-	while (End > 0 && (static_cast<uint8>(Text[End]) & 0xC0) == 0x80)
-		--End;
-	return Text.substr(0, End);
-}
-
 std::string FormatLine(const char* Category, ELogVerbosity Verbosity, FStringView Text)
 {
 	std::string Line = std::string("[") + Category + "] " + VerbosityNames[static_cast<std::size_t>(Verbosity)] + ": ";
-	AppendEscaped(Line, CutToLimit(Text));
+	AppendEscaped(Line, Text.substr(0, Unicode::FloorToCodePoint(Text, MaxTextBytes)));
 	Line += '\n';
 	return Line;
 }

@@ -43,7 +43,7 @@ enum class EColumn : uint8
 	Ascending,	  // values, each above the one before
 	Ids,		  // rows of another kind
 	IdsOrNone,	  // these, or NoId
-	AscendingIds, //
+	AscendingIds, // ids, each above the one before
 	Ranges, // one element more than there are rows: where each row's part of another kind's rows begins, all in all every one
 	Starts, // the same with no empty part
 	FoldedStarts, // the same; left out where it equals TextStarts

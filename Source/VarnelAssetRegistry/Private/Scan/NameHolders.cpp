@@ -2,9 +2,26 @@
 
 #include "Core/Text/Unicode.h"
 #include "CoreObject/Objects/PackageName.h"
-#include "Image/SortTexts.h"
 
 #include <algorithm>
+#include <numeric>
+
+namespace
+{
+/** Numbers of the texts in ascending byte order; equal ones in ascending order of their numbers. */
+std::vector<uint32> SortTexts(const std::vector<std::string_view>& Texts)
+{
+	std::vector<uint32> Order(Texts.size());
+	std::iota(Order.begin(), Order.end(), 0u);
+	const auto IsBefore = [&Texts](uint32 A, uint32 B)
+	{
+		const int Compared = Texts[A].compare(Texts[B]);
+		return Compared != 0 ? Compared < 0 : A < B;
+	};
+	std::sort(Order.begin(), Order.end(), IsBefore);
+	return Order;
+}
+}
 
 void FNameHolders::Choose(const std::vector<uint32>& FilesToRead, FCacheComparison& InOutCached)
 {

@@ -1,6 +1,7 @@
 #include "BenchmarkProject.h"
 
 #include "Project/Project.h"
+#include "Project/ProjectRegistry.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -42,7 +43,7 @@ bool OpenBenchmarkProject()
 		std::fprintf(stderr, "error: %s\n", *Error);
 		return false;
 	}
-	const FAssetRegistry& Registry = FProject::GetRegistry();
+	const FAssetRegistry& Registry = GetProjectRegistry();
 	std::fprintf(stderr, "%s: %d packages, %lld links, image of %lld bytes\n", *Options.Path, Registry.NumPackages(),
 		static_cast<long long>(Registry.NumDependencies()), static_cast<long long>(Registry.GetImageBytes()));
 	return true;

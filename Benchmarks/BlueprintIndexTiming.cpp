@@ -230,10 +230,10 @@ int main(int NumArguments, char** Arguments)
 	FRegistryScanReport Report;
 	FFindInBlueprintSearchManager& Manager = FFindInBlueprintSearchManager::Get();
 	Options.Cache = ERegistryCache::Rebuild;
-	const double Build = MeasureMilliseconds([&] { Manager.CacheAllUnindexed(Module->Registry, Options, Report); });
+	const double Build = MeasureMilliseconds([&] { Module->Registry.Scan(Options, Report); });
 	const double Columns = 1000 * Report.BuildSeconds;
 	Options.Cache = ERegistryCache::Use;
-	const double Open = MeasureMilliseconds([&] { Manager.CacheAllUnindexed(Module->Registry, Options, Report); });
+	const double Open = MeasureMilliseconds([&] { Module->Registry.Scan(Options, Report); });
 
 	const FBlueprintIndexView Index = Manager.GetIndex();
 	const uint64 TextBytes = WriteEntries(Index, Folder / "entries.txt");

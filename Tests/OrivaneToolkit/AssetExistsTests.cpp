@@ -1,5 +1,6 @@
 #include "OrivaneToolkit/AssetOperationBase.h"
 
+#include "Core/Text/Name.h"
 #include "Support/TestProject.h"
 
 TEST(AssetExists, KnowsPackagesObjectsAndFiles)
@@ -19,12 +20,7 @@ TEST(AssetExists, KnowsPackagesObjectsAndFiles)
 	Project.Open();
 	const std::string Root = Project.GetFolder().GetRoot();
 
-	const struct
-	{
-		const char* Why;
-		std::string Path;
-		bool bExpected;
-	} Cases[] = {
+	const TCase<std::string, bool> Cases[] = {
 		{"a package, any case", "/game/ui/wbp_MENU", true},
 		{"an object path", "/Game/UI/WBP_Menu.wbp_menu", true},
 		{"another object of the package", "/Game/UI/WBP_Menu.Other", false},
@@ -61,11 +57,8 @@ TEST(AssetExists, KnowsPackagesObjectsAndFiles)
 		{"outside the project", "../" + Root.substr(Root.rfind('/') + 1) + "/LICENSE", false},
 		{"an absolute path of a text file", Root + "/LICENSE", false},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(FAssetOperationBase::AssetExists(Case.Path), Case.bExpected) << Case.Path;
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(FAssetOperationBase::AssetExists(Case.Given), Case.Expected) << Case.Given;
 }
 
 TEST(AssetExists, FollowsNoLinks)

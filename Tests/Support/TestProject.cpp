@@ -284,13 +284,10 @@ std::string Render(const FAssetSearchResult& Result)
 	return Text + (Result.bTruncated ? " (truncated)" : "");
 }
 
-void ExpectFound(FTestProject& Project, const std::string& Family, std::initializer_list<FSearchCase> Cases)
+void ExpectFound(FTestProject& Project, const std::string& Family, std::initializer_list<TCase<const char*, std::string>> Cases)
 {
-	for (const FSearchCase& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Render(Project.Search(Family, Case.Term)), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Render(Project.Search(Family, Case.Given)), Case.Expected);
 }
 
 std::string RenderAssets(const FAssetSearchResult& Result)

@@ -2,6 +2,7 @@
 
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Search/AssetSearchService.h"
+#include "Support/Cases.h"
 #include "Support/ScratchFolder.h"
 #include "Support/TestEffects.h"
 
@@ -130,14 +131,8 @@ FAssetSearchParams MakeParams(const std::string& Family, const std::string& Term
  * or at the end; package paths are cut to their last segment.
  */
 std::string Render(const FAssetSearchResult& Result);
-/** One question of a family, and the rendered answer. */
-struct FSearchCase
-{
-	const char* Why;
-	const char* Term;
-	std::string Expected;
-};
-void ExpectFound(FTestProject& Project, const std::string& Family, std::initializer_list<FSearchCase> Cases);
+/** Searches a family for the given terms; the answers are expected as Render writes them. */
+void ExpectFound(FTestProject& Project, const std::string& Family, std::initializer_list<TCase<const char*, std::string>> Cases);
 /** The assets alone, in order: "DT_Items DT_Weapons". */
 std::string RenderAssets(const FAssetSearchResult& Result);
 std::string Join(const TArray<FString>& Texts, const char* Separator = " ");

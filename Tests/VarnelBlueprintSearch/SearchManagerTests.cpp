@@ -1,5 +1,6 @@
 #include "BlueprintSearch/FindInBlueprintSearchManager.h"
 #include "IndexFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -25,6 +26,14 @@ private:
 	const IPackageSource& Inner;
 	const std::function<void()> OnRead;
 };
+
+/** As whoever opens a project does. */
+bool Scan(FIndexProject& Project, FRegistryScanOptions Options, FRegistryScanReport& Report)
+{
+	const FFindInBlueprintSearchManager::FIndexingRun Run(Options.Stop);
+	Options.Stop = Run.GetStopToken();
+	return Project.Registry.Scan(Options, Report);
+}
 }
 
 TEST(FindInBlueprintSearchManager, IndexesFilesChangedSinceTheCache)
@@ -34,11 +43,11 @@ TEST(FindInBlueprintSearchManager, IndexesFilesChangedSinceTheCache)
 	FRegistryScanReport Report;
 	Project.Package("A", "asset A /Script/Engine.Blueprint\nentry 0 Var|Old|\n");
 	Project.Package("B", "asset B /Script/Engine.Blueprint\nentry 0 Var|Same|\n");
-	EXPECT_TRUE(Manager.CacheAllUnindexed(Project.Registry, Project.MakeOptions(), Report));
+	EXPECT_TRUE(Scan(Project, Project.MakeOptions(), Report));
 	EXPECT_EQ(Report.NumParsed, 2);
 	Project.Package("A", "asset A /Script/Engine.Blueprint\nentry 0 Var|Renewed|\n");
 	EXPECT_EQ(Manager.GetIndex().FindTexts("renewed").size(), 0u);
-	EXPECT_TRUE(Manager.CacheAllUnindexed(Project.Registry, Project.MakeOptions(), Report));
+	EXPECT_TRUE(Scan(Project, Project.MakeOptions(), Report));
 	EXPECT_EQ(Report.NumParsed, 1);
 	EXPECT_EQ(Manager.GetIndex().FindTexts("renewed").size(), 1u);
 	EXPECT_FALSE(Manager.IsUnindexedCacheInProgress());
@@ -59,9 +68,8 @@ TEST(FindInBlueprintSearchManager, ARunCanBeCancelled)
 		bool bThroughManager;
 		bool bThroughOptions;
 	} Cases[] = {{"by the manager", true, false}, {"by whoever opens the project", false, true}, {"by nobody", false, false}};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		std::stop_source Stop;
 		const FObservedSource Source(Project.Source,
 			[&]
@@ -77,7 +85,7 @@ TEST(FindInBlueprintSearchManager, ARunCanBeCancelled)
 		Options.Stop = Stop.get_token();
 		FRegistryScanReport Report;
 		const bool bCancelled = Case.bThroughManager || Case.bThroughOptions;
-		EXPECT_EQ(Manager.CacheAllUnindexed(Project.Registry, Options, Report), !bCancelled);
+		EXPECT_EQ(Scan(Project, Options, Report), !bCancelled);
 		EXPECT_EQ(Manager.GetIndex().FindTexts("health").size(), bCancelled ? 1u : 2u) << "a cancelled run changes nothing";
 		EXPECT_FALSE(Manager.IsUnindexedCacheInProgress());
 	}

@@ -2,6 +2,8 @@
 
 #include "BlueprintSearch/FindInBlueprintSearchManager.h"
 #include "IndexFixture.h"
+#include "Support/Cases.h"
+#include "Support/Seed.h"
 
 #include <random>
 
@@ -65,12 +67,7 @@ TEST(StreamSearch, FindsEntriesWithTheirAncestors)
 	Project.Package("BP_Hidden", "asset BP_Hidden /Script/Engine.Blueprint filtered\nentry 0 Graph|Health|\n");
 	Project.Package("DA_None", "asset DA_None /Script/Engine.DataAsset\nentry 0 Graph|Health|\n");
 	Project.ScanAll();
-	const struct
-	{
-		const char* Why;
-		const char* Value;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"text and comment, any case; ancestors without a match lead there, siblings without one are left out", "health",
 			"WidgetBlueprint /Game/BP_A.BP_A{Graph Health} | Blueprint /Game/BP_Z.BP_Z{Var MaxHealth //Hit points; "
 			"Graph EventGraph{Node Set Health{Pin HEALTH}; Node Print //says the health}}"},
@@ -82,8 +79,8 @@ TEST(StreamSearch, FindsEntriesWithTheirAncestors)
 		{"nor is the Blueprint's own name", "BP_Z", ""},
 		{"nothing", "absent", ""},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(Render(Find(Case.Value)), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Render(Find(Case.Given)), Case.Expected);
 	EXPECT_EQ(Find("health", {.MinimumVersion = BlueprintIndexVersion}).Num(), 2);
 	EXPECT_EQ(Find("health", {.MinimumVersion = BlueprintIndexVersion + 1}).Num(), 0) << "a newer index is asked for";
 }
@@ -110,9 +107,7 @@ TEST(StreamSearch, ResultsOutliveSearchAndRescan)
 
 TEST(StreamSearch, CountsWhatLookingAtEveryEntryCounts)
 {
-	const unsigned Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	FIndexProject Project;
 	for (int32 Blueprint = 0; Blueprint < 40; ++Blueprint)
 	{

@@ -12,6 +12,10 @@
 #include "Engine/UserDefinedEnum.h"
 #include "Engine/UserDefinedStruct.h"
 #include "Engine/WidgetBlueprint.h"
+#include "Support/Cases.h"
+#include "Support/Golden.h"
+
+#include <set>
 
 namespace
 {
@@ -54,44 +58,19 @@ protected:
 
 TEST_F(EngineClasses, AreKnownByPathWithTheirParents)
 {
-	const struct
-	{
-		const char* Class;
-		const char* Parents; // nearest first, without Object
-	} Cases[] = {
-		{"WidgetBlueprint", "Blueprint"},
-		{"AnimBlueprint", "Blueprint"},
-		{"BTService", "BTAuxiliaryNode BTNode"},
-		{"BTDecorator_Blackboard", "BTDecorator BTAuxiliaryNode BTNode"},
-		{"BTComposite_Selector", "BTCompositeNode BTNode"},
-		{"BTTask_Wait", "BTTaskNode BTNode"},
-		{"InputAction", "DataAsset"},
-		{"InputMappingContext", "DataAsset"},
-		{"PrimaryDataAsset", "DataAsset"},
-		{"MaterialInstanceConstant", "MaterialInstance MaterialInterface"},
-		{"MaterialFunction", "MaterialFunctionInterface"},
-		{"Character", "Pawn Actor"},
-		{"SceneComponent", "ActorComponent"},
-		{"BlackboardKeyType_Rotator", "BlackboardKeyType"},
-		{"ListView", "Widget"},
-		{"World", ""},
-		{"Texture2D", ""},
-	};
-	for (const auto& Case : Cases)
-	{
-		const UClass* const Class = FindClass(FString("/Script/Engine.") + Case.Class);
-		ASSERT_TRUE(Class) << Case.Class;
-		std::string Parents;
-		for (const UClass* Parent = Class->GetSuperClass(); Parent != UObject::StaticClass(); Parent = Parent->GetSuperClass())
-			Parents += (Parents.empty() ? "" : " ") + Parent->GetName().ToStdString();
-		EXPECT_EQ(Parents, Case.Parents) << Case.Class;
-	}
-	int32 NumBefore = 0;
-	ForEachClass([&NumBefore](UClass&) { ++NumBefore; });
-	RegisterEngineClasses();
-	int32 NumAfter = 0;
-	ForEachClass([&NumAfter](UClass&) { ++NumAfter; });
-	EXPECT_EQ(NumAfter, NumBefore) << "registering again changes nothing";
+	RegisterEngineClasses(); // once more, which changes nothing
+	std::set<std::string> Classes;
+	ForEachClass(
+		[&Classes](UClass& Class)
+		{
+			EXPECT_EQ(FindClass(Class.GetPathName()), &Class) << *Class.GetPathName();
+			const FString Parent = Class.GetSuperClass() ? Class.GetSuperClass()->GetName() : FString("none");
+			EXPECT_TRUE(Classes.insert((Class.GetPathName() + ": " + Parent).ToStdString()).second) << *Class.GetPathName();
+		});
+	std::string Text;
+	for (const std::string& Class : Classes)
+		Text += Class + "\n";
+	ExpectGolden("Engine/classes.txt", Text);
 }
 
 TEST_F(EngineClasses, DisplayNodesByNameOrClass)
@@ -118,14 +97,14 @@ TEST_F(EngineClasses, DisplayNodesByNameOrClass)
 		{"nothing would be left", "/Script/Lantern.BT_", "", "BT_"},
 		{"no underscore", "/Script/Lantern.BTNoMark", "", "BTNoMark"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		Add("/Game/T",
 			R"({"path":"T","class":")" + std::string(Case.Class) + R"(","properties":{"NodeName":")" + Case.Name +
 				R"(","Description":"d"}})");
 		const auto* const Node = LoadObject<UBTNode>("/Game/T.T");
 		ASSERT_TRUE(Node) << Case.Class;
-		EXPECT_EQ(Node->GetNodeName(), Case.Displayed) << Case.Why;
+		EXPECT_EQ(Node->GetNodeName(), Case.Displayed);
 		EXPECT_EQ(Node->GetStaticDescription(), "d");
 		UnloadAllLoadedPackages();
 	}
@@ -208,12 +187,7 @@ TEST_F(EngineClasses, CombineMaterialParametersAlongTheirParents)
 	Instance("/Game/Loop2", R"("/Game/Loop1.Loop1")", R"({"Name":"A","Value":2},{"Name":"B","Value":2})");
 	Instance("/Game/OfLoop", R"("/Game/Loop2.Loop2")", R"({"Name":"C","Value":3})");
 	Instance("/Game/Self", R"("/Game/Self.Self")", R"({"Name":"A","Value":1})");
-	const struct
-	{
-		const char* Why;
-		const char* Path;
-		const char* Parameters;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"a material's own", "/Game/M.M", "Rough=0.5 Wet=1.0 Old=?"},
 		{"an override of null hides the value; what is added comes last", "/Game/Mid.Mid", "Rough=0.5 Wet=? Old=? Added=2.0"},
 		{"the nearest override counts", "/Game/Low.Low", "Rough=0.25 Wet=? Old=4.0 Added=2.0 Last=3.0"},
@@ -224,11 +198,11 @@ TEST_F(EngineClasses, CombineMaterialParametersAlongTheirParents)
 		{"", "/Game/Self.Self", "A=1.0"},
 		{"what derives from one of them has its parameters", "/Game/OfLoop.OfLoop", "A=2.0 B=2.0 C=3.0"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		const auto* const Material = LoadObject<UMaterialInterface>(Case.Path);
-		ASSERT_TRUE(Material) << Case.Path;
-		EXPECT_EQ(Scalars(*Material), Case.Parameters) << Case.Why;
+		const auto* const Material = LoadObject<UMaterialInterface>(Case.Given);
+		ASSERT_TRUE(Material) << Case.Given;
+		EXPECT_EQ(Scalars(*Material), Case.Expected);
 	}
 	TakeFaults();
 
@@ -351,12 +325,12 @@ TEST_F(EngineClasses, MakeClassesOfBlueprintsThatCannotHaveTheirParents)
 		{"packages that need each other's types", "/Game/BP_Held.BP_Held_C", "Actor", "S:struct</Game/S_Back.S_Back> After:int"},
 		{"", "/Game/S_Back.BP_Inner_C", "BP_Held_C", "S:struct</Game/S_Back.S_Back> After:int"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		const UClass* const Class = LoadObject<UClass>(Case.Path);
 		ASSERT_TRUE(Class) << Case.Path;
-		EXPECT_EQ(Class->GetSuperClass()->GetName(), Case.Parent) << Case.Why;
-		EXPECT_EQ(Fields(*Class), Case.Fields) << Case.Why;
+		EXPECT_EQ(Class->GetSuperClass()->GetName(), Case.Parent);
+		EXPECT_EQ(Fields(*Class), Case.Fields);
 	}
 	const std::string Told = TakeFaults();
 	for (const char* File : {"BP_A", "BP_B", "BP_Self", "BP_Lost", "BP_Meta", "BP_Maker", "BP_Kind"})

@@ -1,12 +1,6 @@
 #include "EngineFixture.h"
 
 #include "CoreObject/Declarations/ScriptModule.h"
-#include "Engine/BehaviorTree.h"
-#include "Engine/Blueprint.h"
-#include "Engine/DataTable.h"
-#include "Engine/Material.h"
-#include "Engine/UserDefinedStruct.h"
-#include "Engine/WidgetBlueprint.h"
 
 #include <filesystem>
 #include <fstream>
@@ -76,44 +70,4 @@ TEST_F(SampleProject, CanBeLoadedInAnyOrderAndAgain)
 			UnloadPackage(FindPackage(FName(FStringView(Name))));
 		UnloadAllLoadedPackages();
 	}
-}
-
-TEST_F(SampleProject, HoldsWhatItsFilesSay)
-{
-	const auto* const Tree = LoadObject<UBehaviorTree>("/Game/AI/BT_Guard.BT_Guard");
-	ASSERT_TRUE(Tree && Tree->RootNode.Get());
-	ASSERT_EQ(Tree->RootNode->Children.Num(), 3);
-	const FBTCompositeChild& Second = Tree->RootNode->Children[1];
-	ASSERT_TRUE(Second.ChildTask.Get());
-	EXPECT_EQ(Second.ChildTask->GetNodeName(), "Look around");
-	EXPECT_EQ(Second.Decorators[0]->GetClass()->GetName(), "BTDecorator_Blackboard");
-	const auto* const Run = Cast<UBTTask_RunBehavior>(Second.ChildTask.Get());
-	ASSERT_TRUE(Run);
-	EXPECT_EQ(FindPackage("/Game/AI/BT_Investigate"), nullptr) << "nobody has asked for it yet";
-	EXPECT_EQ(Run->BehaviorAsset->GetName(), "BT_Investigate");
-
-	const auto* const Wave = LoadObject<UUserDefinedStruct>("/Game/Data/Structs/S_BossWave.S_BossWave");
-	ASSERT_TRUE(Wave && Wave->GetSuperStruct());
-	EXPECT_EQ(Wave->GetSuperStruct()->GetName(), "S_SpawnWave");
-	EXPECT_EQ(Wave->GetOwnProperties()[1]->GetAuthoredName(), "Arena Fog");
-
-	UClass* const Character = LoadObject<UClass>("/Game/Characters/BP_FogWarden.BP_FogWarden_C");
-	ASSERT_TRUE(Character);
-	EXPECT_TRUE(Character->IsChildOf(FindClass("/Script/Engine.Character")));
-	EXPECT_TRUE(Character->IsChildOf(FindClass("/Game/Characters/BP_EnemyBase.BP_EnemyBase_C")));
-
-	const auto* const Widget = LoadObject<UWidgetBlueprint>("/Game/UI/WBP_HealthBar.WBP_HealthBar");
-	ASSERT_TRUE(Widget && Widget->WidgetTree.Get());
-	TArray<UWidget*> Widgets;
-	Widget->WidgetTree->GetAllWidgets(Widgets);
-	ASSERT_EQ(Widgets.Num(), 4);
-	EXPECT_EQ(Widgets[3]->GetName(), "HealthText");
-
-	const auto* const Quay = LoadObject<UMaterialInstance>("/Game/Materials/MI_Brick_Wet_Quay.MI_Brick_Wet_Quay");
-	ASSERT_TRUE(Quay);
-	float Roughness = 0;
-	EXPECT_TRUE(Quay->GetScalarParameterValue({"Roughness"}, Roughness));
-	EXPECT_GT(Roughness, 0);
-	EXPECT_EQ(
-		LoadObject<UDataTable>("/Game/Data/Tables/DT_WeaponUpgrades.DT_WeaponUpgrades")->RowStruct->GetName(), "S_WeaponUpgrade");
 }

@@ -1,12 +1,9 @@
 #include "OrivaneHost/Program.h"
 
 #include "Commands/Commands.h"
-#include "Core/Program/Log.h"
 #include "Core/Threads/StopToken.h"
-#include "Project/PackageMemory.h"
-#include "Project/Progress.h"
+#include "Terminal/ExitCode.h"
 #include "Terminal/LastResort.h"
-#include "Tools/ToolCaller.h"
 
 #include <cerrno>
 #include <clocale>
@@ -49,7 +46,6 @@ int RunCommandLine(int NumArguments, const char* const* Arguments)
 		Interrupt::Install(); // the protocol server has its own way to end
 	const FStopScope Scope(Interrupt::GetToken());
 	ExitCode = std::visit(FRunCommand(), *Command);
-	Log::Flush();
 	return Interrupt::IsRequested() ? EExitCode::Interrupted : CheckOutput(ExitCode);
 }
 }
@@ -65,47 +61,4 @@ int RunOrivane(int NumArguments, const char* const* Arguments)
 		LastResort::Print(Failure);
 		return EExitCode::WrongUse;
 	}
-}
-
-bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, bool bMentionFaults, int& OutExitCode)
-{
-	FScanProgress Progress;
-	FProjectOptions WithProgress = Options;
-	WithProgress.Progress = &Progress;
-	WithProgress.Stop = Interrupt::GetToken();
-	FString Error;
-	PackageMemory::FLoaded Preloaded;
-	bool bPreloaded = false;
-	{
-		const FProgressLine Line(Progress);
-		if (FProject::Open(WithProgress, Diagnostics, Error))
-			bPreloaded = PreloadPackages(WithProgress, Preloaded, Error);
-	}
-	if (!bPreloaded)
-	{
-		const char* What = FProject::IsOpen() ? "orivane: --preload: " : "orivane: cannot open the project: ";
-		Terminal::PrintError(FString(What) + Terminal::Sanitize(Error) + "\n");
-		OutExitCode = FProject::IsOpen() ? EExitCode::WrongUse : EExitCode::NoProject;
-		return false;
-	}
-	if (Preloaded.NumFailed > 0)
-		Terminal::PrintError(FString::Printf("orivane: --preload: %d of %d package(s) cannot be loaded; see: orivane check\n",
-			Preloaded.NumFailed, Preloaded.NumPackages));
-	if (bMentionFaults && Diagnostics.NumErrors() > 0)
-		Terminal::PrintError(
-			FString::Printf("orivane: %d fault(s) in project files, what they concern is left out; see: orivane check\n",
-				Diagnostics.NumErrors()));
-	return true;
-}
-
-int CallToolOfProject(const FProjectOptions& Project, std::chrono::milliseconds TimeLimit, const FString& Tool,
-	const FString& ArgumentsJson, const std::function<int(const Orivane::FToolResult&)>& Print)
-{
-	FDiagnosticSink Diagnostics;
-	int ExitCode = EExitCode::Found;
-	if (!OpenProjectForCommand(Project, Diagnostics, true, ExitCode))
-		return ExitCode;
-	const bool bAnswered =
-		CallToolAndWait(Tool, ArgumentsJson, TimeLimit, [&](const Orivane::FToolResult& Result) { ExitCode = Print(Result); });
-	return bAnswered ? ExitCode : EExitCode::Interrupted;
 }

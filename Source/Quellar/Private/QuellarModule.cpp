@@ -1,10 +1,10 @@
 #include "Quellar/QuellarModule.h"
 
 #include "Console/ExploreAssetGraphCommand.h"
-#include "Families/TextFamily.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/Families/BlueprintFindUtils.h"
+#include "Quellar/Families/TextSearch.h"
 #include "Quellar/Tools/ToolArguments.h"
 
 void FQuellarModule::StartupModule()

@@ -12,21 +12,18 @@ FBlueprintIndexView FFindInBlueprintSearchManager::GetIndex() const
 	return Module ? Module->Get().GetBlueprintIndex() : FBlueprintIndexView();
 }
 
-bool FFindInBlueprintSearchManager::CacheAllUnindexed(
-	FAssetRegistry& Registry, FRegistryScanOptions Options, FRegistryScanReport& OutReport)
+FFindInBlueprintSearchManager::FIndexingRun::FIndexingRun(std::stop_token Outer)
+	: RunGuard(Get().RunLock)
+	, PassOn(std::move(Outer), [this] { Source.request_stop(); })
 {
-	const std::lock_guard RunGuard(RunLock);
-	std::stop_source Source;
-	const std::stop_callback PassOn(Options.Stop, [&Source] { Source.request_stop(); });
-	Options.Stop = Source.get_token();
-	{
-		const std::lock_guard Guard(Lock);
-		Run = Source;
-	}
-	const bool bDone = Registry.Scan(Options, OutReport);
-	const std::lock_guard Guard(Lock);
-	Run.reset();
-	return bDone;
+	const std::lock_guard Guard(Get().Lock);
+	Get().Run = Source;
+}
+
+FFindInBlueprintSearchManager::FIndexingRun::~FIndexingRun()
+{
+	const std::lock_guard Guard(Get().Lock);
+	Get().Run.reset();
 }
 
 bool FFindInBlueprintSearchManager::IsUnindexedCacheInProgress() const

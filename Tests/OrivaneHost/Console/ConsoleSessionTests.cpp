@@ -54,26 +54,20 @@ TEST(ConsoleSession, ASearchThatIsGivenUpNeverWrites)
 	Project.File("Docs/Long.txt", std::string(100 * 1024 * 1024, '-'));
 	Project.Asset("/Game/E_Tide", "UserDefinedEnum").Set("Entries", R"([{"name": "Ebb"}])");
 	Project.Open();
-	const struct
-	{
-		const char* Why;
-		const char* Line;
-		const char* File;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"one that goes on in the background", "Orivane.BlueprintSearch term=Health", "Saved/Quellar/blueprint_search.json"},
 		{"one that never ends", "Orivane.BlueprintSearch term=", "Saved/Quellar/blueprint_search.json"},
 		{"one that holds the game thread", "Orivane.TextSearch term=absent", "Saved/Quellar/text_search.json"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		{
 			FConsoleSession Hasty(std::chrono::milliseconds(1));
-			EXPECT_EQ(Hasty.Run(Case.Line), 1);
+			EXPECT_EQ(Hasty.Run(Case.Given), 1);
 		}
 		FConsoleSession Patient(std::chrono::seconds(60));
 		EXPECT_EQ(Patient.Run("Orivane.EnumSearch term=Ebb"), 0);
 		FGameThread::Get().RunUntil([] { return false; }, std::chrono::milliseconds(150));
-		EXPECT_EQ(Project.GetFolder().Read(Case.File).size(), 0U) << "nor in the middle of a later command";
+		EXPECT_EQ(Project.GetFolder().Read(Case.Expected).size(), 0U) << "nor in the middle of a later command";
 	}
 }

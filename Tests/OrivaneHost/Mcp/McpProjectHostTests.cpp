@@ -5,6 +5,7 @@
 #include "Mcp/McpTools.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Project/HeadlessEngine.h"
+#include "Support/Cases.h"
 #include "Tools/TimeOutAdvice.h"
 
 #include <gtest/gtest.h>
@@ -238,12 +239,7 @@ TEST_F(McpProjectHost, ListsToolsThatClientsAccept)
 
 TEST(TimeOutAdvice, NamesTheSearchThatNeverEnds)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Arguments;
-		bool bExpected;
-	} Cases[] = {
+	const TCase<const char*, bool> Cases[] = {
 		{"all families", R"({"term":""})", true},
 		{"no families means all", R"({"term":"","include_asset_families":[]})", true},
 		{"nothing but no texts means all", R"({"term":"","include_asset_families":[null]})", true},
@@ -252,11 +248,10 @@ TEST(TimeOutAdvice, NamesTheSearchThatNeverEnds)
 		{"a term", R"({"term":"x"})", false},
 		{"no arguments to speak of", "[]", false},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		const FString Advice = ExplainTimeOut({"1", "asset_search", Case.Arguments});
-		EXPECT_EQ(Advice.Contains("never ends"), Case.bExpected) << *Advice;
+		const FString Advice = ExplainTimeOut({"1", "asset_search", Case.Given});
+		EXPECT_EQ(Advice.Contains("never ends"), Case.Expected) << *Advice;
 		EXPECT_FALSE(Advice.IsEmpty());
 	}
 }

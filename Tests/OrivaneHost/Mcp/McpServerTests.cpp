@@ -1,4 +1,5 @@
 #include "Mcp/McpSession.h"
+#include "Support/Cases.h"
 
 #include <thread>
 
@@ -34,12 +35,7 @@ std::string Progress(const std::string& Token, const std::string& Members)
 
 TEST(McpServer, RefusesWhatIsNoRequestAndLives)
 {
-	const struct
-	{
-		const char* Why;
-		std::string Line;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<std::string> Cases[] = {
 		{"no JSON", "not json", "-32700 null"},
 		{"half a message", R"({"jsonrpc":"2.0","id":1)", "-32700 null"},
 		{"two messages in a line", R"({"jsonrpc":"2.0","id":1,"method":"ping"} {})", "-32700 null"},
@@ -75,10 +71,9 @@ TEST(McpServer, RefusesWhatIsNoRequestAndLives)
 		{"broken UTF-8 in a text", "{\"jsonrpc\":\"2.0\",\"id\":\"\xFF\",\"method\":\"ping\"}", "\"\xEF\xBF\xBD\""},
 	};
 	FMcpSession Session;
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Outline(Session.Say(Case.Line)), Case.Expected);
+		EXPECT_EQ(Outline(Session.Say(Case.Given)), Case.Expected);
 		EXPECT_EQ(Outline(Session.Say(Legacy("99", "ping"))), "99");
 	}
 	EXPECT_TRUE(Session.Host->Calls.empty());
@@ -88,12 +83,7 @@ TEST(McpServer, RefusesWhatIsNoRequestAndLives)
 
 TEST(McpServer, AgreesOnALegacyVersion)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Asked;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"newest", "2025-11-25", "2025-11-25"},
 		{"older", "2025-06-18", "2025-06-18"},
 		{"with batches, which are refused all the same", "2025-03-26", "2025-03-26"},
@@ -102,11 +92,10 @@ TEST(McpServer, AgreesOnALegacyVersion)
 		{"the modern one has no handshake", "2026-07-28", "2025-11-25"},
 		{"no version at all", "", "2025-11-25"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FMcpSession Session;
-		const std::string Params = R"({"protocolVersion":")" + std::string(Case.Asked) + R"(","capabilities":{}})";
+		const std::string Params = R"({"protocolVersion":")" + std::string(Case.Given) + R"(","capabilities":{}})";
 		const auto Answer = nlohmann::json::parse(Session.Say(Legacy("1", "initialize", Params)))["result"];
 		EXPECT_EQ(Answer["protocolVersion"], Case.Expected);
 		EXPECT_EQ(Answer["capabilities"].dump(), R"({"tools":{}})");
@@ -121,12 +110,7 @@ TEST(McpServer, AgreesOnALegacyVersion)
 
 TEST(McpServer, SpeaksLegacy)
 {
-	const struct
-	{
-		const char* Why;
-		std::string Line;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<std::string, std::string> Cases[] = {
 		{"ping", Legacy("1", "ping"), R"({"jsonrpc":"2.0","id":1,"result":{}})"},
 		{"tools", Legacy("2", "tools/list"), Result("2", ToolList)},
 		{"tools, from the empty cursor on", Legacy("3", "tools/list", R"({"cursor":""})"), Result("3", ToolList)},
@@ -143,22 +127,14 @@ TEST(McpServer, SpeaksLegacy)
 	};
 	FMcpSession Session;
 	Session.ShakeHands();
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Session.Say(Case.Line), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Session.Say(Case.Given), Case.Expected);
 }
 
 TEST(McpServer, SpeaksModern)
 {
 	const std::string Cached = R"(,"ttlMs":300000,"cacheScope":"public")";
-	const struct
-	{
-		const char* Why;
-		std::string Line;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<std::string, std::string> Cases[] = {
 		{"tools", Modern("1", "tools/list"), Result("1", ServerMeta + std::string(",") + ToolList + Cached)},
 		{"a call", Modern("2", "tools/call", R"("name":"find","arguments":{"term":"x"})"),
 			Result("2", ServerMeta + std::string(",") + FoundOne)},
@@ -172,11 +148,10 @@ TEST(McpServer, SpeaksModern)
 				R"({"_meta":{"io.modelcontextprotocol/protocolVersion":"2025-11-25","io.modelcontextprotocol/clientCapabilities":{}}})"),
 			R"({"jsonrpc":"2.0","id":5,"error":{"code":-32022,"message":"protocol version 2025-11-25 is not supported","data":{"supported":["2026-07-28"],"requested":"2025-11-25"}}})"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FMcpSession Session; // each is the first message of its pipe
-		EXPECT_EQ(Session.Say(Case.Line), Case.Expected);
+		EXPECT_EQ(Session.Say(Case.Given), Case.Expected);
 	}
 
 	const char* Incomplete[] = {
@@ -227,12 +202,7 @@ TEST(McpServer, ServesBothErasOnOnePipe)
 
 TEST(McpServer, HandsArgumentsToTheToolAsTheyAre)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Params;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"missing", R"({"name":"slow"})", "{}"},
 		{"null", R"({"name":"slow","arguments":null})", "{}"},
 		{"empty", R"({"name":"slow","arguments":{}})", "{}"},
@@ -244,10 +214,9 @@ TEST(McpServer, HandsArgumentsToTheToolAsTheyAre)
 	FMcpSession Session;
 	Session.ShakeHands();
 	int Id = 0;
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Session.Say(Legacy(std::to_string(++Id), "tools/call", Case.Params)), "");
+		EXPECT_EQ(Session.Say(Legacy(std::to_string(++Id), "tools/call", Case.Given)), "");
 		ASSERT_FALSE(Session.Host->Calls.empty());
 		EXPECT_EQ(Session.Host->Calls.back().ArgumentsJson.ToStdString(), Case.Expected);
 	}
@@ -352,12 +321,7 @@ TEST(McpServer, ReportsProgress)
 TEST(McpServer, ReportsProgressOnlyToThoseWhoCanUseIt)
 {
 	constexpr auto Step = std::chrono::seconds(2);
-	const struct
-	{
-		const char* Why;
-		const char* Token;
-		bool bExpected;
-	} Cases[] = {
+	const TCase<const char*, bool> Cases[] = {
 		{"integer", "7", true},
 		{"zero", "0", true},
 		{"empty text", "\"\"", true},
@@ -365,13 +329,12 @@ TEST(McpServer, ReportsProgressOnlyToThoseWhoCanUseIt)
 		{"fraction", "1.5", false},
 		{"object", "{}", false},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FMcpSession Session;
 		Session.ShakeHands();
-		Session.Say(Legacy("1", "tools/call", R"({"name":"slow","_meta":{"progressToken":)" + std::string(Case.Token) + "}}"));
-		EXPECT_EQ(Session.Wait(Step), Case.bExpected ? Progress(Case.Token, R"("progress":1,"message":"working")") : "");
+		Session.Say(Legacy("1", "tools/call", R"({"name":"slow","_meta":{"progressToken":)" + std::string(Case.Given) + "}}"));
+		EXPECT_EQ(Session.Wait(Step), Case.Expected ? Progress(Case.Given, R"("progress":1,"message":"working")") : "");
 	}
 
 	FMcpSession Session;

@@ -1,4 +1,5 @@
 #include "Mcp/McpStdio.h"
+#include "Support/Cases.h"
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -66,12 +67,7 @@ public:
 
 TEST(LineSplitter, CutsLinesWhereverTheBytesAreCut)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Bytes;
-		std::vector<std::string> Expected;
-	} Cases[] = {
+	const TCase<const char*, std::vector<std::string>> Cases[] = {
 		{"plain", "one\ntwo\n", {"one", "two"}},
 		{"empty lines are none", "\n\none\n\n", {"one"}},
 		{"the last line may lack its break", "one\ntwo", {"one", "two"}},
@@ -81,10 +77,9 @@ TEST(LineSplitter, CutsLinesWhereverTheBytesAreCut)
 		{"too long and never ended", "123456789", {"!"}},
 		{"two that are too long", "123456789\n123456789\nok\n", {"!", "!", "ok"}},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		const std::string_view Bytes = Case.Bytes;
+		const std::string_view Bytes = Case.Given;
 		for (std::size_t ChunkSize = 1; ChunkSize <= Bytes.size(); ++ChunkSize)
 		{
 			FLineSplitter Splitter(8);
@@ -130,9 +125,8 @@ TEST(McpStdio, EndsWhenNobodyReads)
 		const char* Why;
 		bool bWrite;
 	} Cases[] = {{"nothing was to be said", false}, {"an answer cannot be written", true}};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FPipes Pipes;
 		FMcpStdio Stdio(Pipes.In[0], Pipes.Out[1]);
 		FPipes::Close(Pipes.Out[0]);

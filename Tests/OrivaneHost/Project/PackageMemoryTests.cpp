@@ -1,4 +1,5 @@
 #include "Project/PackageMemory.h"
+#include "Project/ProjectRegistry.h"
 
 #include "CoreObject/Objects/Object.h"
 #include "Support/TestProject.h"
@@ -9,7 +10,7 @@ namespace
 std::string InMemory()
 {
 	std::string Text;
-	for (const FName Package : FProject::ListPackages())
+	for (const FName Package : ListProjectPackages())
 		if (FindPackage(Package))
 			Text += (Text.empty() ? "" : " ") + Package.ToString().ToStdString().substr(6);
 	return Text;

@@ -1,3 +1,4 @@
+#include "Support/Seed.h"
 #include "Support/TestProject.h"
 
 #include <random>
@@ -215,8 +216,7 @@ private:
 
 TEST(BehaviorTreeFamily, CountsAsAWalkOverEveryWayDown)
 {
-	constexpr uint32 Seed = 5;
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed(5));
 	for (int32 Round = 0; Round < 40; ++Round)
 	{
 		SCOPED_TRACE("round " + std::to_string(Round));

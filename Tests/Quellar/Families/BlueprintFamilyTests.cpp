@@ -53,12 +53,7 @@ TEST(BlueprintFamily, ReportsEntriesWithWhatLeadsToThem)
 	AddBlueprint(Project, "UI/ABP_Guard", R"({"category":"Graph","text":"Health"})", "AnimBlueprint");
 	const char* const Guard = "/Game/AI/BP_Guard: Blueprint /Game/AI/BP_Guard.BP_Guard; ";
 	const auto GuardHits = [&](const char* Hits) { return Guard + std::string(Hits); };
-	const struct
-	{
-		const char* Why;
-		FAssetSearchParams Params;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<FAssetSearchParams, std::string> Cases[] = {
 		{"the same kind, name and container twice is one hit with a count; the container is the parent's text",
 			{.Term = "health", .PathContains = "/AI/"},
 			GuardHits("Var Health @/Game/AI/BP_Guard.BP_Guard; Var MaxHealth @/Game/AI/BP_Guard.BP_Guard; "
@@ -86,11 +81,10 @@ TEST(BlueprintFamily, ReportsEntriesWithWhatLeadsToThem)
 			"/Game/AI/BP_Guard: Blueprint /Game/AI/BP_Guard.BP_Guard"},
 		{"nothing", {.Term = "absent"}, ""},
 	};
-	for (auto Case : Cases)
+	for (auto Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		Case.Params.IncludeAssetFamilies = {"blueprint"};
-		EXPECT_EQ(Render(Project.Search(Case.Params)), Case.Expected);
+		Case.Given.IncludeAssetFamilies = {"blueprint"};
+		EXPECT_EQ(Render(Project.Search(Case.Given)), Case.Expected);
 	}
 	EXPECT_EQ(FindPackage("/Game/AI/BP_Guard"), nullptr) << "the index answers, nothing is loaded";
 }
@@ -106,12 +100,7 @@ TEST(BlueprintFamily, ReadsWidgetTrees)
 	AddWidgetBlueprint(Project, "DevelopeRed/Sub/WBP_Try", {{"HealthBar", "Image"}});
 	AddWidgetBlueprint(Project, "Developed/WBP_Done", {{"HealthDone", "Image"}});
 	AddBlueprint(Project, "UI/WBP_Broken", "", "WidgetBlueprint");
-	const struct
-	{
-		const char* Why;
-		FAssetSearchParams Params;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<FAssetSearchParams> Cases[] = {
 		{"widgets, classes and animations; left-out folders by setting and by rule; one that does not load costs nothing",
 			{.Term = "health"},
 			"WBP_Done: Widget HealthDone @WidgetTree | wbp_bar: Widget healthFill @WidgetTree | "
@@ -130,11 +119,10 @@ TEST(BlueprintFamily, ReadsWidgetTrees)
 			"WBP_Done: Widget HealthDone @WidgetTree | wbp_bar: Widget healthFill @WidgetTree | WBP_HUD: Widget HealthBar "
 			"@WidgetTree"},
 	};
-	for (auto Case : Cases)
+	for (auto Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		Case.Params.IncludeAssetFamilies = {"Blueprint"};
-		EXPECT_EQ(Render(Project.Search(Case.Params)), Case.Expected);
+		Case.Given.IncludeAssetFamilies = {"Blueprint"};
+		EXPECT_EQ(Render(Project.Search(Case.Given)), Case.Expected);
 	}
 }
 
@@ -150,12 +138,7 @@ TEST(BlueprintFamily, ReportsNames)
 	AddWidgetBlueprint(Project, "A/WBP_LampPost", {{"Frame", "Border"}});
 	AddWidgetBlueprint(Project, "C/WBP_Lamp", {{"LampIcon", "Image"}});
 	Project.Header("/Game/C/DA_Lamp", "/Script/Engine.DataAsset");
-	const struct
-	{
-		const char* Why;
-		FAssetSearchParams Params;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<FAssetSearchParams> Cases[] = {
 		{"of all three classes; settings leave nothing out here, but folders below generated ones are; beside the widget hits of "
 		 "the same asset",
 			{.Term = "lamp"},
@@ -170,11 +153,10 @@ TEST(BlueprintFamily, ReportsNames)
 			"/Game/A/BP_Door: Blueprint /Game/A/BP_Door.BP_Door; Var Lamp @/Game/A/BP_Door.BP_Door | "
 			"BP_Lamp: AssetName BP_Lamp (truncated)"},
 	};
-	for (auto Case : Cases)
+	for (auto Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		Case.Params.IncludeAssetFamilies = {"Blueprint"};
-		EXPECT_EQ(Render(Project.Search(Case.Params)), Case.Expected);
+		Case.Given.IncludeAssetFamilies = {"Blueprint"};
+		EXPECT_EQ(Render(Project.Search(Case.Given)), Case.Expected);
 	}
 	FAssetSearchParams Params{.Term = "lamp", .IncludeAssetFamilies = {"Blueprint"}, .MaxHitsPerAssetType = 2};
 	EXPECT_EQ(RenderAssets(Project.Search(Params)), "/Game/A/BP_Door WBP_Lamp (truncated)")

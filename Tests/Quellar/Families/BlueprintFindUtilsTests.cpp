@@ -3,6 +3,7 @@
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "Project/Project.h"
+#include "Support/Seed.h"
 #include "Support/TestProject.h"
 
 #include <random>
@@ -185,9 +186,7 @@ TEST(BlueprintFindUtils, GoesAwayInTheMiddleOfASearch)
 
 TEST(BlueprintFindUtils, TakesWhateverHappensMeanwhile)
 {
-	const unsigned Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	FTestProject Project;
 	AddBlueprint(Project, "BP_A", 20000);
 	for (int32 Index = 0; Index < 50; ++Index)

@@ -30,24 +30,15 @@ TEST(MaterialFamily, MatchesNamesAloneWithoutLoading)
 	Project.Header("/Game/Mat/M_NoBody", "/Script/Engine.Material");
 	Project.Header("/Game/Mat/MI_Plain", "/Script/Engine.MaterialInstance");
 	Project.Material("/Game/Saved/M_Backup");
-	const struct
-	{
-		const char* Why;
-		const char* Term;
-		const char* Expected;
-	} Cases[] = {
-		{"every class of the family under one container", "M",
-			"M_NoBody: AssetName M_NoBody @Material | M_Wall: AssetName M_Wall @Material | MF_Edges: AssetName MF_Edges "
-			"@Material "
-			"| MI_Wet: AssetName MI_Wet @Material | MI_Quay: AssetName MI_Quay @Material"},
-		{"no parameters", "Wetness", ""},
-		{"no folders", "Quay/", ""},
-	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Render(Project.Search("Material", Case.Term)), Case.Expected);
-	}
+	ExpectFound(Project, "Material",
+		{
+			{"every class of the family under one container", "M",
+				"M_NoBody: AssetName M_NoBody @Material | M_Wall: AssetName M_Wall @Material | MF_Edges: AssetName MF_Edges "
+				"@Material "
+				"| MI_Wet: AssetName MI_Wet @Material | MI_Quay: AssetName MI_Quay @Material"},
+			{"no parameters", "Wetness", ""},
+			{"no folders", "Quay/", ""},
+		});
 	EXPECT_EQ(FindPackage("/Game/Mat/M_Wall"), nullptr);
 }
 
@@ -57,40 +48,33 @@ TEST(MaterialFamily, LoadsParentsAndParameters)
 	Describe(Project);
 	Project.Open();
 	SetMode(1);
-	const struct
-	{
-		const char* Why;
-		const char* Term;
-		const char* Expected;
-	} Cases[] = {
-		{"a parameter is found in every instance; the parent's name comes first", "wet",
-			"M_Wall: ScalarParameter Wetness @Material/Parameters | MI_Wet: ScalarParameter Wetness @Material/Parameters | "
-			"MI_Quay: Parent MI_Wet @Material/Parent; ParentPath /Game/Mat/MI_Wet.MI_Wet @Material/Parent; ScalarParameter "
-			"Wetness @Material/Parameters"},
-		{"the value in force, which an instance may override", "2.0", "M_Wall: ScalarValue 2.0 @Material/Parameters"},
-		{"inherited values", "0.25",
-			"MI_Wet: ScalarValue 0.25 @Material/Parameters | MI_Quay: ScalarValue 0.25 @Material/Parameters"},
-		{"a 32-bit 0.1 reads 0.1", "0.1",
-			"M_Wall: ScalarValue 0.1 @Material/Parameters | MI_Wet: ScalarValue 0.1 @Material/Parameters | MI_Quay: ScalarValue "
-			"0.1 @Material/Parameters"},
-		{"a value that cannot be read leaves the name", "Hidden",
-			"M_Wall: ScalarParameter Hidden @Material/Parameters | MI_Wet: ScalarParameter Hidden @Material/Parameters | "
-			"MI_Quay: ScalarParameter Hidden @Material/Parameters"},
-		{"colours", "R=1.000 G=0.500 B=0.000 A=1.000",
-			"M_Wall: VectorValue R=1.000 G=0.500 B=0.000 A=1.000 @Material/Parameters | MI_Wet: VectorValue R=1.000 G=0.500 "
-			"B=0.000 A=1.000 @Material/Parameters | MI_Quay: VectorValue R=1.000 G=0.500 B=0.000 A=1.000 @Material/Parameters"},
-		{"textures by parameter", "BaseCol",
-			"M_Wall: TextureParameter BaseColour @Material/Parameters | MI_Wet: TextureParameter BaseColour "
-			"@Material/Parameters | MI_Quay: TextureParameter BaseColour @Material/Parameters"},
-		{"the parent's folder", "/Game/Mat/MI", "MI_Quay: ParentPath /Game/Mat/MI_Wet.MI_Wet @Material/Parent"},
-		{"a material's own name is no hit", "MI_Quay", ""},
-		{"a function's own name is", "MF_", "MF_Edges: AssetName MF_Edges @MaterialFunction"},
-	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Render(Project.Search("Material", Case.Term)), Case.Expected);
-	}
+	ExpectFound(Project, "Material",
+		{
+			{"a parameter is found in every instance; the parent's name comes first", "wet",
+				"M_Wall: ScalarParameter Wetness @Material/Parameters | MI_Wet: ScalarParameter Wetness @Material/Parameters | "
+				"MI_Quay: Parent MI_Wet @Material/Parent; ParentPath /Game/Mat/MI_Wet.MI_Wet @Material/Parent; ScalarParameter "
+				"Wetness @Material/Parameters"},
+			{"the value in force, which an instance may override", "2.0", "M_Wall: ScalarValue 2.0 @Material/Parameters"},
+			{"inherited values", "0.25",
+				"MI_Wet: ScalarValue 0.25 @Material/Parameters | MI_Quay: ScalarValue 0.25 @Material/Parameters"},
+			{"a 32-bit 0.1 reads 0.1", "0.1",
+				"M_Wall: ScalarValue 0.1 @Material/Parameters | MI_Wet: ScalarValue 0.1 @Material/Parameters | MI_Quay: "
+				"ScalarValue "
+				"0.1 @Material/Parameters"},
+			{"a value that cannot be read leaves the name", "Hidden",
+				"M_Wall: ScalarParameter Hidden @Material/Parameters | MI_Wet: ScalarParameter Hidden @Material/Parameters | "
+				"MI_Quay: ScalarParameter Hidden @Material/Parameters"},
+			{"colours", "R=1.000 G=0.500 B=0.000 A=1.000",
+				"M_Wall: VectorValue R=1.000 G=0.500 B=0.000 A=1.000 @Material/Parameters | MI_Wet: VectorValue R=1.000 G=0.500 "
+				"B=0.000 A=1.000 @Material/Parameters | MI_Quay: VectorValue R=1.000 G=0.500 B=0.000 A=1.000 "
+				"@Material/Parameters"},
+			{"textures by parameter", "BaseCol",
+				"M_Wall: TextureParameter BaseColour @Material/Parameters | MI_Wet: TextureParameter BaseColour "
+				"@Material/Parameters | MI_Quay: TextureParameter BaseColour @Material/Parameters"},
+			{"the parent's folder", "/Game/Mat/MI", "MI_Quay: ParentPath /Game/Mat/MI_Wet.MI_Wet @Material/Parent"},
+			{"a material's own name is no hit", "MI_Quay", ""},
+			{"a function's own name is", "MF_", "MF_Edges: AssetName MF_Edges @MaterialFunction"},
+		});
 }
 
 TEST(MaterialFamily, FindsWhatEachMaterialOfALongLineHas)
@@ -204,12 +188,7 @@ TEST(MaterialFamily, SurvivesWhatIsFaulty)
 			.Scalar("D" + std::to_string(Level) + "_", "1");
 	Project.Open();
 	SetMode(1);
-	const struct
-	{
-		const char* Why;
-		const char* Term;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"cycles, a parent that is gone, values out of range", "Old",
 			"M_5: ScalarParameter Old @Material/Parameters | MI_1: ScalarParameter Old @Material/Parameters | MI_3: "
 			"ScalarParameter Old @Material/Parameters | MI_4: ScalarParameter Old @Material/Parameters"},
@@ -220,10 +199,9 @@ TEST(MaterialFamily, SurvivesWhatIsFaulty)
 		{"the first of a repeated name", "3.0", "MI_3: ScalarValue 3.0 @Material/Parameters"},
 		{"", "4.0", ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		FAssetSearchParams Params = MakeParams("Material", Case.Term);
+		FAssetSearchParams Params = MakeParams("Material", Case.Given);
 		Params.bExact = true;
 		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected);
 	}

@@ -55,26 +55,17 @@ TEST(NiagaraFamily, ReadsSystemsInMemory)
 	EXPECT_EQ(FindPackage("/Game/FX/NS_Sparks"), nullptr);
 
 	Load("/Game/FX");
-	const struct
-	{
-		const char* Why;
-		const char* Term;
-		const char* Expected;
-	} Cases[] = {
-		{"everything, in order", "",
-			"NS_Sparks: EffectType ET_Fire @Niagara; EmitterName Glow @Niagara/Emitter; RendererName GlowSprite "
-			"@Niagara/Renderer; RendererType SpriteRenderer @Niagara/Renderer x2; RendererName GlowHalo @Niagara/Renderer; "
-			"EmitterName Lost @Niagara/Emitter; UserParamName User.Tint @Niagara/UserParameters; UserParamType Colour "
-			"@Niagara/UserParameters; UserParamName User.Rate @Niagara/UserParameters; UserParamType Invalid "
-			"@Niagara/UserParameters x2; UserParamName User.Target @Niagara/UserParameters"},
-		{"a type that is no class or structure", "invalid", "NS_Sparks: UserParamType Invalid @Niagara/UserParameters x2"},
-		{"the own name only when nothing else matched", "NS_", "NS_Sparks: AssetName NS_Sparks @Niagara"},
-	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Render(Project.Search("NiagaraSystem", Case.Term)), Case.Expected);
-	}
+	ExpectFound(Project, "NiagaraSystem",
+		{
+			{"everything, in order", "",
+				"NS_Sparks: EffectType ET_Fire @Niagara; EmitterName Glow @Niagara/Emitter; RendererName GlowSprite "
+				"@Niagara/Renderer; RendererType SpriteRenderer @Niagara/Renderer x2; RendererName GlowHalo @Niagara/Renderer; "
+				"EmitterName Lost @Niagara/Emitter; UserParamName User.Tint @Niagara/UserParameters; UserParamType Colour "
+				"@Niagara/UserParameters; UserParamName User.Rate @Niagara/UserParameters; UserParamType Invalid "
+				"@Niagara/UserParameters x2; UserParamName User.Target @Niagara/UserParameters"},
+			{"a type that is no class or structure", "invalid", "NS_Sparks: UserParamType Invalid @Niagara/UserParameters x2"},
+			{"the own name only when nothing else matched", "NS_", "NS_Sparks: AssetName NS_Sparks @Niagara"},
+		});
 	EXPECT_EQ(FindPackage("/Game/ET_Fire"), nullptr) << "reading a system loads nothing";
 	SetMode(2);
 	EXPECT_EQ(Render(Project.Search("NiagaraSystem", "")), "");
@@ -107,9 +98,8 @@ TEST(NiagaraFamily, ResolvesReferencesByTheRegistryWhateverIsInMemory)
 		{"an object in the system's own package", "NS_Asks:Inner", "Invalid", "Inner"},
 		{"no object in the system's own package", "NS_Asks:Gone", "Invalid", ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FTestProject Project;
 		Describe(Project);
 		Project.Asset("/Game/Types/BP_Lamp", "Blueprint").Set("ParentClass", R"("/Script/Engine.DataAsset")");
@@ -187,12 +177,7 @@ TEST(NiagaraFamily, CountsSharedEmittersAsIfEachWereRead)
 	Load("/Game/NS_Shared");
 	const std::string First = "NS_Shared: EmitterName GlowA @Niagara/Emitter; RendererName GlowSprite @Niagara/Renderer";
 	const std::string Halo = "; RendererName GlowHalo @Niagara/Renderer";
-	const struct
-	{
-		const char* Why;
-		int32 MaxTotal;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<int32, std::string> Cases[] = {
 		{"reached by a renderer", 2, First},
 		{"reached when the first emitter has been read", 3, First + Halo},
 		{"reached by the second handle, which then reads one renderer", 4,
@@ -204,11 +189,11 @@ TEST(NiagaraFamily, CountsSharedEmittersAsIfEachWereRead)
 				" x4; EmitterName GlowB @Niagara/Emitter; EmitterName GlowNone @Niagara/Emitter; EmitterName GlowC "
 				"@Niagara/Emitter; EmitterName GlowD @Niagara/Emitter"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		FAssetSearchParams Params = MakeParams("NiagaraSystem", "Glow");
-		Params.MaxTotalHits = Case.MaxTotal;
-		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected) << Case.Why;
+		Params.MaxTotalHits = Case.Given;
+		EXPECT_EQ(Render(Project.Search(Params)), Case.Expected);
 	}
 }
 

@@ -1,4 +1,5 @@
 #include "Project/Project.h"
+#include "Support/Seed.h"
 #include "Support/TestProject.h"
 
 #include <cstdlib>
@@ -113,7 +114,7 @@ std::vector<FString> PickTerms(const std::string& Family, std::mt19937& Random)
 
 TEST(ObjectFamilies, KeepTheirPromisesOnAnyProject)
 {
-	for (const uint32 Seed : {11u, 12u, 13u})
+	for (uint32 Seed = GetSeed(11), End = Seed + 3; Seed != End; ++Seed)
 	{
 		SCOPED_TRACE("seed " + std::to_string(Seed));
 		const FRandomProject Project(Seed);

@@ -1,4 +1,4 @@
-#include "Families/TextFamily.h"
+#include "Quellar/Families/TextSearch.h"
 
 #include "Support/TestProject.h"
 
@@ -55,9 +55,8 @@ TEST(TextFamily, FindsFilesByContent)
 		{"Cyrillic, upper-case term", "\xD0\x97\xD0\x94\xD0\x9E\xD0\xA0\xD0\x9E\xD0\x92\xD0\xAC\xD0\x95", false, false,
 			"Docs/cyrillic.md"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FAssetSearchParams Params = MakeParams(Case.Term);
 		Params.bExact = Case.bExact;
 		Params.bCaseSensitive = Case.bCaseSensitive;

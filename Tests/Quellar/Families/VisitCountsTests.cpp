@@ -1,4 +1,5 @@
 #include "Families/VisitCounts.h"
+#include "Support/Seed.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -66,8 +67,7 @@ FEdges MakeRandomGraph(std::mt19937& Random)
 
 TEST(VisitCounts, EqualThoseOfAWalk)
 {
-	constexpr uint32 Seed = 71;
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed(71));
 	for (int32 Round = 0; Round < 2000; ++Round)
 	{
 		SCOPED_TRACE("round " + std::to_string(Round));

@@ -78,12 +78,7 @@ TEST(AssetGraphService, WalksWithinItsLimits)
 	Project.Links("/Game/Half", {"Half Blueprint filtered", "Other DataTable"}, {});
 	Project.Open();
 
-	const struct
-	{
-		const char* Why;
-		FExploreAssetGraphParams Params;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<FExploreAssetGraphParams> Cases[] = {
 		{"newest first; script packages and missing ones drop out", {.AssetPath = "/Game/Root"}, "C! B! A"},
 		{"depth below one walks one level", {.AssetPath = "/Game/Root", .Depth = 0}, "C! B! A"},
 		{"two levels: shared ones under each parent until they are dequeued; neither the root nor itself comes back",
@@ -114,11 +109,8 @@ TEST(AssetGraphService, WalksWithinItsLimits)
 		{"the file of a package", {.AssetPath = "Content/Above.vasset"}, "Hub"},
 		{"an unknown package has no neighbours", {.AssetPath = "/Game/Nowhere", .Depth = 2}, ""},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(RenderGraph(Explore(Case.Params)), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(RenderGraph(Explore(Case.Given)), Case.Expected);
 
 	const FExploreAssetGraphResult Both =
 		Explore({.Direction = EDirection::Both, .AssetPath = "/Game/A.A", .Depth = 2, .bHighSignalOnly = false});
@@ -164,9 +156,8 @@ TEST(AssetGraphService, NormalizesPaths)
 		{"out of the content folder", "Content/../../x.vasset", nullptr},
 		{"no package's file", "Docs/Notes.md", nullptr},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(std::string(Case.Why) + ": " + Case.Path);
 		FName Package = "untouched";
 		EXPECT_EQ(AssetPathUtils::NormalizeToPackageName(Case.Path, Package), Case.Expected != nullptr);
 		EXPECT_EQ(Package.View(), Case.Expected ? Case.Expected : "untouched");

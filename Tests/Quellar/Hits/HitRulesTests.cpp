@@ -1,4 +1,5 @@
 #include "Quellar/Hits/AssetSearchTypes.h"
+#include "Support/Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -30,9 +31,8 @@ TEST(HitRules, MatchesTheTerm)
 			"e",
 			false},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FAssetSearchParams Params;
 		Params.Term = Case.Term;
 		Params.bExact = Case.bExact;
@@ -116,9 +116,8 @@ TEST(HitRules, CapsPerKindAndInTotal)
 		{"a cap of zero acts as one", 10, 0, 1, 1, false},
 		{"a negative cap acts as one", -5, 200, 0, 1, true},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FAssetSearchParams Params;
 		Params.MaxHitsPerKind = Case.MaxPerKind;
 		Params.MaxTotalHits = Case.MaxTotal;

@@ -50,16 +50,11 @@ TEST(AssetPathSearch, FindsAndGroups)
 	const std::string Menu = "/Game/UI/W_Menu.Icon /Game/UI/W_Menu.W_Menu";
 	const std::string Blueprints = "3 hits; /Game: /Game/BP_Menu.BP_Menu; /Game/UI: /Game/UI/W_Map.W_Map /Game/UI/W_Menu.W_Menu; "
 								   "files: /Game/BP_Menu.BP_Menu /Game/UI/W_Map.W_Map /Game/UI/W_Menu.W_Menu";
-	const struct
-	{
-		const char* Why;
-		FAssetPathSearchParams Params;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<FAssetPathSearchParams, std::string> Cases[] = {
 		{"sorted by directory, then by path", {.Term = "menu"},
 			"4 hits; /Game: /Game/BP_Menu.BP_Menu; /Game/AI: /Game/AI/BT_Menu.BT_Menu; /Game/UI: " + Menu +
 				"; files: /Game/AI/BT_Menu.BT_Menu /Game/BP_Menu.BP_Menu " + Menu},
-		{"exactly a name", {.Term = "icon", .MatchMode = 1},
+		{"exactly a name", {.Term = "icon", .MatchMode = EAssetPathMatchMode::Exact},
 			"1 hits; /Game/UI: /Game/UI/W_Menu.Icon; files: /Game/UI/W_Menu.Icon"},
 		{"case", {.Term = "menu", .bCaseSensitive = true}, "0 hits; files: "},
 		{"directory", {.Term = "menu", .PathContains = "/ui"}, "2 hits; /Game/UI: " + Menu + "; files: " + Menu},
@@ -71,23 +66,15 @@ TEST(AssetPathSearch, FindsAndGroups)
 			"1 hits; /Game/UI: /Game/UI/W_Menu.Icon; files: /Game/UI/W_Menu.Icon"},
 		{"no term", {.Term = ""}, "0 hits; files: "},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Search(Case.Params), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Search(Case.Given), Case.Expected);
 }
 
 TEST(AssetPathSearch, CountsWhatItsCapsRefuse)
 {
 	FTestProject Project;
 	DescribeProject(Project);
-	const struct
-	{
-		const char* Why;
-		FAssetPathSearchParams Params;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<FAssetPathSearchParams> Cases[] = {
 		{"the flat list alone: what it refuses still goes into its directory", {.Term = "menu", .MaxFileResults = 3},
 			"4 hits; /Game: /Game/BP_Menu.BP_Menu; /Game/AI: /Game/AI/BT_Menu.BT_Menu; /Game/UI: /Game/UI/W_Menu.Icon "
 			"/Game/UI/W_Menu.W_Menu; files: /Game/AI/BT_Menu.BT_Menu /Game/BP_Menu.BP_Menu /Game/UI/W_Menu.W_Menu; "
@@ -103,11 +90,8 @@ TEST(AssetPathSearch, CountsWhatItsCapsRefuse)
 			"5 hits; /Game: /Game/BP_Menu.BP_Menu; /Game/AI: /Game/AI/BT_Menu.BT_Menu; files: /Game/AI/BT_Menu.BT_Menu; "
 			"max_file_results dir_bucket_cap (directories too)"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Search(Case.Params), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Search(Case.Given), Case.Expected);
 }
 
 TEST(AssetPathSearch, SpellingsOfAFolderShareADirectory)
@@ -154,12 +138,7 @@ TEST(AssetPathSearchOperation, ReadsItsArguments)
 	const std::string Capped = Answer("4 matches across 3 directories (truncated=true)",
 		R"("total_hits":4,"total_directories":3,"truncated":true,"detail_mode":"files")",
 		R"("files":["/Game/AI/BT_Menu.BT_Menu"])");
-	const struct
-	{
-		const char* Why;
-		const char* Arguments;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<const char*, std::string> Cases[] = {
 		{"no term", R"({"mode": "exact"})", Missing},
 		{"empty", R"({"term": ""})", Missing},
 		{"unreadable", R"({"term": ["x"]})", Missing},
@@ -187,11 +166,8 @@ TEST(AssetPathSearchOperation, ReadsItsArguments)
 			R"({"term": "icon", "class_filters": ["", 3, "Material"], "path_contains": "/UI", "detail_mode": "files"})", Files},
 		{"a number is no filter", R"({"term": "icon", "class_filters": [3], "detail_mode": "files"})", Files},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Execute(Case.Arguments), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Execute(Case.Given), Case.Expected);
 }
 
 TEST(AssetPathSearch, CapsWhatNobodyCapped)

@@ -2,6 +2,8 @@
 
 #include "CoreObject/Packages/Loader.h"
 #include "OrivaneToolkit/OrivaneSettings.h"
+#include "Quellar/Families/AssetFamily.h"
+#include "Support/Seed.h"
 #include "Support/TestProject.h"
 
 #include <random>
@@ -10,7 +12,7 @@ namespace
 {
 TArray<FString> GetFamiliesWithoutBlueprint()
 {
-	TArray<FString> Names = UAssetSearchService::GetFamilyNames();
+	TArray<FString> Names = GetAssetFamilyNames();
 	Names.RemoveAll([](const FString& Name) { return Name == "Blueprint"; });
 	return Names;
 }
@@ -36,24 +38,18 @@ TEST(AssetSearchService, SelectsFamilies)
 {
 	FTestProject Project;
 	Describe(Project);
-	const struct
-	{
-		const char* Why;
-		TArray<FString> Families;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<TArray<FString>> Cases[] = {
 		{"none named: all, in path order without regard to case", {}, "DT_One DT_Two Docs/a.txt Docs/B.txt"},
 		{"names ignore case", {"datatable"}, "DT_One DT_Two"},
 		{"named twice: searched once", {"Text", "text"}, "Docs/a.txt Docs/B.txt"},
 		{"unknown names select nothing", {"Tables", "DataTabl", ""}, ""},
 		{"unknown names beside known ones", {"nonsense", "Text"}, "Docs/a.txt Docs/B.txt"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FAssetSearchParams Params;
 		Params.Term = "Health";
-		Params.IncludeAssetFamilies = Case.Families;
+		Params.IncludeAssetFamilies = Case.Given;
 		EXPECT_EQ(RenderAssets(Project.Search(Params)), Case.Expected);
 	}
 }
@@ -75,9 +71,8 @@ TEST(AssetSearchService, CapsAssetsPerTypeAndInTotal)
 		{"in total: the first in path order, whoever came first", 25, 3, "DT_One DT_Two Docs/a.txt (truncated)"},
 		{"below one: 200 assets and text files, but one hit for a family of assets", 25, -1, "DT_One Docs/a.txt Docs/B.txt"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FAssetSearchParams Params;
 		Params.Term = "Health";
 		Params.MaxHitsPerAssetType = Case.MaxPerType;
@@ -108,9 +103,8 @@ TEST(AssetSearchService, FindsTwoHundredUnlessTold)
 		{"a cap below one: these and the one asset of another family", {"Material", "Text"}, -1, 200, true},
 		{"no such cap", {"Material", "Text"}, 1000, 402, false},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FAssetSearchResult Found = Project.Search(
 			{.Term = "lamp", .IncludeAssetFamilies = Case.Families, .MaxTotalHits = Case.MaxTotal, .MaxHitsPerAssetType = 1000});
 		EXPECT_EQ(Found.Results.Num(), Case.ExpectedNum);
@@ -180,9 +174,7 @@ TEST(AssetSearchService, WithoutFamiliesTheAnswerIsEmptyAndImmediate)
 
 TEST(AssetSearchService, InvariantsHoldForAnyProject)
 {
-	const unsigned Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const auto Below = [&](int32 Limit) { return static_cast<int32>(Random() % static_cast<unsigned>(Limit)); };
 
 	FTestProject Project;

@@ -1,9 +1,8 @@
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
+#include "CoreObject/Objects/ReferenceListener.h"
 #include "CoreObject/Packages/Loader.h"
-#include "Families/BehaviorTreeFamily.h"
-#include "Families/BlueprintFamily.h"
-#include "Families/TextFamily.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Graph/AssetGraphService.h"
 #include "Quellar/Paths/AssetPathSearchTypes.h"
 #include "Support/TestProject.h"
@@ -49,12 +48,11 @@ TEST(StoppedSearch, ReportsOnceAndFindsNothing)
 	const struct
 	{
 		const char* Family;
-		void (*Search)(const FAssetSearchParams&, FOnAssetSearchComplete);
 		const char* Term;
 	} Cases[] = {
-		{"BehaviorTree", SearchBehaviorTrees, "BT_"},
-		{"Text", SearchTextFiles, "Guard"},
-		{"Blueprint", SearchBlueprints, "L_Map"},
+		{"BehaviorTree", "BT_"},
+		{"Text", "Guard"},
+		{"Blueprint", "L_Map"},
 	};
 	for (const bool bStopped : {false, true})
 	{
@@ -67,12 +65,13 @@ TEST(StoppedSearch, ReportsOnceAndFindsNothing)
 			SCOPED_TRACE(Case.Family);
 			int32 NumReports = 0;
 			int32 NumFound = 0;
-			Case.Search(MakeParams(Case.Family, Case.Term),
-				[&](const FAssetSearchResult& Found)
-				{
-					++NumReports;
-					NumFound = Found.Results.Num();
-				});
+			FindAssetFamily(Case.Family)
+				->Search(MakeParams(Case.Family, Case.Term),
+					[&](const FAssetSearchResult& Found)
+					{
+						++NumReports;
+						NumFound = Found.Results.Num();
+					});
 			EXPECT_TRUE(FGameThread::Get().RunUntil([&] { return NumReports > 0; }, std::chrono::seconds(60)));
 			EXPECT_EQ(NumReports, 1);
 			EXPECT_EQ(NumFound == 0, bStopped);

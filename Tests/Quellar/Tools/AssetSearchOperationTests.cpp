@@ -2,6 +2,7 @@
 
 #include "Core/Json/Json.h"
 #include "Core/Threads/Tasks.h"
+#include "Support/Golden.h"
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
@@ -33,17 +34,8 @@ TEST(AssetSearchOperation, ReportsMessagesAndPayload)
 	FTestProject Project;
 	Project.Table("/Game/Data/DT_Weapons", "WeaponRow").Column("Health", "float");
 	Project.File("Docs/no.tes.md", "Health");
-	EXPECT_EQ(Execute(Project, R"({"term": "Health"})"),
-		"2 Found 2 asset(s) matching 'Health' (mode: contains, case_sensitive: false)\n"
-		R"(content={"assets":[)"
-		R"({"asset":"/Game/Data/DT_Weapons","class":"DataTable","truncated":false,"hits":[)"
-		R"({"kind":"ColumnName","name":"Health:float","container":"Schema/Columns","count":1}]},)"
-		R"({"asset":"Docs/no","class":"TextFile","truncated":false,"hits":[)"
-		R"({"kind":"TextMatch","name":"Health","container":"File","count":1}]}],"truncated":false})"
-		"\n");
-	EXPECT_EQ(Execute(Project, R"({"term": "no.tes"})"),
-		"2 Found 0 asset(s) matching 'no.tes' (mode: contains, case_sensitive: "
-		"false)\ncontent={\"assets\":[],\"truncated\":false}\n");
+	ExpectGolden(
+		"Quellar/asset_search.txt", Execute(Project, R"({"term": "Health"})") + Execute(Project, R"({"term": "no.tes"})"));
 }
 
 TEST(AssetSearchOperation, CutsHitNamesAtTheirFirstDot)
@@ -60,12 +52,7 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 	Project.Table("/Game/DT_B", "RowB").Column("Count12", "int");
 	Project.File("a.txt", "12");
 	const char* const Missing = "0 Missing required parameter 'term'\n";
-	const struct
-	{
-		const char* Why;
-		const char* Arguments;
-		const char* ExpectedStart;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"no term", "{}", Missing},
 		{"null is no text", R"({"term": null})", Missing},
 		{"a list is no text", R"({"term": ["x"]})", Missing},
@@ -101,12 +88,11 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 			"2 Found 2 asset(s) matching '12' (mode: contains, case_sensitive: false)\n1 Results truncated at "
 			"max_total_hits=200\n"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		const std::string Result = Execute(Project, Case.Arguments);
-		EXPECT_EQ(Result.substr(0, Result.find("content=")), Case.ExpectedStart);
-		EXPECT_EQ(Result.find("content=") != std::string::npos, Case.ExpectedStart != Missing);
+		const std::string Result = Execute(Project, Case.Given);
+		EXPECT_EQ(Result.substr(0, Result.find("content=")), Case.Expected);
+		EXPECT_EQ(Result.find("content=") != std::string::npos, Case.Expected != Missing);
 	}
 }
 

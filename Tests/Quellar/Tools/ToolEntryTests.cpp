@@ -3,6 +3,7 @@
 #include "Quellar/Families/BlueprintFindUtils.h"
 #include "Quellar/QuellarModule.h"
 #include "Quellar/Tools/ToolEntry.h"
+#include "Support/Golden.h"
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
@@ -31,35 +32,14 @@ TEST(ToolEntry, IsRegisteredWithItsFixedTexts)
 {
 	const FHeadlessEngine Engine;
 	const auto Executor = FOrivaneToolkitModule::GetToolExecutor();
-	ASSERT_TRUE(Executor);
-	const struct
+	std::string Texts;
+	for (const FString& Name : Executor->GetToolNames())
 	{
-		const char* Tool;
-		const char* Metadata;
-		const char* Description;
-	} Cases[] = {
-		{"asset_search", R"({"operation_type": "search","data_type": "asset","execution_mode": "sequential"})",
-			"Search Varnel assets (Blueprints, DataAssets, DataTables, Enums, Structs, Text files, etc.) for names/values "
-			"without loading assets. Returns per-asset hit lists with kind/name/container context. Supports AssetRegistry + "
-			"Editor FindInBlueprints index for BP sub-elements. Use for: finding BP variables/functions, discovering DataAsset "
-			"properties, locating text content, identifying asset usage patterns."},
-		{"explore_asset_graph", R"({"operation_type": "search","data_type": "asset"})",
-			"Explore asset dependency/referencer graph via AssetRegistry (no loading). Returns nested relations with "
-			"Runtime/Editor classification based on Hard dependency Game flags. Supports BFS traversal with fanout protection "
-			"and high-signal filtering. Use for: understanding asset dependencies, finding referencer chains, discovering "
-			"runtime vs editor-only relationships, architecture analysis."},
-	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Tool);
-		const auto Tool = Executor->FindTool(Case.Tool);
-		ASSERT_TRUE(Tool);
-		EXPECT_EQ(Tool->GetSchema().View(), "{}");
-		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
-		Tool->InvalidateMetadata();
-		EXPECT_EQ(Tool->GetMetadata().View(), Case.Metadata);
-		EXPECT_EQ(Tool->GetDescription().View(), Case.Description);
+		const auto Tool = Executor->FindTool(Name);
+		for (const FString& Text : {Name, Tool->GetSchema(), Tool->GetMetadata(), Tool->GetDescription()})
+			Texts += Text.ToStdString() + "\n";
 	}
+	ExpectGolden("Quellar/tools.txt", Texts);
 }
 
 TEST(QuellarModule, RegistersTwoToolsAndTakesThemBack)
@@ -96,27 +76,14 @@ TEST(ToolEntry, ChecksTheArgumentText)
 {
 	FTestProject Project;
 	Project.Open();
-	const struct
-	{
-		const char* Arguments;
-		const char* Validated;
-		const char* Executed;
-	} Cases[] = {
-		{"[1]", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
-		{"12", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
-		{"", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
-		{"{\"term\": }", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
-		{"{\"term\": \"x\"} {}", "Invalid JSON format", "Invalid JSON command | Failed to parse command JSON"},
-	};
 	for (const auto& [Name, MissingArgument] :
 		{std::pair("asset_search", "term"), std::pair("explore_asset_graph", "asset_path")})
 	{
 		const auto Tool = FOrivaneToolkitModule::GetToolExecutor()->FindTool(Name);
-		for (const auto& Case : Cases)
+		for (const char* NoObject : {"[1]", "12", "", "{\"term\": }", "{\"term\": \"x\"} {}"})
 		{
-			SCOPED_TRACE(Case.Arguments);
-			EXPECT_EQ(Validate(*Tool, Case.Arguments), Case.Validated);
-			EXPECT_EQ(Execute(*Tool, Case.Arguments), Case.Executed);
+			EXPECT_EQ(Validate(*Tool, NoObject), "Invalid JSON format") << NoObject;
+			EXPECT_EQ(Execute(*Tool, NoObject), "Invalid JSON command | Failed to parse command JSON") << NoObject;
 		}
 		EXPECT_EQ(Validate(*Tool, "{}"), "");
 		EXPECT_EQ(Execute(*Tool, "{}"), std::string("Missing required parameter '") + MissingArgument + "'");

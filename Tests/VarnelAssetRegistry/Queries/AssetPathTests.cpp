@@ -1,6 +1,8 @@
 #include "AssetRegistry/AssetPaths.h"
 #include "Core/Text/Unicode.h"
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
+#include "Support/Seed.h"
 
 #include <random>
 
@@ -71,12 +73,7 @@ TEST(AssetPaths, FindsByAnyPartOfAnObjectPath)
 	Project.Package("Gr\u00f6\u00dfe", "asset Gr\u00f6\u00dfe /Script/E.W");
 	Project.ScanAll();
 
-	const struct
-	{
-		const char* Why;
-		FAssetPathQuery Query;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<FAssetPathQuery> Cases[] = {
 		{"part of a name, filtered assets too", {"w_menu"}, "/Game/UI/W_Menu.W_Menu /Game/UI/W_Menu2.W_Menu2"},
 		{"case of names", {"w_menu", false, OwnCase}, ""},
 		{"a folder holds all below it", {"/game/ui/b"},
@@ -94,18 +91,13 @@ TEST(AssetPaths, FindsByAnyPartOfAnObjectPath)
 		{"over the end of a text", {std::string("W_Menu\0/Game", 12)}, ""},
 		{"nothing asked", {""}, ""},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Join(Find(Project, Case.Query)), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Join(Find(Project, Case.Given)), Case.Expected);
 }
 
 TEST(AssetPaths, FindsWhatALookAtEveryAssetFinds)
 {
-	const uint32 Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const auto Pick = [&](const std::vector<std::string>& Words) { return Words[Random() % Words.size()]; };
 	FRegistryProject Project;
 	for (int32 Index = 0; Index < 1500; ++Index) // some dozen blocks of packages

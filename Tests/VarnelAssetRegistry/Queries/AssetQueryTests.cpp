@@ -1,4 +1,5 @@
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -20,12 +21,7 @@ TEST(AssetQuery, CombinesItsLists)
 	FillProject(Project);
 	const FTopLevelAssetPath Base("/Script/Engine.Base");
 	const FTopLevelAssetPath Child("/Script/Engine.Child");
-	const struct
-	{
-		const char* Why;
-		FARFilter Filter;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<FARFilter> Cases[] = {
 		{"an empty filter restricts nothing", {},
 			"/Game/A.A /Game/UI/B.B /Game/UI/B.B2 /Game/UI/Deep/D.D /Game/ui/E.E /Game/ui2/C.C"},
 		{"one class, exactly", {.ClassPaths = {Child}}, "/Game/UI/B.B /Game/UI/Deep/D.D"},
@@ -52,8 +48,8 @@ TEST(AssetQuery, CombinesItsLists)
 		{"an unknown folder", {.PackagePaths = {"/Game/Gone", FName()}, .bRecursivePaths = true}, ""},
 		{"an unknown package", {.PackageNames = {"/Game/Gone", FName()}}, ""},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(RenderAssets(Project.Registry, Case.Filter), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(RenderAssets(Project.Registry, Case.Given), Case.Expected);
 	EXPECT_EQ(
 		RenderAssets(Project.Registry, {.ClassPaths = {Child}}, false), "/Game/UI/B.B /Game/UI/Deep/D.D /Game/UI/Deep/D.Hidden")
 		<< "filtered assets come when they are asked for";
@@ -106,12 +102,7 @@ TEST(AssetQuery, FindsAssetsByObjectPath)
 		"asset Ghost /Script/Engine.Actor filtered\n"
 		"asset TOWN2 /Script/Engine.Actor\n");
 	Project.ScanAll();
-	const struct
-	{
-		const char* Why;
-		const char* Path;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"an asset", "/Game/Maps/Town.Town", "/Game/Maps/Town.Town"},
 		{"any case; the answer keeps the file's", "/game/maps/town.town2", "/Game/Maps/Town.TOWN2"},
 		{"inside of a sub-object: joined by a dot", "/Game/Maps/Town.Town:PersistentLevel.lamp",
@@ -123,10 +114,9 @@ TEST(AssetQuery, FindsAssetsByObjectPath)
 		{"a package alone", "/Game/Maps/Town", ""},
 		{"an unknown package", "/Game/Maps/Gone.Gone", ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		const FAssetData Found = Registry.GetAssetByObjectPath(FSoftObjectPath(Case.Path));
+		const FAssetData Found = Registry.GetAssetByObjectPath(FSoftObjectPath(Case.Given));
 		EXPECT_EQ(Found.IsValid() ? Found.GetObjectPathString().ToStdString() : "", Case.Expected);
 	}
 	EXPECT_TRUE(Registry.GetAssetByObjectPath(FSoftObjectPath("/Game/Maps/Town.Ghost"), false, false).IsValid());

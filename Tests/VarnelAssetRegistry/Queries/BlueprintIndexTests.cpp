@@ -1,6 +1,8 @@
 #include "AssetRegistry/BlueprintIndex.h"
 #include "Core/Text/Unicode.h"
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
+#include "Support/Seed.h"
 
 #include <random>
 
@@ -119,27 +121,20 @@ TEST(BlueprintIndex, LeadsFromAValueToTheEntriesThatUseIt)
 	Project.Package("C", "asset C /Script/Engine.Blueprint\nentry 0 Var||\nentry 0 Node|Gr\u00fc\u00dfe|\nentry 0 Var|Health|\n");
 	Project.ScanAll();
 	const FBlueprintIndexView Index = Project.Registry.GetBlueprintIndex();
-	const struct
-	{
-		const char* Why;
-		const char* Value;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"as text or comment, once each; a category is no use, and entries without a Blueprint are none", "hEALTH",
 			"Health A/0 A/1 C/6; MaxHealth"},
 		{"other letters ignore case too", "GR\u00dc\u00df", "Gr\u00fc\u00dfe C/5"},
 		{"shorter than the lists' keys", "ld", "Old A/1"},
 		{"nowhere", "healthy", ""},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(RenderUses(Index, Case.Value), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(RenderUses(Index, Case.Given), Case.Expected);
 }
 
 TEST(BlueprintIndex, FindsWhatLookingAtEveryTextFinds)
 {
-	const unsigned Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const auto Below = [&](std::size_t Limit) { return Random() % Limit; };
 	// Few letters make many near misses; texts of one letter meet at the borders of texts and blocks.
 	const std::string Letters[] = {"a", "A", "b", "\u00e4", "\u00c4", "\u212a", "k", "_"};

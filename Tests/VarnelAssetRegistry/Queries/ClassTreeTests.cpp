@@ -1,4 +1,5 @@
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -53,12 +54,7 @@ TEST(RegistryClasses, RecursiveFiltersFollowEveryKindOfClass)
 	Project.Package("I_OtherCase", "asset I_OtherCase /script/engine.DATAASSET\n");
 	Project.ScanAll();
 
-	const struct
-	{
-		const char* Why;
-		const char* Class;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"native, declared and generated, two levels deep", "/Script/Engine.DataAsset",
 			"/Game/A_Plain.A_Plain /Game/B_Declared.B_Declared /Game/E_OfBase.E_OfBase /Game/F_OfDerived.F_OfDerived "
 			"/Game/I_OtherCase.I_OtherCase"},
@@ -71,8 +67,8 @@ TEST(RegistryClasses, RecursiveFiltersFollowEveryKindOfClass)
 		{"a class without assets", "/Script/Engine.Pawn", ""},
 		{"a class that nobody names", "/Script/Nowhere.Other", ""},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(RenderClass(Project.Registry, Case.Class), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(RenderClass(Project.Registry, Case.Given), Case.Expected);
 
 	EXPECT_EQ(RenderAncestors(Project.Registry, "/Game/D_Derived.D_Derived_C"),
 		"/Game/C_Base.C_Base_C /Script/Lantern.WeaponData /Script/Engine.PrimaryDataAsset /Script/Engine.DataAsset");
@@ -85,12 +81,7 @@ TEST(RegistryClasses, RecursiveFiltersFollowEveryKindOfClass)
 
 TEST(RegistryClasses, TakesTheBestParentThatTheTagsName)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Tags;
-		const char* Ancestors;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"the native parent where the parent is missing",
 			"tag GeneratedClass=/Game/B.B_C\ntag NativeParentClass=Class'/Script/Engine.Pawn'\n",
 			"/Script/Engine.Pawn /Script/Engine.Actor"},
@@ -109,14 +100,13 @@ TEST(RegistryClasses, TakesTheBestParentThatTheTagsName)
 			"/Game/Gone.Gone_C"},
 		{"a sub-object is no class", "tag GeneratedClass=/Game/B.B_C\ntag ParentClass=/Game/A.A:B\n", ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FRegistryProject Project;
 		Project.SetClassParents(EngineClasses);
-		Project.Package("B", MakeBlueprint("B", Case.Tags));
+		Project.Package("B", MakeBlueprint("B", Case.Given));
 		Project.ScanAll();
-		EXPECT_EQ(RenderAncestors(Project.Registry, "/Game/B.B_C"), Case.Ancestors);
+		EXPECT_EQ(RenderAncestors(Project.Registry, "/Game/B.B_C"), Case.Expected);
 	}
 }
 

@@ -1,4 +1,5 @@
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
 
 TEST(PackageGraph, IsKnownInBothDirections)
 {
@@ -27,9 +28,8 @@ TEST(PackageGraph, IsKnownInBothDirections)
 		{"no neighbours", "/Game/Alone", "", ""},
 		{"never heard of", "/Game/Other", "unknown", "unknown"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		EXPECT_EQ(RenderDependencies(Project.Registry, Case.Package), Case.Dependencies);
 		EXPECT_EQ(RenderReferencers(Project.Registry, Case.Package), Case.Referencers);
 	}

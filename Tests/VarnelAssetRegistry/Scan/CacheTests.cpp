@@ -1,4 +1,5 @@
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
 
 #include <fcntl.h>
 #include <functional>
@@ -83,12 +84,7 @@ TEST(RegistryCache, NothingIsReadTheSecondTime)
 
 TEST(RegistryCache, ReadsOnlyWhatChanged)
 {
-	const struct
-	{
-		const char* Why;
-		std::function<void(FRegistryProject&)> Change;
-		int32 NumParsed;
-	} Cases[] = {
+	const TCase<std::function<void(FRegistryProject&)>, int32> Cases[] = {
 		{"another size", [](FRegistryProject& Project) { Project.Package("UI/D", "asset Renamed /Script/Engine.Other\n"); }, 1},
 		{"another content in place, of the same size and time",
 			[](FRegistryProject& Project)
@@ -127,14 +123,13 @@ TEST(RegistryCache, ReadsOnlyWhatChanged)
 	// Two packages write a class or a dependency in other case than the registry does. They are read with every change, as it may
 	// change what the registry writes.
 	constexpr int32 NumRespelled = 2;
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FRegistryProject Project;
 		FillProject(Project);
 		Project.ScanCached();
-		Case.Change(Project);
-		EXPECT_EQ(Project.ScanCached().NumParsed, Case.NumParsed + NumRespelled);
+		Case.Given(Project);
+		EXPECT_EQ(Project.ScanCached().NumParsed, Case.Expected + NumRespelled);
 		const std::string Updated = Project.Dump();
 		const std::string Faults = Project.GetFaults();
 		Project.ScanAll();

@@ -1,4 +1,5 @@
 #include "RegistryFixture.h"
+#include "Support/Cases.h"
 
 #include <fstream>
 #include <thread>
@@ -20,12 +21,7 @@ std::string MakeAssetLine(const std::string& Name)
 
 TEST(RegistryScan, ListsAssetsInRegistryOrder)
 {
-	const struct
-	{
-		const char* Why;
-		std::vector<const char*> Paths;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<std::vector<const char*>> Cases[] = {
 		{"without regard to case", {"b", "A", "C"}, "/Game/A.x /Game/b.x /Game/C.x"},
 		{"'_' stands before the letters, although capitals stand before '_' as bytes", {"BPX", "BP_Hero"},
 			"/Game/BP_Hero.x /Game/BPX.x"},
@@ -35,11 +31,10 @@ TEST(RegistryScan, ListsAssetsInRegistryOrder)
 		{"a text before its continuation, across blocks of eight bytes", {"Abcdefgh1", "Abcdefgh", "abcdefgh/x", "Abcdefg"},
 			"/Game/Abcdefg.x /Game/Abcdefgh.x /Game/abcdefgh/x.x /Game/Abcdefgh1.x"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FRegistryProject Project;
-		for (const char* Path : Case.Paths)
+		for (const char* Path : Case.Given)
 			Project.Package(Path, MakeAssetLine("x"));
 		Project.ScanAll();
 		EXPECT_EQ(RenderAll(Project.Registry), Case.Expected);
@@ -116,9 +111,8 @@ TEST(RegistryScan, TheFirstFileInByteOrderKeepsAName)
 		{"roots of one name: the folder decides, not the order of the roots", {"More/A.line", "Content/a.line"}, "/Game/a.x",
 			"More/A.line [duplicate-package]\n"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FRegistryProject Project;
 		for (const char* File : Case.Files)
 			Project.Folder.Write(File, MakeAssetLine("x"));

@@ -1,4 +1,5 @@
 #include "Core/Base/StrongComponents.h"
+#include "Support/Seed.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ std::vector<std::vector<bool>> FindReachable(const FEdges& Edges)
 
 TEST(StrongComponents, GroupWhatLeadsToOneAnotherInRandomGraphs)
 {
-	std::mt19937 Random(20240607);
+	std::mt19937 Random(GetSeed(20240607));
 	for (int32 Round = 0; Round < 300; ++Round)
 	{
 		const auto Num = static_cast<int32>(1 + Random() % 12);

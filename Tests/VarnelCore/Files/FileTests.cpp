@@ -1,6 +1,7 @@
 #include "Core/Files/File.h"
 #include "Core/Text/TextDecoder.h"
 
+#include "Support/Cases.h"
 #include "Support/ScratchFolder.h"
 
 #include <fcntl.h>
@@ -46,12 +47,7 @@ std::string DecodeInPieces(std::string_view Bytes, std::size_t PieceBytes)
 TEST(FileHelper, TextIsDecodedByItsMark)
 {
 	using namespace std::string_literals;
-	const struct
-	{
-		const char* Why;
-		std::string Bytes;
-		std::string Expected;
-	} Cases[] = {
+	const TCase<std::string, std::string> Cases[] = {
 		{"plain", "Grüße", "Grüße"},
 		{"empty", "", ""},
 		{"zero bytes are text", "a\0b"s, "a\0b"s},
@@ -78,14 +74,13 @@ TEST(FileHelper, TextIsDecodedByItsMark)
 			"e"},
 	};
 	const FScratchFolder Scratch;
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		std::string Buffer;
-		EXPECT_EQ(FFileHelper::DecodeText(Case.Bytes, Buffer), Case.Expected);
-		for (std::size_t Size = 1; Size <= Case.Bytes.size(); ++Size)
-			EXPECT_EQ(DecodeInPieces(Case.Bytes, Size), Case.Expected) << "pieces of " << Size;
-		Scratch.Write("File", Case.Bytes);
+		EXPECT_EQ(FFileHelper::DecodeText(Case.Given, Buffer), Case.Expected);
+		for (std::size_t Size = 1; Size <= Case.Given.size(); ++Size)
+			EXPECT_EQ(DecodeInPieces(Case.Given, Size), Case.Expected) << "pieces of " << Size;
+		Scratch.Write("File", Case.Given);
 		EXPECT_EQ(Load(Scratch.Path("File")), Case.Expected);
 	}
 }
@@ -137,12 +132,7 @@ TEST(FileHelper, SavingReplacesByRename)
 TEST(FileHelper, WhereTextCanBeSaved)
 {
 	const std::string LongestName(255, 'n');
-	const struct
-	{
-		const char* Why;
-		std::string Path;
-		bool bSaved;
-	} Cases[] = {
+	const TCase<std::string, bool> Cases[] = {
 		{"into missing folders", "A/B/File", true},
 		{"under the longest name allowed", LongestName, true},
 		{"over a link, which is replaced and not followed", "Link", true},
@@ -151,21 +141,20 @@ TEST(FileHelper, WhereTextCanBeSaved)
 		{"not as a folder", "New/", false},
 		{"not under a name that is too long", LongestName + "n", false},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FScratchFolder Scratch;
 		Scratch.Write("File", "old");
 		Scratch.Write("Folder/File", "old");
 		Scratch.Link("File", "Link");
 		const std::vector<std::string> Before = Names(Scratch, "*");
-		EXPECT_EQ(FFileHelper::SaveStringToFile("new", Scratch.Path(Case.Path)), Case.bSaved);
+		EXPECT_EQ(FFileHelper::SaveStringToFile("new", Scratch.Path(Case.Given)), Case.Expected);
 		EXPECT_EQ(Scratch.Read("File"), "old");
-		if (Case.bSaved)
+		if (Case.Expected)
 		{
-			EXPECT_EQ(Scratch.Read(Case.Path), "new");
+			EXPECT_EQ(Scratch.Read(Case.Given), "new");
 		}
-		EXPECT_EQ(Names(Scratch, "*").size(), Before.size() + (Case.bSaved ? 1 : 0)) << "nothing is left behind";
+		EXPECT_EQ(Names(Scratch, "*").size(), Before.size() + (Case.Expected ? 1 : 0)) << "nothing is left behind";
 	}
 }
 
@@ -219,22 +208,16 @@ TEST(FileHelper, NothingIsReachedBelowAProjectThatCannotBeOpened)
 	Scratch.MakeFolder("bad\xFF");
 	Scratch.Link("bad\xFF", "Link");
 	Scratch.Write("Project/File.md", "text");
-	const struct
-	{
-		const char* Why;
-		std::string Folder;
-		int Reason;
-	} Cases[] = {
+	const TCase<std::string, int> Cases[] = {
 		{"missing", "Nowhere", ENOENT},
 		{"a file", "Project/File.md", ENOTDIR},
 		{"not UTF-8", "bad\xFF", EILSEQ},
 		{"not UTF-8 behind a link", "Link", EILSEQ},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_FALSE(FPaths::SetProjectDir(Scratch.Path(Case.Folder)));
-		EXPECT_EQ(errno, Case.Reason);
+		EXPECT_FALSE(FPaths::SetProjectDir(Scratch.Path(Case.Given)));
+		EXPECT_EQ(errno, Case.Expected);
 		EXPECT_FALSE(FFileHelper::SaveStringToFile("new", FPaths::ProjectDir() + "Saved/New.md"));
 		EXPECT_FALSE(IFileManager::Get().MakeDirectory(FPaths::ProjectDir() + "Saved"));
 	}
@@ -253,12 +236,7 @@ TEST(FileManager, WildcardsMatchFileNames)
 	const FScratchFolder Scratch;
 	for (const char* Name : {"Notes.MD", "Docs/Über.md", "Docs/NoDot", "Docs/a.b.txt", "Docs/bad\xFF.md", "\xFF/In.md"})
 		Scratch.Write(Name, "");
-	const struct
-	{
-		const char* Why;
-		const char* Wildcard;
-		std::vector<std::string> Expected;
-	} Cases[] = {
+	const TCase<const char*, std::vector<std::string>> Cases[] = {
 		{"every name, also one without a dot; none that is not UTF-8", "*.*",
 			{"Docs/NoDot", "Docs/a.b.txt", "Docs/Über.md", "Notes.MD"}},
 		{"every name", "*", {"Docs/NoDot", "Docs/a.b.txt", "Docs/Über.md", "Notes.MD"}},
@@ -270,8 +248,8 @@ TEST(FileManager, WildcardsMatchFileNames)
 		{"the folder is not part of the name", "Docs*", {}},
 		{"an empty pattern matches no name", "", {}},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(Names(Scratch, Case.Wildcard), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Names(Scratch, Case.Given), Case.Expected);
 }
 
 TEST(Paths, Parts)

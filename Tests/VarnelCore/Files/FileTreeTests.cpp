@@ -1,7 +1,9 @@
 #include "Core/Files/FileTree.h"
 
 #include "Core/Files/ProjectFolder.h"
+#include "Support/Cases.h"
 #include "Support/ScratchFolder.h"
+#include "Support/Seed.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -129,9 +131,7 @@ TEST(FileTree, OrderIsByteOrderOfWholePaths)
 
 TEST(FileTree, RandomTreesAreSortedAndComplete)
 {
-	const uint32 Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const FScratchFolder Scratch;
 	std::set<std::string> Written; // std::string compares bytes as unsigned
 	std::vector<std::string> Folders = {""};
@@ -231,9 +231,8 @@ TEST(FileTree, RootsThatCannotBeListed)
 		{"no path at all", ""},
 		{"cut by a zero byte it would name an existing folder", FString(Scratch.GetRoot() + std::string("\0x", 2))},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FFileTree Tree = FFileTree::List(Case.Root, {});
 		EXPECT_EQ(Tree.Num(), 0);
 		EXPECT_TRUE(Tree.GetUnreadableFolders().empty());
@@ -352,9 +351,8 @@ TEST(FileTree, ReadsWhatIsThereNow)
 			},
 			EFileRead::Missing, ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FScratchFolder Scratch;
 		Scratch.Write("Docs/Notes.md", "text");
 		const FFileTree Tree = FFileTree::List(Scratch.Path(), {});
@@ -374,12 +372,7 @@ TEST(FileTree, ReadsWhatIsThereNow)
 TEST(FileTree, StampsTellChangedFiles)
 {
 	using FTime = std::filesystem::file_time_type;
-	const struct
-	{
-		const char* Why;
-		std::function<void(const FScratchFolder&)> Change;
-		bool bChanged;
-	} Cases[] = {
+	const TCase<std::function<void(const FScratchFolder&)>, bool> Cases[] = {
 		{"untouched", [](const FScratchFolder&) {}, false},
 		{"another file changed", [](const FScratchFolder& In) { In.Write("Other", "more"); }, false},
 		{"grown", [](const FScratchFolder& In) { In.Write("File", "longer text"); }, true},
@@ -400,16 +393,15 @@ TEST(FileTree, StampsTellChangedFiles)
 			},
 			true},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FScratchFolder Scratch;
 		Scratch.Write("File", "text");
 		FFileTreeOptions Options;
 		Options.bWithStamps = true;
 		const FFileTree Before = FFileTree::List(Scratch.Path(), Options);
-		Case.Change(Scratch);
+		Case.Given(Scratch);
 		const FFileTree After = FFileTree::List(Scratch.Path(), Options);
-		EXPECT_EQ(Before.GetStamp(0) != After.GetStamp(0), Case.bChanged);
+		EXPECT_EQ(Before.GetStamp(0) != After.GetStamp(0), Case.Expected);
 	}
 }

@@ -1,5 +1,6 @@
 #include "Core/Files/ProjectFolder.h"
 
+#include "Support/Cases.h"
 #include "Support/ScratchFolder.h"
 
 #include <unistd.h>
@@ -22,12 +23,7 @@ TEST(ProjectFolder, NoPathLeavesTheFolder)
 	Scratch.Pipe("Project/Pipe");
 	const FProjectFolder Folder(Scratch.Path("Project"));
 	ASSERT_TRUE(Folder.IsOpen());
-	const struct
-	{
-		const char* Why;
-		std::string Path;
-		EFileRead Expected;
-	} Cases[] = {
+	const TCase<std::string, EFileRead> Cases[] = {
 		{"a file", "Docs/Notes.md", EFileRead::Ok},
 		{"any bytes that the file system allows", "Docs/a\\b\n\xFF", EFileRead::Ok},
 		{"out by ..", "../Outside.md", EFileRead::Missing},
@@ -48,12 +44,11 @@ TEST(ProjectFolder, NoPathLeavesTheFolder)
 		{"cut by a zero byte it would be a file", std::string("Docs/Notes.md\0x", 15), EFileRead::Missing},
 		{"a name longer than names can be", std::string(300, 'x'), EFileRead::Missing},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		std::string Content;
-		EXPECT_EQ(Folder.Read(Case.Path, Content, NoLimit), Case.Expected);
-		EXPECT_EQ(Folder.IsFile(Case.Path), Case.Expected == EFileRead::Ok);
+		EXPECT_EQ(Folder.Read(Case.Given, Content, NoLimit), Case.Expected);
+		EXPECT_EQ(Folder.IsFile(Case.Given), Case.Expected == EFileRead::Ok);
 		EXPECT_EQ(Content.empty(), Case.Expected != EFileRead::Ok);
 	}
 }

@@ -1,5 +1,6 @@
 #include "Core/Files/File.h"
 #include "Core/Threads/StopToken.h"
+#include "Support/Cases.h"
 #include "Support/ScratchFolder.h"
 
 #include <algorithm>
@@ -63,9 +64,8 @@ TEST(UserFile, FilesAreReplacedAndLinksFollowed)
 		{"a folder, named as such", {}, "Folder/", "", "it is a folder"},
 		{"links in a ring", {{"Link", "Back"}, {"Back", "Link"}}, "Link", "", "Too many levels of symbolic links"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FScratchFolder Scratch;
 		Scratch.MakeFolder("Folder");
 		Scratch.Write("Old.txt", "old");

@@ -1,24 +1,18 @@
 #include "Core/Json/Json.h"
 #include "Core/Json/JsonDocument.h"
 #include "Core/Text/Unicode.h"
+#include "Support/Seed.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <random>
 
-// An independent parser reads the same random texts. The seed is printed where a test fails; set ORIVANE_TEST_SEED to repeat it.
+// An independent parser reads the same random texts.
 namespace
 {
 using FOther = nlohmann::ordered_json;
-
-uint32 ChooseSeed()
-{
-	const char* const Given = std::getenv("ORIVANE_TEST_SEED");
-	return Given ? static_cast<uint32>(std::strtoul(Given, nullptr, 10)) : std::random_device()();
-}
 
 class FRandomJson
 {
@@ -156,13 +150,12 @@ void ExpectSaneFault(const FJsonDocument& Document, const std::string& Text)
 
 TEST(JsonDifferential, ReadsAndWritesWhatAnotherParserReads)
 {
-	const uint32 Seed = ChooseSeed();
-	FRandomJson Random(Seed);
+	FRandomJson Random(GetSeed());
 	for (int32 Round = 0; Round < 3000; ++Round)
 	{
 		const FOther Expected = Random.MakeValue(5);
 		const std::string Text = Random.Print(Expected);
-		SCOPED_TRACE("seed " + std::to_string(Seed) + " round " + std::to_string(Round) + ": " + Text);
+		SCOPED_TRACE("round " + std::to_string(Round) + ": " + Text);
 		FJsonValue Value;
 		FJsonError Error;
 		ASSERT_TRUE(Json::Parse(Text, Value, &Error)) << *Error.Text;
@@ -177,8 +170,7 @@ TEST(JsonDifferential, ReadsAndWritesWhatAnotherParserReads)
 
 TEST(JsonDifferential, StopsBeforeAnyMember)
 {
-	const uint32 Seed = ChooseSeed();
-	FRandomJson Random(Seed);
+	FRandomJson Random(GetSeed());
 	FJsonDocument Part;
 	for (int32 Round = 0; Round < 600; ++Round)
 	{
@@ -187,7 +179,7 @@ TEST(JsonDifferential, StopsBeforeAnyMember)
 		FOther Before = FOther::object();
 		for (const auto& [Key, Value] : Object.items())
 		{
-			SCOPED_TRACE("seed " + std::to_string(Seed) + " round " + std::to_string(Round) + " before '" + Key + "': " + Text);
+			SCOPED_TRACE("round " + std::to_string(Round) + " before '" + Key + "': " + Text);
 			if (Key.empty())
 				break; // means no stop
 			ASSERT_TRUE(Part.Parse(Text, {.MaxDepth = 64, .StopBefore = Key}));
@@ -203,15 +195,14 @@ TEST(JsonDifferential, StopsBeforeAnyMember)
 
 TEST(JsonDifferential, AgreesOnMutatedTexts)
 {
-	const uint32 Seed = ChooseSeed();
-	FRandomJson Random(Seed);
+	FRandomJson Random(GetSeed());
 	FJsonDocument Document;
 	int32 NumValid = 0;
 	int32 NumInvalid = 0;
 	for (int32 Round = 0; Round < 30000; ++Round)
 	{
 		const std::string Mutated = Random.Mutate(Random.Print(Random.OneIn(4) ? Random.MakeValue(1) : Random.MakeObject(4, 3)));
-		SCOPED_TRACE("seed " + std::to_string(Seed) + " round " + std::to_string(Round) + ": " + Mutated);
+		SCOPED_TRACE("round " + std::to_string(Round) + ": " + Mutated);
 		const std::string Comparable = MakeComparable(Mutated);
 		const bool bValid = Document.Parse(Comparable);
 		const bool bIsSettled = bValid && HoldsLargestNumber(Document.Root());

@@ -1,4 +1,5 @@
 #include "Core/Json/JsonDocument.h"
+#include "Support/Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -37,12 +38,7 @@ std::string Dump(FJsonRef Ref)
 
 TEST(JsonDocument, KeepsPlaces)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Text;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"scalar root", " 5", "5@1"},
 		{"blanks around everything", " { \"a\" : [ true , \"x\" ] }", "{ a@3 [ true@11 'x'@18 ]@9 }@1"},
 		{"escapes shift nothing", R"(["\u0041\n",{"\u0062":null}])", "[ 'A\n'@1 { b@13 null@22 }@12 ]@0"},
@@ -50,10 +46,9 @@ TEST(JsonDocument, KeepsPlaces)
 		{"repeated keys all stay", R"({"a":1,"a":2})", "{ a@1 1@5 a@7 2@11 }@0"},
 	};
 	FJsonDocument Document; // one for all: nothing of a text may shine through into the next
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		ASSERT_TRUE(Document.Parse(Case.Text));
+		ASSERT_TRUE(Document.Parse(Case.Given));
 		EXPECT_EQ(Dump(Document.Root()), Case.Expected);
 		EXPECT_FALSE(Document.WasRepaired());
 	}
@@ -109,12 +104,7 @@ TEST(JsonDocument, ListsRepeatedKeys)
 
 TEST(JsonDocument, StopsBeforeAMember)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Text;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"the rest is left", R"({"a":1,"objects":[1,2]})", "{ a@1 1@5 }@0 stopped"},
 		{"first member", R"({"objects":[1,2],"a":1})", "{ }@0 stopped"},
 		{"no such member", R"({"a":"objects"})", "{ a@1 'objects'@5 }@0"},
@@ -136,10 +126,9 @@ TEST(JsonDocument, StopsBeforeAMember)
 		{"behind a byte-order mark", "\xEF\xBB\xBF{\"a\":1,\"objects\":2}", "{ a@4 1@8 }@3 stopped"},
 	};
 	FJsonDocument Document;
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		const bool bRead = Document.Parse(Case.Text, {.MaxDepth = 8, .StopBefore = "objects"});
+		const bool bRead = Document.Parse(Case.Given, {.MaxDepth = 8, .StopBefore = "objects"});
 		const std::string Result = bRead ? Dump(Document.Root()) : Place(Document.GetError());
 		EXPECT_EQ(Result + (Document.StoppedEarly() ? " stopped" : ""), Case.Expected);
 	}
@@ -184,9 +173,8 @@ TEST(JsonDocument, RefusesMoreValuesThanAsked)
 		{"behind a fault", "[1,2,,3,4,5]", "5 1:6 a value is missing before the"},
 	};
 	FJsonDocument Document;
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const bool bRead = Document.Parse(Case.Text, {.MaxDepth = Json::MaxMessageDepth, .MaxValues = 5, .StopBefore = {}});
 		EXPECT_EQ(bRead, *Case.Fault == '\0');
 		if (bRead)

@@ -1,4 +1,5 @@
 #include "Core/Json/Json.h"
+#include "Support/Cases.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -28,12 +29,7 @@ std::string Nested(int32 Depth)
 
 TEST(JsonReading, NamesThePlaceAndTheFault)
 {
-	const struct
-	{
-		const char* Why;
-		std::string_view Text;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<std::string_view> Cases[] = {
 		{"nothing", "", "0 1:1 the text is empty; a JSON value is needed"},
 		{"only a byte-order mark", "\xEF\xBB\xBF", "3 1:1 the text is empty; a JSON value is needed"},
 		{"only blanks", " \r\n ", "4 2:2 the text is empty; a JSON value is needed"},
@@ -101,21 +97,13 @@ TEST(JsonReading, NamesThePlaceAndTheFault)
 		{"an earlier fault wins over an unclosed string", "[1,]\"", "2 1:3 the ',' before the ']' must go"},
 		{"ill-formed bytes between tokens", "[\xFF]", "1 1:2 unexpected character U+FFFD"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Rewrite(Case.Text), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Rewrite(Case.Given), Case.Expected);
 }
 
 TEST(JsonReading, TakesWhatIsJson)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Text;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"scalar roots", " true ", "true"},
 		{"all blanks", "\t[ 1\r\n, null ]\n", "[1,null]"},
 		{"empty containers", "[{},[],\"\"]", "[{},[],\"\"]"},
@@ -141,11 +129,8 @@ TEST(JsonReading, TakesWhatIsJson)
 		{"byte-order mark", "\xEF\xBB\xBF{}", "{}"},
 		{"brackets and quotes in strings", R"(["{[\"]}:,",1])", R"(["{[\"]}:,",1])"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Rewrite(Case.Text), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Rewrite(Case.Given), Case.Expected);
 	std::string ManyDigits(200, '9');
 	EXPECT_EQ(Rewrite(ManyDigits), "1e+200");
 	EXPECT_EQ(Rewrite(ManyDigits + ManyDigits), "1.7976931348623157e+308");
@@ -243,11 +228,8 @@ TEST(JsonValue, ConvertsWhereThatIsSafe)
 		{"truth in capitals", "TRUE", "TRUE - - - true"},
 		{"falsehood in any case", "fAlse", "fAlse - - - false"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
+	for (const auto& Case : Traced(Cases))
 		EXPECT_EQ(Convert(Case.Value), Case.Expected);
-	}
 }
 
 TEST(JsonObject, ReadsFieldsAndLeavesTheRest)
@@ -294,12 +276,7 @@ TEST(JsonObject, KeepsOrderAndLastValueAtAnySize)
 
 TEST(JsonWriting, EscapesWhatMustBe)
 {
-	const struct
-	{
-		const char* Why;
-		std::string_view Text;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<std::string_view> Cases[] = {
 		{"quotes and backslashes", "a\"b\\", R"("a\"b\\")"},
 		{"short escapes", "\b\f\n\r\t", R"("\b\f\n\r\t")"},
 		{"other control characters", std::string_view("\0\x1f", 2), R"("\u0000\u001f")"},
@@ -307,11 +284,10 @@ TEST(JsonWriting, EscapesWhatMustBe)
 		{"beyond ASCII stays", "ä€😀", "\"ä€😀\""},
 		{"ill-formed bytes are repaired", "a\xFF\n", "\"a�\\n\""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		std::string Out;
-		Json::AppendQuoted(Out, Case.Text);
+		Json::AppendQuoted(Out, Case.Given);
 		EXPECT_EQ(Out, Case.Expected);
 	}
 }

@@ -1,4 +1,5 @@
 #include "Core/Program/Config.h"
+#include "Support/Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -35,12 +36,7 @@ std::string Join(const TArray<FString>& Values)
 
 TEST(Config, ReadsLines)
 {
-	const struct
-	{
-		const char* Why;
-		std::string_view Text;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<std::string_view> Cases[] = {
 		{"nothing", "", ""},
 		{"all operations", "[S]\nA=1\n+B=2\n-B=3\n!B=ClearArray\n", "[S] 2:3 A=<1> 3:4 +B=<2> 4:4 -B=<3> 5:4 !B=<ClearArray>\n"},
 		{"comments, blank lines and a last line without end", "; x\n# [T]\n\n[S]\n  ;A=0\nA=1", "[S] 6:3 A=<1>\n"},
@@ -56,21 +52,13 @@ TEST(Config, ReadsLines)
 		{"ill-formed bytes are repaired", "[S]\nA=\xFF\n", "[S] 2:3 A=<�>\n"},
 		{"clearing is spelt in any case", "[S]\n!A=cleararray\n", "[S] 2:4 !A=<cleararray>\n"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Render(Case.Text), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Render(Case.Given), Case.Expected);
 }
 
 TEST(Config, ReportsAndSkipsWhatIsNoLine)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Text;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"no sign of equality", "[S]\n  Hello\nA=1\n",
 			"[S] 3:3 A=<1>\nGame.ini:2:3: error: a '=' is missing; a setting reads Key=Value [settings-syntax]\n"},
 		{"above all sections", "A=1\n[S]\n",
@@ -88,21 +76,13 @@ TEST(Config, ReportsAndSkipsWhatIsNoLine)
 		{"clearing to something", "[S]\n!A=1\n",
 			"[S]\nGame.ini:2:4: error: a '!' line empties a list and reads !Key=ClearArray [settings-syntax]\n"},
 	};
-	for (const auto& Case : Cases)
-	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(Render(Case.Text), Case.Expected);
-	}
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Render(Case.Given), Case.Expected);
 }
 
 TEST(Config, AppliesLinesToLists)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Lines;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"not mentioned", "Other=1\n", "d;e;"},
 		{"the first mention replaces the defaults", "+K=a\n", "a;"},
 		{"later ones add", "K=a\nK=b\n+K=c\n", "a;b;c;"},
@@ -111,10 +91,9 @@ TEST(Config, AppliesLinesToLists)
 		{"clearing alone", "!K=ClearArray\n", ""},
 		{"twice the same stays twice", "K=a\nK=a\n", "a;a;"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		const FConfigFile File = FConfigFile::Parse(std::string("[S]\n") + Case.Lines, "Game.ini", nullptr);
+		const FConfigFile File = FConfigFile::Parse(std::string("[S]\n") + Case.Given, "Game.ini", nullptr);
 		ASSERT_NE(File.FindSection("s"), nullptr);
 		EXPECT_EQ(Join(FConfigFile::ApplyToArray(*File.FindSection("s"), "K", {"d", "e"})), Case.Expected);
 	}

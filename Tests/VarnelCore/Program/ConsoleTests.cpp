@@ -1,4 +1,5 @@
 #include "Core/Program/Console.h"
+#include "Support/Cases.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -49,9 +50,8 @@ TEST(Console, RunsWhatALineSays)
 		{"nobody's name", "Test.Before a", false, ""},
 		{"nothing", " \t ", false, ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		Received.clear();
 		EXPECT_EQ(Console.ProcessUserConsoleInput(Case.Line), Case.bRan);
 		EXPECT_EQ(Received, Case.Expected);

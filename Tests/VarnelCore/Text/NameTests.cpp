@@ -1,4 +1,5 @@
 #include "Core/Text/Name.h"
+#include "Support/Cases.h"
 
 #include <algorithm>
 #include <atomic>
@@ -41,9 +42,8 @@ TEST(Name, NoneIsTheEmptyName)
 		{"other spelling", "nONE", true, "nONE"},
 		{"longer", "None_", false, "None_"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		EXPECT_EQ(Case.Name.IsNone(), Case.bIsNone);
 		EXPECT_EQ(Case.Name == FName(), Case.bIsNone);
 		EXPECT_EQ(Case.Name.View(), Case.Printed);

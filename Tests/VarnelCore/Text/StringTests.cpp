@@ -1,6 +1,8 @@
 #include "Core/Base/Containers.h"
 #include "Core/Text/String.h"
 #include "Core/Text/Unicode.h"
+#include "Support/Cases.h"
+#include "Support/Seed.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -47,9 +49,8 @@ TEST(CaseFolding, ComparesCodePointByCodePoint)
 		{"equal although words of eight bytes are out of step", "\u212Aabcdefghijkl", "KABCDEFGHIJKL", true},
 		{"beginning of the other", "Hero", "Her", false},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		EXPECT_EQ(Unicode::EqualsFolded(Case.A, Case.B), Case.bEqual);
 		EXPECT_EQ(Unicode::Fold(Case.A) == Unicode::Fold(Case.B), Case.bEqual);
 		EXPECT_EQ(Unicode::HashFolded(Case.A) == Unicode::HashFolded(Case.B), Case.bEqual);
@@ -74,9 +75,7 @@ TEST(CaseFolding, AgreesWithConversionsOfEveryCodePoint)
 
 TEST(CaseFolding, EqualTextsHashEquallyAtAnyLength)
 {
-	const uint32 Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	constexpr std::pair<char32_t, char32_t> Letters[] = {{'a', 'A'}, {'z', 'Z'}, {'k', 0x212A}, {'s', 0x17F}, {0xDF, 0x1E9E},
 		{0x436, 0x416}, {0x2C65, 0x23A}, {'_', '_'}, {0x10428, 0x10400}};
 	for (std::size_t Length = 0; Length < 600; ++Length)
@@ -131,9 +130,8 @@ TEST(CaseFolding, OrdersByFoldedCodePoints)
 		{"code points, not UTF-16 units", "\uFFFD", "\U00010000", -1},
 		{"folding moves a letter far", "\u2C65", "\u023A", 0},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		EXPECT_EQ(SignOf(Unicode::CompareFolded(Case.A, Case.B)), Case.Sign);
 		EXPECT_EQ(SignOf(Unicode::CompareFolded(Case.B, Case.A)), -Case.Sign);
 	}
@@ -141,12 +139,7 @@ TEST(CaseFolding, OrdersByFoldedCodePoints)
 
 TEST(Utf8, RepairsEveryMaximalSubpart)
 {
-	const struct
-	{
-		const char* Why;
-		std::string Bytes;
-		std::string Repaired;
-	} Cases[] = {
+	const TCase<std::string, std::string> Cases[] = {
 		{"valid text stays, up to the last code point", "aß\u20AC\U0010FFFF", "aß\u20AC\U0010FFFF"},
 		{"stray continuations one by one", "a\x80\xBFz", "a\uFFFD\uFFFDz"},
 		{"cut sequence of four is one subpart", "\xF0\x9F\x98z", "\uFFFDz"},
@@ -160,12 +153,11 @@ TEST(Utf8, RepairsEveryMaximalSubpart)
 		{"NUL is a character", "a\0b"s, "a\0b"s},
 		{"fault behind the first word", "abcdefghij\xFFk", "abcdefghij\uFFFDk"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
-		EXPECT_EQ(FString::FromExternal(Case.Bytes).ToStdString(), Case.Repaired);
-		EXPECT_EQ(Unicode::IsValidUtf8(Case.Bytes), Case.Bytes == Case.Repaired);
-		EXPECT_TRUE(Unicode::IsValidUtf8(Unicode::RepairUtf8(Case.Bytes)));
+		EXPECT_EQ(FString::FromExternal(Case.Given).ToStdString(), Case.Expected);
+		EXPECT_EQ(Unicode::IsValidUtf8(Case.Given), Case.Given == Case.Expected);
+		EXPECT_TRUE(Unicode::IsValidUtf8(Unicode::RepairUtf8(Case.Given)));
 	}
 }
 
@@ -195,8 +187,8 @@ TEST(Utf8, ReadsUtf16)
 		{"lone low", "\x00\xDE"s, false, "\uFFFD"},
 		{"odd last byte", "A\0B"s, false, "A\uFFFD"},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(Unicode::Utf16ToUtf8(Case.Bytes, Case.bBigEndian), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Unicode::Utf16ToUtf8(Case.Bytes, Case.bBigEndian), Case.Expected);
 }
 
 TEST(String, FindsAndCutsByCodePoints)
@@ -219,9 +211,8 @@ TEST(String, FindsAndCutsByCodePoints)
 		{"longer than what is left", "жизнь!", ESearchCase::IgnoreCase, 0, INDEX_NONE, INDEX_NONE},
 	};
 	EXPECT_EQ(Text.Len(), 17);
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		EXPECT_EQ(Text.Find(Case.Needle, Case.Case, Case.Start), Case.First);
 		EXPECT_EQ(Text.FindLast(Case.Needle, Case.Case), Case.Last);
 	}
@@ -256,8 +247,8 @@ TEST(String, ReplacesWhatMatchesWhateverItsLength)
 		{"no overlap", "aaa", "aa", "b", "ba"},
 		{"empty needle", "abc", "", "x", "abc"},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(FString(Case.Text).Replace(Case.From, Case.To).ToStdString(), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(FString(Case.Text).Replace(Case.From, Case.To).ToStdString(), Case.Expected);
 }
 
 TEST(String, TrimsSplitsAndJoins)
@@ -317,8 +308,8 @@ TEST(String, PrintsFloatsWithSixDecimalsAtMost)
 		{"not a number", std::nan(""), 1, "nan"},
 		{"negative infinity", -std::numeric_limits<double>::infinity(), 1, "-inf"},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(FString::SanitizeFloat(Case.Value, Case.MinFractionalDigits).ToStdString(), Case.Expected) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(FString::SanitizeFloat(Case.Value, Case.MinFractionalDigits).ToStdString(), Case.Expected);
 	EXPECT_EQ(FString::SanitizeFloat(-std::numeric_limits<double>::max()).Len(), 312); // sign, 309 digits, ".0"
 }
 

@@ -1,5 +1,6 @@
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
+#include "Support/Cases.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -289,12 +290,7 @@ TEST(GameThread, OtherThreadsWakeRunUntil)
 	FGameThread Loop;
 	std::stop_source Source;
 	std::atomic<bool> bDone = false;
-	const struct
-	{
-		const char* Why;
-		std::function<void()> Act;
-		bool bExpected;
-	} Cases[] = {
+	const TCase<std::function<void()>, bool> Cases[] = {
 		{"by a task", [&] { Loop.Post([&] { bDone = true; }); }, true},
 		{"by a wake after the condition changed",
 			[&]
@@ -305,12 +301,11 @@ TEST(GameThread, OtherThreadsWakeRunUntil)
 			true},
 		{"by a stop", [&] { Source.request_stop(); }, false},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		bDone = false;
-		const std::jthread Other(Case.Act);
-		EXPECT_EQ(Loop.RunUntil([&] { return bDone.load(); }, std::chrono::hours(1), Source.get_token()), Case.bExpected);
+		const std::jthread Other(Case.Given);
+		EXPECT_EQ(Loop.RunUntil([&] { return bDone.load(); }, std::chrono::hours(1), Source.get_token()), Case.Expected);
 	}
 }
 

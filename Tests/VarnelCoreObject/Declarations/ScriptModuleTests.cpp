@@ -2,6 +2,7 @@
 
 #include "CoreObject/Packages/PackageSource.h"
 #include "PackageFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -199,9 +200,8 @@ TEST_F(ScriptModule, LeavesOutFaultyDeclarationsAlone)
 				R"("structs":[{"name":"A","properties":[{"name":"P","type":"int","default":^"x"},{"name":"Q","type":"int","default":^5000000000}]}])"),
 			"error property-type\nerror property-range", "A; int P = 0; int Q = 0"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FMarkedText Marked(Case.Text);
 		EXPECT_EQ(Declare({{"M", Marked.GetText()}}), Marked.Place(Case.Faults));
 		EXPECT_EQ(Describe("/Script/M.A"), Case.A);

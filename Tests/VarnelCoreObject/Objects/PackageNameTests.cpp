@@ -1,6 +1,7 @@
 #include "CoreObject/Objects/PackageName.h"
 
 #include "Core/Files/File.h"
+#include "Support/Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -38,12 +39,7 @@ protected:
 
 TEST_F(PackageName, ConvertsFilesAndLongNames)
 {
-	const struct
-	{
-		const char* Why;
-		std::string Filename;
-		const char* Expected;
-	} Cases[] = {
+	const TCase<std::string> Cases[] = {
 		{"absolute file", "/nowhere/Lantern/Content/UI/W_Menu.vasset", "/Game/UI/W_Menu"},
 		{"file relative to the project", "Content/UI/W_Menu.vasset", "/Game/UI/W_Menu"},
 		{"a file in another case", "CONTENT/ui/W_Menu.VASSET", "/Game/ui/W_Menu"},
@@ -86,8 +82,8 @@ TEST_F(PackageName, ConvertsFilesAndLongNames)
 		{"a bare name", "W_Menu", "-"},
 		{"nothing", "", "-"},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(Convert(Case.Filename), Case.Expected) << Case.Why << ": " << Case.Filename;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Convert(Case.Given), Case.Expected);
 }
 
 TEST_F(PackageName, RelativeFilesNeedAProject)
@@ -100,12 +96,7 @@ TEST_F(PackageName, RelativeFilesNeedAProject)
 
 TEST_F(PackageName, MountsEachRootOnce)
 {
-	const struct
-	{
-		const char* Why;
-		const char* Root;
-		bool bMounted;
-	} Cases[] = {
+	const TCase<const char*, bool> Cases[] = {
 		{"new root", "/Water", true},
 		{"mounted already", "/Game", false},
 		{"mounted already but for case", "/gamE", false},
@@ -116,20 +107,15 @@ TEST_F(PackageName, MountsEachRootOnce)
 		{"a dot would end the package's name", "/Plugin.v2", false},
 		{"no name", "/", false},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(FPackageName::MountRoot(Case.Root, "/elsewhere/Other/"), Case.bMounted) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(FPackageName::MountRoot(Case.Given, "/elsewhere/Other/"), Case.Expected);
 	EXPECT_EQ(Convert("/elsewhere/Other/A.vasset"), "/Water/A");
 	EXPECT_EQ(Convert("/nowhere/Lantern/Content/A.vasset"), "/Game/A");
 }
 
 TEST(LongPackageName, IsValidInOneFormOnly)
 {
-	const struct
-	{
-		const char* Why;
-		std::string_view Text;
-		bool bValid;
-	} Cases[] = {
+	const TCase<std::string_view, bool> Cases[] = {
 		{"usual", "/Game/UI/W_Menu", true},
 		{"one segment behind the root", "/Script/Engine", true},
 		{"blanks, digits, signs", "/Game/My Maps/L_01 (old) #2+$@[]{}=;^`%-'&!~,", true},
@@ -151,6 +137,6 @@ TEST(LongPackageName, IsValidInOneFormOnly)
 		{"zero byte", std::string_view("/Game/U\0I", 9), false},
 		{"empty", "", false},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(FPackageName::IsValidLongPackageName(Case.Text), Case.bValid) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(FPackageName::IsValidLongPackageName(Case.Given), Case.Expected);
 }

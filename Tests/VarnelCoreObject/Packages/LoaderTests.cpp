@@ -1,4 +1,5 @@
 #include "PackageFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -49,10 +50,10 @@ TEST_F(Loader, FindsObjectsByAnySpellingOfTheirPath)
 		{"nothing", nullptr, "", ""},
 		{"a root", nullptr, "/", ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		const UObject* const Object = StaticLoadObject(Case.Class, nullptr, Case.Path);
-		EXPECT_EQ(Object ? Object->GetPathName().ToStdString() : "", Case.Found) << Case.Why;
+		EXPECT_EQ(Object ? Object->GetPathName().ToStdString() : "", Case.Found);
 	}
 	EXPECT_EQ(File.NumReads, 1);
 	UObject* const A = StaticLoadObject(nullptr, LoadPackage("/Game/A"), "A");
@@ -76,9 +77,8 @@ TEST_F(Loader, RemembersFailedLoadsUntilPackagesAreUnloaded)
 		{"unreadable", "", EFileRead::Unreadable, "~ error unreadable-file"},
 		{"a byte beyond 64 MiB", std::string((std::size_t{64} << 20) + 1, ' '), EFileRead::Ok, "~ error too-large"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FDiagnosticSink Sink;
 		SetLoadDiagnostics(&Sink);
 		FFile& File = Files["/Game/Bad"] = {Case.Text, Case.Outcome, 0};

@@ -1,4 +1,5 @@
 #include "PackageFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -108,9 +109,8 @@ TEST_F(Prefetch, IsNotTakenAtItsWord)
 		{"the same again and again", std::vector<std::string>(500, Asked[0])},
 		{"only some", {Asked[1], Asked[150]}},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		Names = Case.Announced;
 		const FPackagePrefetch Announced(ListNames());
 		Names = Asked;

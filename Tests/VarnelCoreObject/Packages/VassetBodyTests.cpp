@@ -1,4 +1,5 @@
 #include "PackageFixture.h"
+#include "Support/Cases.h"
 
 namespace
 {
@@ -41,12 +42,7 @@ class VassetBody : public FPackageFiles
 TEST_F(VassetBody, ListsObjectsInFileOrder)
 {
 	AddBlueprint("/Game/BP_Foreign", "/Script/Test.Node");
-	const struct
-	{
-		const char* Why;
-		std::string Objects;
-		const char* Listed;
-	} Cases[] = {
+	const TCase<std::string> Cases[] = {
 		{"siblings in file order, what lies inside behind its outer",
 			Node("B") + "," + Node("A") + "," + Node("B:Y") + "," + Node("B:X") + "," + Node("B:Y.Z"),
 			"B Node\nB:Y Node\nB:Y.Z Node\nB:X Node\nA Node"},
@@ -62,10 +58,10 @@ TEST_F(VassetBody, ListsObjectsInFileOrder)
 				ObjectOf("/game/p.bp_own_c", "Two"),
 			"BP_Own_C Class\nOne BP_Own_C\nBP_Own Blueprint\nTwo BP_Own_C"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		Add("/Game/P", Case.Objects);
-		EXPECT_EQ(List(LoadPackage("/Game/P")), Case.Listed) << Case.Why;
+		Add("/Game/P", Case.Given);
+		EXPECT_EQ(List(LoadPackage("/Game/P")), Case.Expected);
 		UnloadAllLoadedPackages();
 	}
 	EXPECT_EQ(RenderFaults(Faults), "");
@@ -132,9 +128,8 @@ TEST_F(VassetBody, LeavesOutFaultyObjectsAlone)
 		{"no properties where a class depends on them", R"({"path":"BP","class":"/Script/Engine.Blueprint"})",
 			"BP Blueprint\nBP_C Class", "1:1 error no-parent"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FMarkedText Marked(Add("/Game/P", Case.Objects).Text);
 		Files["/Game/P"].Text = Marked.GetText();
 		FDiagnosticSink Sink;
@@ -170,9 +165,8 @@ TEST_F(VassetBody, ReportsWhatTheHeaderHasNotSeen)
 			"~ warning invalid-utf8\nwarning unknown-key"},
 	};
 	const TUniquePtr<IPackageReader> Reader = GetVassetPackageSource().MakeReader();
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		UPackage* const Package = FindPackage("/Game/Scratch", true);
 		const FMarkedText Marked(Case.Text);
 		std::string Bytes = Marked.GetText();

@@ -1,12 +1,12 @@
 #include "CoreObject/Objects/PackageName.h"
 #include "PackageFixture.h"
+#include "Support/Seed.h"
 
 #include <random>
 #include <set>
 
 namespace
 {
-constexpr uint32 Seed = 20240611;
 constexpr int32 NumRounds = 4000; // of each package
 
 const std::string Packages[] = {
@@ -134,7 +134,7 @@ protected:
 
 TEST_F(VassetFuzz, SurvivesDamageAnywhere)
 {
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed(20240611));
 	int32 NumHeaders = 0;
 	int32 NumBodies = 0;
 	for (const std::string& Package : Packages)
@@ -145,7 +145,7 @@ TEST_F(VassetFuzz, SurvivesDamageAnywhere)
 		for (int32 Round = 0; Round < NumRounds && !HasFailure(); ++Round)
 		{
 			const std::string Damaged = Damage(Package, 0, Random);
-			SCOPED_TRACE("seed " + std::to_string(Seed) + ", round " + std::to_string(Round) + ":\n" + Damaged);
+			SCOPED_TRACE("round " + std::to_string(Round) + ":\n" + Damaged);
 			FDiagnosticSink Sink;
 			const std::string Header = ReadHeader(Damaged, &Sink);
 			EXPECT_EQ(Header, ReadHeader(Damaged, nullptr)) << "the answer depends on whether somebody listens";
@@ -161,14 +161,14 @@ TEST_F(VassetFuzz, SurvivesDamageAnywhere)
 
 TEST_F(VassetFuzz, DamagedBodiesLeaveTheHeaderStanding)
 {
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed(20240611));
 	const std::string& Package = Packages[0];
 	const std::size_t Body = Package.find("\"objects\"") + std::string_view("\"objects\"").size();
 	const std::string Intact = ReadHeader(Package, nullptr);
 	for (int32 Round = 0; Round < NumRounds && !HasFailure(); ++Round)
 	{
 		const std::string Damaged = Damage(Package, Body, Random);
-		SCOPED_TRACE("seed " + std::to_string(Seed) + ", round " + std::to_string(Round) + ":\n" + Damaged);
+		SCOPED_TRACE("round " + std::to_string(Round) + ":\n" + Damaged);
 		FDiagnosticSink Sink;
 		EXPECT_EQ(ReadHeader(Damaged, &Sink), Intact);
 		EXPECT_EQ(RenderFaults(Sink), "");

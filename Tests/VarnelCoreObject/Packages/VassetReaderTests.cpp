@@ -5,6 +5,7 @@
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Packages/PackageSource.h"
 #include "CoreObject/Reflection/Class.h"
+#include "Support/Cases.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -63,9 +64,8 @@ struct FHeaderCase
 void CheckHeaders(std::span<const FHeaderCase> Cases)
 {
 	const TUniquePtr<IPackageReader> Reader = GetVassetPackageSource().MakeReader(); // one for all: nothing may stick
-	for (const FHeaderCase& Case : Cases)
+	for (const FHeaderCase& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FMarkedText Marked(Case.Text);
 		const FHeaderReading Read = ReadHeader(*Reader, Marked.GetText());
 		EXPECT_EQ(Read.Header, Case.Header);

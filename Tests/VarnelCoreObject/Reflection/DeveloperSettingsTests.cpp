@@ -2,6 +2,7 @@
 
 #include "CoreObject/Reflection/NativeClass.h"
 #include "DiagnosticText.h"
+#include "Support/Cases.h"
 
 #include <gtest/gtest.h>
 
@@ -69,9 +70,8 @@ TEST(DeveloperSettings, AreReadOverTheConstructorsValues)
 		{"other sections are somebody else's", "[Other]\nA=1\n", Defaults, ""},
 	};
 	const auto* const Settings = UTestSettings::StaticClass()->GetDefaultObject<UTestSettings>();
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		FDiagnosticSink Sink;
 		const FConfigFile File = FConfigFile::Parse(FString("[/Script/Test.TestSettings]\n") + Case.Lines, "Game.ini", nullptr);
 		LoadDeveloperSettings(File, "Game.ini", &Sink);

@@ -1,4 +1,6 @@
 #include "PackageFixture.h"
+#include "Support/Cases.h"
+#include "Support/Seed.h"
 
 #include <functional>
 #include <random>
@@ -288,9 +290,8 @@ TEST_F(PropertyReading, ReportsFaultyDeclarations)
 		{"inside itself", R"([{"name":^"A","type":"struct</Game/Values.S>"},{"name":"B","type":"int"}])", "AB",
 			"error value-cycle"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
-		SCOPED_TRACE(Case.Why);
 		const FMarkedText Text(Case.Declarations);
 		auto* const Struct = static_cast<UScriptStruct*>(NewObject(UScriptStruct::StaticClass(), Package, "S"));
 		Struct->SetSuperStruct(Cast<UScriptStruct>(Package->FindInside("Point")));
@@ -324,9 +325,7 @@ TEST_F(PropertyReading, MakesEnumerationsWithAMaximum)
 /** Random values for random types: nothing may crash or leak, what was read can be copied, and copies are identical. */
 TEST_F(PropertyReading, SurvivesAnything)
 {
-	const uint32 Seed = std::random_device()();
-	SCOPED_TRACE("seed " + std::to_string(Seed));
-	std::mt19937 Random(Seed);
+	std::mt19937 Random(GetSeed());
 	const auto Below = [&Random](std::size_t End) { return std::uniform_int_distribution<std::size_t>(0, End - 1)(Random); };
 	const std::function<std::string(int32)> MakeType = [&](int32 Depth) -> std::string
 	{

@@ -1,4 +1,5 @@
 #include "PackageFixture.h"
+#include "Support/Cases.h"
 
 #include <string>
 #include <vector>
@@ -119,12 +120,7 @@ TEST_F(Reflection, ReadsTypeTextsAndWritesThemBack)
 {
 	MakeStruct("Point", {{"float", "X"}})->Link();
 	Make<UEnum>(UEnum::StaticClass(), "EColour")->SetEntries({{"EColour::Red", FText(), 0}});
-	const struct
-	{
-		const char* Why;
-		const char* Type;
-		const char* FieldClass;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"integers of every width", "int8", "Int8Property"},
 		{"", "int16", "Int16Property"},
 		{"", "int", "IntProperty"},
@@ -160,13 +156,13 @@ TEST_F(Reflection, ReadsTypeTextsAndWritesThemBack)
 			"array<array<array<array<array<array<array<array<array<array<array<array<array<array<array<int>>>>>>>>>>>>>>>",
 			"ArrayProperty"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		FString Error;
-		const TUniquePtr<FProperty> Property = MakeProperty(Case.Type, "P", Error);
-		ASSERT_TRUE(Property) << Case.Type << ": " << *Error;
-		EXPECT_STREQ(*Property->GetClass()->GetName(), Case.FieldClass) << Case.Type;
-		EXPECT_STREQ(*Property->GetTypeText(), Case.Type) << Case.Why;
+		const TUniquePtr<FProperty> Property = MakeProperty(Case.Given, "P", Error);
+		ASSERT_TRUE(Property) << Case.Given << ": " << *Error;
+		EXPECT_STREQ(*Property->GetClass()->GetName(), Case.Expected) << Case.Given;
+		EXPECT_STREQ(*Property->GetTypeText(), Case.Given);
 	}
 	FString Error;
 	EXPECT_STREQ(*MakeProperty(" map< name , array<int> > ", "P", Error)->GetTypeText(), "map<name,array<int>>")
@@ -176,12 +172,7 @@ TEST_F(Reflection, ReadsTypeTextsAndWritesThemBack)
 TEST_F(Reflection, TellsWhatIsWrongWithATypeText)
 {
 	Make<UEnum>(UEnum::StaticClass(), "EColour");
-	const struct
-	{
-		const char* Why;
-		const char* Type;
-		const char* Reason;
-	} Cases[] = {
+	const TCase<> Cases[] = {
 		{"empty", "", "a type is missing"},
 		{"unknown word", "integer", "'integer' is no type"},
 		{"words have one spelling", "Int", "'Int' is no type"},
@@ -209,11 +200,11 @@ TEST_F(Reflection, TellsWhatIsWrongWithATypeText)
 			"array<array<array<array<array<array<array<array<array<array<array<array<array<array<array<array<int>>>>>>>>>>>>>>>>",
 			"types are nested more than 16 levels deep"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		FString Error;
-		EXPECT_FALSE(MakeProperty(Case.Type, "P", Error)) << Case.Type;
-		EXPECT_TRUE(Error.EndsWith(FString(": ") + Case.Reason)) << Case.Type << " gave " << *Error;
+		EXPECT_FALSE(MakeProperty(Case.Given, "P", Error)) << Case.Given;
+		EXPECT_TRUE(Error.EndsWith(FString(": ") + Case.Expected)) << Case.Given << " gave " << *Error;
 	}
 	FString Error;
 	const std::string Deep(1000000, '<');
@@ -350,13 +341,13 @@ TEST_F(Reflection, DoesNotReadWhatCannotBeLaidOut)
 			"/Game/Reflection.Left -> /Game/Reflection.Right -> /Game/Reflection.Left"},
 		{"a class without a parent derives from Object", Orphan, "A", ""},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		TArray<FLinkFault> Told;
 		Case.Struct->Link(&Told);
-		EXPECT_EQ(Names(*Case.Struct), Case.Names) << Case.Why;
-		EXPECT_EQ(Told.Num(), *Case.Fault ? 1 : 0) << Case.Why;
-		EXPECT_EQ(Told.IsEmpty() ? FString() : Told[0].Text, Case.Fault) << Case.Why;
+		EXPECT_EQ(Names(*Case.Struct), Case.Names);
+		EXPECT_EQ(Told.Num(), *Case.Fault ? 1 : 0);
+		EXPECT_EQ(Told.IsEmpty() ? FString() : Told[0].Text, Case.Fault);
 	}
 	EXPECT_EQ(Orphan->GetSuperClass(), UObject::StaticClass());
 	EXPECT_EQ(Self->AddProperty(MakeUnique<FIntProperty>("Late")), nullptr) << "the layout is settled";
@@ -452,8 +443,8 @@ TEST_F(Reflection, KeepsObjectsInOrderBelowTheirOuters)
 		{"packages are not made like that", NewObject(UPackage::StaticClass(), Package, "X")},
 		{"class not linked", NewObject(Make<UClass>(UClass::StaticClass(), "Unlinked"), Package, "X")},
 	};
-	for (const auto& Case : Cases)
-		EXPECT_EQ(Case.Refused, nullptr) << Case.Why;
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Case.Refused, nullptr);
 }
 
 TEST_F(Reflection, WalksDeepTreesWithoutRecursion)
@@ -605,12 +596,12 @@ TEST(ObjectPath, ReadsWhatIsAPath)
 		{"two dots", "/Game/A.A.B", "", ""},
 		{"letters beyond ASCII", "/Game/Ä.Ä", "/Game/Ä.Ä", "/Game/Ä.Ä"},
 	};
-	for (const auto& Case : Cases)
+	for (const auto& Case : Traced(Cases))
 	{
 		const FSoftObjectPath Path{FStringView(Case.Text)};
-		EXPECT_STREQ(*Path.ToString(), Case.Full) << Case.Why << ": " << Case.Text;
+		EXPECT_STREQ(*Path.ToString(), Case.Full);
 		EXPECT_EQ(Path.IsNull(), *Case.Full == '\0') << Case.Text;
-		EXPECT_STREQ(*FTopLevelAssetPath{FStringView(Case.Text)}.ToString(), Case.TopLevel) << Case.Why << ": " << Case.Text;
+		EXPECT_STREQ(*FTopLevelAssetPath{FStringView(Case.Text)}.ToString(), Case.TopLevel);
 	}
 	EXPECT_EQ(FSoftObjectPath("/Game/A.A:sub"), FSoftObjectPath("/game/a.a:SUB"));
 }

@@ -25,7 +25,7 @@ struct FToolMessage
 class FToolResult
 {
 public:
-	/** JSON text, or a JSON object. */
+	/** JSON text, or a JSON object; null for an object that is not there. */
 	using FPayload = std::variant<FString, TSharedPtr<FJsonObject>>;
 
 	explicit FToolResult(const FToolCommand& Command) : ToolName(Command.ToolName) {}
@@ -33,9 +33,11 @@ public:
 	FToolResult& AddErrorMessage(const FString& Text);
 	FToolResult& AddWarningMessage(const FString& Text);
 	FToolResult& AddSuccessMessage(const FString& Text);
-	/** Attaches serialized JSON. Setting a key again replaces its payload. */
-	FToolResult& SetData(const FString& Key, const FString& Value);
+	/** Attaches a payload; setting a key again replaces it. An object must not change any more: whoever writes the answer out may
+	 * do so on another thread. */
 	FToolResult& SetData(const FString& Key, const TSharedPtr<FJsonObject>& Value);
+	/** The same for serialized JSON, which is read again where the answer is written as JSON; any other text becomes a string. */
+	FToolResult& SetData(const FString& Key, const FString& Value);
 
 	bool HasErrors() const;
 	const FString& GetToolName() const { return ToolName; }

@@ -1,7 +1,7 @@
 #include "Commands/Commands.h"
-#include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Project/HeadlessEngine.h"
+#include "Terminal/ExitCode.h"
 #include "Tools/PathSearchTool.h"
 #include "Tools/ToolCaller.h"
 
@@ -52,10 +52,13 @@ int PrintEnvelope(const Orivane::FToolResult& Result)
 
 int RunCall(const FCallArguments& Arguments)
 {
-	const bool bFromInput = Arguments.ArgumentsJson.View() == "-";
-	std::string ArgumentText = bFromInput ? std::string() : Arguments.ArgumentsJson.ToStdString();
-	if (bFromInput && !ReadStandardInput(ArgumentText))
-		return EExitCode::WrongUse;
+	std::string ArgumentText = Arguments.ArgumentsJson.ToStdString();
+	if (ArgumentText == "-")
+	{
+		ArgumentText.clear();
+		if (!ReadStandardInput(ArgumentText))
+			return EExitCode::WrongUse;
+	}
 
 	const FHeadlessEngine Engine;
 	RegisterPathSearchTool();

@@ -1,8 +1,9 @@
 #include "Commands/Commands.h"
 #include "Core/Json/Json.h"
-#include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
 #include "Project/ProjectCheck.h"
+#include "Project/ProjectRegistry.h"
+#include "Terminal/ExitCode.h"
 
 namespace
 {
@@ -42,7 +43,7 @@ void PrintLines(const FDiagnosticSink& Sink)
 		Lines += Terminal::Sanitize(Diagnostic.ToString()) + "\n";
 	Terminal::Print(Lines);
 	Terminal::PrintError(FString::Printf("%d package(s) checked: %d error(s), %d warning(s)\n",
-		FProject::GetRegistry().NumPackages(), Sink.NumErrors(), Sink.NumWarnings()));
+		GetProjectRegistry().NumPackages(), Sink.NumErrors(), Sink.NumWarnings()));
 }
 }
 

@@ -1,7 +1,7 @@
 #include "Commands/CommandLine.h"
 
-#include "OrivaneHost/Program.h"
 #include "Quellar/Tools/ToolArguments.h"
+#include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/Version.h"
 

@@ -3,44 +3,23 @@
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Reflection/DeveloperSettings.h"
 #include "CoreObject/Reflection/Properties.h"
-#include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
 #include "Project/PackageMemory.h"
+#include "Project/ProjectRegistry.h"
+#include "Quellar/Families/AssetFamily.h"
+#include "Terminal/ExitCode.h"
 
 #include <sys/resource.h>
 
 namespace
 {
-struct FFamilyClasses
-{
-	const char* Family;
-	TArray<FTopLevelAssetPath> Classes;
-};
-
-/** Classes whose assets, with those of derived classes, make up a family. */
-const TArray<FFamilyClasses>& GetFamilyClasses()
-{
-	const auto Path = [](const char* Name) { return FTopLevelAssetPath("/Script/Engine", Name); };
-	static const TArray<FFamilyClasses> Families = {
-		{"Blueprint", {Path("Blueprint")}},
-		{"BehaviorTree", {Path("BehaviorTree")}},
-		{"Blackboard", {Path("BlackboardData")}},
-		{"Enum", {Path("UserDefinedEnum")}},
-		{"Struct", {Path("UserDefinedStruct")}},
-		{"DataAsset", {Path("DataAsset")}},
-		{"DataTable", {Path("DataTable")}},
-		{"EnvQuery", {Path("EnvQuery")}},
-		{"NiagaraSystem", {Path("NiagaraSystem")}},
-		{"Material", {Path("Material"), Path("MaterialInstanceConstant"), Path("MaterialFunctionInterface")}},
-	};
-	return Families;
-}
-
-int32 CountAssets(const TArray<FTopLevelAssetPath>& Classes)
+int32 CountAssets(const FAssetFamily& Family)
 {
 	int32 Count = 0;
-	const FARFilter Filter{.ClassPaths = Classes, .bRecursiveClasses = true};
-	FProject::GetRegistry().EnumerateAssets(
+	FARFilter Filter{.bRecursiveClasses = true};
+	for (UClass* (*const Class)() : Family.Classes)
+		Filter.ClassPaths.Add(Class()->GetStructPathName());
+	GetProjectRegistry().EnumerateAssets(
 		Filter, [&](const FAssetData&) { return ++Count, true; }, true);
 	return Count;
 }
@@ -62,15 +41,18 @@ FJsonArray MakeArray(const TArray<FString>& Texts)
 
 TSharedPtr<FJsonObject> MakeCountsJson()
 {
-	const FAssetRegistry& Registry = FProject::GetRegistry();
+	const FAssetRegistry& Registry = GetProjectRegistry();
 	auto Counts = MakeShared<FJsonObject>();
 	Counts->SetNumberField("packages", Registry.NumPackages());
 	Counts->SetNumberField("assets", Registry.NumAssets());
 	Counts->SetNumberField("dependencies", Registry.NumDependencies());
 	Counts->SetNumberField("preloaded", PackageMemory::Num());
 	auto Families = MakeShared<FJsonObject>();
-	for (const FFamilyClasses& Family : GetFamilyClasses())
-		Families->SetNumberField(Family.Family, CountAssets(Family.Classes));
+	for (const FAssetFamily& Family : GetAssetFamilies())
+	{
+		if (!Family.Classes.IsEmpty())
+			Families->SetNumberField(Family.Name, CountAssets(Family));
+	}
 	Counts->SetObjectField("families", Families);
 	auto Classes = MakeShared<FJsonObject>();
 	for (const auto& [Class, Count] : Registry.CountAssetsByClass())
@@ -160,7 +142,7 @@ TSharedPtr<FJsonObject> MakeScanJson(const FProjectSummary& Summary)
 	Scan->SetNumberField("parse_seconds", Summary.Scan.ParseSeconds);
 	Scan->SetNumberField("build_seconds", Summary.Scan.BuildSeconds);
 	Scan->SetNumberField("open_seconds", Summary.OpenSeconds);
-	Scan->SetNumberField("registry_bytes", FProject::GetRegistry().GetImageBytes());
+	Scan->SetNumberField("registry_bytes", GetProjectRegistry().GetImageBytes());
 	Scan->SetNumberField("peak_memory_bytes", GetPeakMemoryBytes());
 	return Scan;
 }
@@ -227,7 +209,7 @@ int RunInfo(const FInfoArguments& Arguments)
 		return ExitCode;
 	if (Arguments.bDumpRegistry)
 	{
-		FProject::GetRegistry().Dump([](FStringView Line) { Terminal::Print(Terminal::Sanitize(Line) + "\n"); });
+		GetProjectRegistry().Dump([](FStringView Line) { Terminal::Print(Terminal::Sanitize(Line) + "\n"); });
 		return EExitCode::Found;
 	}
 	const TSharedPtr<FJsonObject> Info = Arguments.bSettings ? MakeSettingsReferenceJson() : MakeInfoJson(Diagnostics);

@@ -1,7 +1,7 @@
 #include "Commands/Commands.h"
-#include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Tools/ToolArguments.h"
+#include "Terminal/ExitCode.h"
 #include "Tools/PathSearchTool.h"
 #include "Tools/ToolOutput.h"
 
@@ -27,7 +27,7 @@ FString Render(const FJsonObject& Content, const FPainter& Painter)
 {
 	FString Out;
 	for (const FJsonValue& Directory : GetArray(Content, "directories"))
-		Out += Painter.Bold(GetText(*Directory.AsObject(), "path")) + "\n" +
+		Out += Painter.Bold(GetPrintable(*Directory.AsObject(), "path")) + "\n" +
 			ListTexts(GetArray(*Directory.AsObject(), "files"), "  ");
 	const FJsonArray& Files = GetArray(Content, "files");
 	const bool bBoth = !Out.IsEmpty() && !Files.IsEmpty();

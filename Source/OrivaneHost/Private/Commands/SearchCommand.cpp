@@ -1,9 +1,9 @@
 #include "Commands/Commands.h"
-#include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Families/TextSearch.h"
-#include "Quellar/Search/AssetSearchService.h"
 #include "Quellar/Tools/ToolArguments.h"
+#include "Terminal/ExitCode.h"
 #include "Tools/ToolOutput.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ using namespace ToolOutput;
 /** The tool ignores unknown families in silence, as agents rely on; a person at a shell has mistyped. */
 bool AreFamiliesKnown(const FJsonObject& ToolArguments)
 {
-	const TArray<FString> Known = UAssetSearchService::GetFamilyNames();
+	const TArray<FString> Known = GetAssetFamilyNames();
 	for (const FJsonValue& Element : GetArray(ToolArguments, "include_asset_families"))
 	{
 		FString Family;
@@ -39,14 +39,14 @@ public:
 	void PrintAsset(const FJsonObject& Asset)
 	{
 		const FJsonArray& Hits = GetArray(Asset, "hits");
-		const FString Class = GetText(Asset, "class"); // none for materials that were not loaded
-		Out += Paint.Bold(GetText(Asset, "asset")) + (Class.IsEmpty() ? FString() : "  " + Paint.Dim(Class)) + "\n";
+		const FString Class = GetPrintable(Asset, "class"); // none for materials that were not loaded
+		Out += Paint.Bold(GetPrintable(Asset, "asset")) + (Class.IsEmpty() ? FString() : "  " + Paint.Dim(Class)) + "\n";
 		int32 KindWidth = 0;
 		int32 NameWidth = 0;
 		for (const FJsonValue& Hit : Hits)
 		{
-			KindWidth = std::max(KindWidth, GetText(*Hit.AsObject(), "kind").Len());
-			NameWidth = std::max(NameWidth, GetText(*Hit.AsObject(), "name").Len());
+			KindWidth = std::max(KindWidth, GetPrintable(*Hit.AsObject(), "kind").Len());
+			NameWidth = std::max(NameWidth, GetPrintable(*Hit.AsObject(), "name").Len());
 		}
 		for (const FJsonValue& Hit : Hits)
 			PrintHit(*Hit.AsObject(), KindWidth, std::min(NameWidth, MaxNameWidth));
@@ -64,9 +64,10 @@ private:
 	{
 		int32 Count = 1;
 		Hit.TryGetNumberField("count", Count);
-		const FString Container = GetText(Hit, "container");
-		Out += FString("  ") + Pad(GetText(Hit, "kind"), KindWidth) + "  ";
-		Out += Container.IsEmpty() ? GetText(Hit, "name") : Pad(GetText(Hit, "name"), NameWidth) + "  " + Paint.Dim(Container);
+		const FString Container = GetPrintable(Hit, "container");
+		Out += FString("  ") + Pad(GetPrintable(Hit, "kind"), KindWidth) + "  ";
+		Out += Container.IsEmpty() ? GetPrintable(Hit, "name")
+								   : Pad(GetPrintable(Hit, "name"), NameWidth) + "  " + Paint.Dim(Container);
 		Out += Count > 1 ? FString::Printf("  x%d\n", Count) : FString("\n");
 	}
 

@@ -2,9 +2,9 @@
 #include "Console/ConsoleCompletion.h"
 #include "Console/ConsoleSession.h"
 #include "Core/Files/File.h"
-#include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
 #include "Project/UserFolders.h"
+#include "Terminal/ExitCode.h"
 #include "Terminal/LineSplitter.h"
 
 #include <algorithm>

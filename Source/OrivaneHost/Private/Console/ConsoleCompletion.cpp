@@ -4,7 +4,7 @@
 #include "Core/Text/Unicode.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Quellar/Console/ConsoleSearch.h"
-#include "Quellar/Search/AssetSearchService.h"
+#include "Quellar/Families/AssetFamily.h"
 
 #include <algorithm>
 
@@ -81,7 +81,7 @@ FLineCompletion CompleteValue(const FString& Word, std::size_t Equals, int32 Wor
 		Typed.remove_prefix(1);
 	FLineCompletion Completion{.Start = WordStart + Word.NumBytes() - static_cast<int32>(Typed.size()), .Candidates = {}};
 	if (bList)
-		AddMatching(UAssetSearchService::GetFamilyNames(), Typed, "", Completion.Candidates);
+		AddMatching(GetAssetFamilyNames(), Typed, "", Completion.Candidates);
 	else if (Key == "relation=")
 		AddMatching({"Dependencies", "Referencers", "Both"}, Typed, " ", Completion.Candidates);
 	else if (Key == "exact=")

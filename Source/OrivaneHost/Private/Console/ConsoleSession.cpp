@@ -5,9 +5,9 @@
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Packages/Loader.h"
-#include "OrivaneHost/Program.h"
 #include "Project/PackageMemory.h"
 #include "Project/Project.h"
+#include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/StopTimer.h"
 #include "Terminal/Terminal.h"
@@ -130,7 +130,7 @@ int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Word
 	if (const int32 Number = FConsoleSearches::NumStarted(); Number > NumBefore)
 	{
 		const auto IsFinished = [this, Number] { return LastFinished == Number; };
-		const bool bFinished = FGameThread::Get().RunUntil(IsFinished, std::chrono::hours(24 * 365), Timer.GetToken());
+		const bool bFinished = FGameThread::Get().RunUntil(IsFinished, FGameThread::NoTimeLimit, Timer.GetToken());
 		return bFinished ? LastExitCode : GiveUp(Words);
 	}
 	if (IsStopRequested())

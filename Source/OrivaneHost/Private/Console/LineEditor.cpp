@@ -1,7 +1,7 @@
 #include "Console/LineEditor.h"
 
 #include "Core/Text/Unicode.h"
-#include "OrivaneHost/Program.h"
+#include "Terminal/ExitCode.h"
 #include "Terminal/Terminal.h"
 
 #include <algorithm>

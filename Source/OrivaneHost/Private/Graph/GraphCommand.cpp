@@ -2,13 +2,13 @@
 #include "Core/Files/File.h"
 #include "Graph/GraphPicture.h"
 #include "Graph/GraphTree.h"
-#include "OrivaneHost/Program.h"
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Graph/AssetGraphService.h"
-#include "Quellar/Search/AssetSearchService.h"
 #include "Quellar/Tools/ToolArguments.h"
+#include "Terminal/ExitCode.h"
 
 namespace
 {
@@ -34,10 +34,11 @@ int32 GetMaxNodes(const FGraphArguments& Arguments)
 /** The answer does not tell what the root is. */
 FString GetRootKind(const FJsonObject& Content)
 {
+	FString Root;
+	Content.TryGetStringField("root", Root);
 	FAssetData Asset;
-	return AssetPathUtils::GetRepresentativeAsset(GetText(Content, "root"), Asset)
-		? AssetTypeFromClassName(Asset.AssetClassPath.AssetName)
-		: FString();
+	return AssetPathUtils::GetRepresentativeAsset(Root, Asset) ? AssetTypeFromClassName(Asset.AssetClassPath.AssetName)
+															   : FString();
 }
 
 /** "hero", "Hero.vasset" and "/Game/Old/Hero.Hero" all name assets called Hero. */
@@ -113,7 +114,7 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 		PrintSuggestions(GetAsset(Arguments));
 		return EExitCode::NotFound;
 	}
-	if (GetText(*Content, "root").IsEmpty())
+	if (GetPrintable(*Content, "root").IsEmpty())
 	{
 		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(GetAsset(Arguments)) + "' is no package\n");
 		return EExitCode::NotFound;

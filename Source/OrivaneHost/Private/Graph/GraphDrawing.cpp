@@ -1,46 +1,12 @@
-#include "Core/Base/HashMap.h"
-#include "Core/Text/Unicode.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "Graph/GraphPage.h"
 #include "Graph/GraphPicture.h"
+#include "Quellar/Families/AssetFamily.h"
 
 namespace
 {
 constexpr const char* RuntimeColor = "#3b6fd4";
 constexpr const char* EditorColor = "#c07a1e";
-
-/** Fill of a kind's nodes; dark text is readable on all of them. */
-FString GetColor(const FString& Kind)
-{
-	struct FRow
-	{
-		const char* Kind;
-		const char* Color;
-	};
-	static constexpr FRow Rows[] = {
-		{"Blueprint", "#9cc4f5"},
-		{"WidgetBlueprint", "#b7b3f2"},
-		{"AnimBlueprint", "#8fd8e8"},
-		{"BehaviorTree", "#f2b8a0"},
-		{"Blackboard", "#f5cf9b"},
-		{"EnvQuery", "#e8b4d4"},
-		{"DataAsset", "#a8dcb0"},
-		{"DataTable", "#c5e29a"},
-		{"Struct", "#d8dc8c"},
-		{"Enum", "#efe08f"},
-		{"World", "#f0a3ae"},
-		{"StateTree", "#e3b3ef"},
-		{"Material", "#9fdcc8"},
-		{"NiagaraSystem", "#f3b0c9"},
-		{"Text", "#dcd3c4"},
-	};
-	for (const FRow& Row : Rows)
-	{
-		if (Kind == Row.Kind)
-			return Row.Color;
-	}
-	return "#cfd4da";
-}
 
 FString GetLabel(const FGraphPicture::FNode& Node)
 {
@@ -83,7 +49,7 @@ TSharedPtr<FJsonObject> MakeNodeJson(const FGraphPicture::FNode& Node)
 	Json->SetStringField("path", Node.Path);
 	Json->SetStringField("label", GetLabel(Node));
 	Json->SetStringField("kind", Node.Kind);
-	Json->SetStringField("color", GetColor(Node.Kind));
+	Json->SetStringField("color", GetAssetTypeColor(Node.Kind));
 	Json->SetNumberField("level", Node.Level);
 	return Json;
 }
@@ -123,7 +89,7 @@ FString GraphDrawing::WriteDot(const FGraphPicture& Picture)
 	{
 		const FGraphPicture::FNode& Node = Picture.Nodes[Index];
 		Out += FString("\t") + NameOf(Index) + " [label=\"" + EscapeDot(GetLabel(Node)) + "\\n" + EscapeDot(Node.Kind) +
-			"\", tooltip=\"" + EscapeDot(Node.Path) + "\", fillcolor=\"" + GetColor(Node.Kind) + "\"" +
+			"\", tooltip=\"" + EscapeDot(Node.Path) + "\", fillcolor=\"" + GetAssetTypeColor(Node.Kind) + "\"" +
 			(Index == 0 ? ", penwidth=3" : "") + "];\n";
 	}
 	for (const FGraphPicture::FLink& Link : Picture.Links)
@@ -152,7 +118,7 @@ FString GraphDrawing::WriteMermaid(const FGraphPicture& Picture)
 	for (const FGraphPicture::FLink& Link : Picture.Links)
 		Out += FString("\t") + NameOf(Link.From) + (Link.bRuntime ? " --> " : " -.-> ") + NameOf(Link.To) + "\n";
 	for (const auto& [Kind, Class] : ClassOfKind)
-		Out += FString("\tclassDef ") + Class + " fill:" + GetColor(Kind) + ",stroke:#5a6472,color:#16202b\n";
+		Out += FString("\tclassDef ") + Class + " fill:" + GetAssetTypeColor(Kind) + ",stroke:#5a6472,color:#16202b\n";
 	Out += "\tstyle n0 stroke-width:3px\n";
 	if (Picture.bTruncated)
 		Out += "\ttruncated[\"truncated: more relations qualify\"]\n";

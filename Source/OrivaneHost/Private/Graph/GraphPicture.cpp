@@ -36,9 +36,10 @@ public:
 		{
 			const FJsonObject& Relation = *Element.AsObject();
 			const int32 Level = ParentLevel + static_cast<int32>(Step);
-			const int32 Node = AddNode(ToolOutput::GetText(Relation, "path"), ToolOutput::GetText(Relation, "kind"), Level);
+			const int32 Node =
+				AddNode(ToolOutput::GetPrintable(Relation, "path"), ToolOutput::GetPrintable(Relation, "kind"), Level);
 			AddLink(Step == EStep::ToDependency ? Parent : Node, Step == EStep::ToDependency ? Node : Parent,
-				ToolOutput::GetText(Relation, "type") == "Runtime");
+				ToolOutput::GetPrintable(Relation, "type") == "Runtime");
 			AddRelations(Node, Level, ToolOutput::GetArray(Relation, "relations"), Step);
 		}
 	}
@@ -60,8 +61,8 @@ FGraphPicture MakeGraphPicture(const FJsonObject& Content, const FString& RootKi
 {
 	FGraphPicture Picture;
 	FPictureBuilder Builder(Picture);
-	const int32 Root = Builder.AddNode(ToolOutput::GetText(Content, "root"), RootKind, 0);
-	const bool bReferencers = ToolOutput::GetText(Content, "direction") == "Referencers";
+	const int32 Root = Builder.AddNode(ToolOutput::GetPrintable(Content, "root"), RootKind, 0);
+	const bool bReferencers = ToolOutput::GetPrintable(Content, "direction") == "Referencers";
 	Builder.AddRelations(
 		Root, 0, ToolOutput::GetArray(Content, "relations"), bReferencers ? EStep::ToReferencer : EStep::ToDependency);
 	Builder.AddRelations(Root, 0, ToolOutput::GetArray(Content, "dependencies"), EStep::ToDependency);

@@ -24,9 +24,9 @@ private:
 		{
 			const FJsonObject& Relation = *Relations[Index].AsObject();
 			const bool bLast = Index == Relations.Num() - 1;
-			const FString Type = GetText(Relation, "type");
-			Out += Paint.Dim(Indent + (bLast ? "└─ " : "├─ ")) + GetText(Relation, "path") + "  " +
-				Paint.Dim(GetText(Relation, "kind")) + "  " + (Type == "Runtime" ? Type : Paint.Yellow(Type)) + "\n";
+			const FString Type = GetPrintable(Relation, "type");
+			Out += Paint.Dim(Indent + (bLast ? "└─ " : "├─ ")) + GetPrintable(Relation, "path") + "  " +
+				Paint.Dim(GetPrintable(Relation, "kind")) + "  " + (Type == "Runtime" ? Type : Paint.Yellow(Type)) + "\n";
 			PrintRelations(GetArray(Relation, "relations"), Indent + (bLast ? "   " : "│  "));
 		}
 	}
@@ -70,8 +70,8 @@ TSharedPtr<FJsonObject> GetSummary(const FJsonObject& Content, const char* Key)
 FString RenderGraphTree(const FJsonObject& Content, const FString& RootKind, int32 MaxNodes, const FPainter& Paint)
 {
 	FTreePrinter Printer(Paint);
-	const FString Direction = GetText(Content, "direction");
-	Printer.Out += Paint.Bold(GetText(Content, "root")) + "  " + Paint.Dim(RootKind) + "\n";
+	const FString Direction = GetPrintable(Content, "direction");
+	Printer.Out += Paint.Bold(GetPrintable(Content, "root")) + "  " + Paint.Dim(RootKind) + "\n";
 	if (Direction == "Both")
 	{
 		Printer.PrintDirection("depends on", GetArray(Content, "dependencies"), GetSummary(Content, "dependencies_summary"));

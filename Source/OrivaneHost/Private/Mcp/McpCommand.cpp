@@ -5,10 +5,10 @@
 #include "Mcp/McpProjectHost.h"
 #include "Mcp/McpServer.h"
 #include "Mcp/McpStdio.h"
-#include "OrivaneHost/Program.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Project/HeadlessEngine.h"
-#include "Project/PackageMemory.h"
+#include "Project/OpenProject.h"
+#include "Terminal/ExitCode.h"
 #include "Tools/PathSearchTool.h"
 
 #include <atomic>
@@ -87,30 +87,25 @@ void ServeClient(FMcpServer& Server, FMcpStdio& Stdio)
 	Stdio.Flush(FlushTime);
 }
 
-void OpenProject(const FProjectOptions& Options, std::stop_token Stop, FMcpProjectHost& Host)
+void OpenProjectForServer(const FProjectOptions& Options, std::stop_token Stop, FMcpProjectHost& Host)
 {
 	FProjectOptions WithProgress = Options;
 	WithProgress.Progress = &Host.GetOpeningProgress();
 	WithProgress.Stop = Stop;
 	FDiagnosticSink Diagnostics;
-	FString Error;
-	PackageMemory::FLoaded Preloaded;
-	if (!FProject::Open(WithProgress, Diagnostics, Error) || !PreloadPackages(WithProgress, Preloaded, Error))
+	const FOpening Opening = OpenProject(WithProgress, Diagnostics);
+	if (!Opening.bOpened)
 	{
-		Error = (FProject::IsOpen() ? FString("--preload: ") : FString()) + Error;
 		if (Stop.stop_requested()) // nobody is there any more
 			return;
-		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Error);
-		return Host.OnProjectFailed(Error);
+		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Opening.Error);
+		return Host.OnProjectFailed(Opening.Error);
 	}
-	if (Diagnostics.NumErrors() > 0)
-		Log::Write(LogMcp, ELogVerbosity::Warning,
-			FString::FromInt(Diagnostics.NumErrors()) +
-				" fault(s) in project files, what they concern is left out; see: orivane check");
-	if (Preloaded.NumFailed > 0)
-		Log::Write(LogMcp, ELogVerbosity::Warning,
-			FString::Printf("--preload: %d of %d package(s) cannot be loaded; see: orivane check", Preloaded.NumFailed,
-				Preloaded.NumPackages));
+	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark})
+	{
+		if (!Remark.IsEmpty())
+			Log::Write(LogMcp, ELogVerbosity::Warning, Remark);
+	}
 	Host.OnProjectOpened();
 }
 
@@ -121,7 +116,7 @@ void RunGameThread(const std::stop_token& Ended)
 	{
 		try
 		{
-			FGameThread::Get().RunUntil([] { return false; }, std::chrono::hours(24 * 365), Ended);
+			FGameThread::Get().RunUntil([] { return false; }, FGameThread::NoTimeLimit, Ended);
 		}
 		catch (const std::exception& Failure)
 		{
@@ -157,7 +152,7 @@ int RunMcp(const FMcpArguments& Arguments)
 		});
 	try
 	{
-		OpenProject(Arguments.Project, Ended.get_token(), *Host);
+		OpenProjectForServer(Arguments.Project, Ended.get_token(), *Host);
 	}
 	catch (const std::exception& Failure)
 	{

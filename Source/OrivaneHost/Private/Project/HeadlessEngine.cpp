@@ -4,6 +4,7 @@
 #include "Engine/EngineClasses.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Project/Project.h"
+#include "Project/ProjectRegistry.h"
 #include "Quellar/QuellarModule.h"
 
 namespace
@@ -11,7 +12,7 @@ namespace
 class FHeadlessAssetRegistryModule final : public FAssetRegistryModule
 {
 public:
-	IAssetRegistry& Get() override { return FProject::GetRegistry(); }
+	IAssetRegistry& Get() override { return GetProjectRegistry(); }
 };
 }
 

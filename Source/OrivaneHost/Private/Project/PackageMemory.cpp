@@ -1,4 +1,5 @@
 #include "Project/PackageMemory.h"
+#include "Project/ProjectRegistry.h"
 
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Packages/Loader.h"
@@ -27,12 +28,12 @@ TArray<FName> FindPackages(const FString& Path)
 {
 	TArray<FName> Found;
 	if (const FString Package = GetPackageName(Path); !Package.IsEmpty())
-		Found = FProject::ListPackages({.PackageNames = {FName(Package)}});
+		Found = ListProjectPackages({.PackageNames = {FName(Package)}});
 	FStringView Folder = Path.View();
 	while (Folder.ends_with('/'))
 		Folder.remove_suffix(1);
 	if (Found.IsEmpty() && !Folder.empty())
-		Found = FProject::ListPackages({.PackagePaths = {FName(Folder)}, .bRecursivePaths = true});
+		Found = ListProjectPackages({.PackagePaths = {FName(Folder)}, .bRecursivePaths = true});
 	return Found;
 }
 
@@ -118,12 +119,4 @@ void PackageMemory::Forget()
 int32 PackageMemory::Num()
 {
 	return GetKept().Num();
-}
-
-bool PreloadPackages(const FProjectOptions& Options, PackageMemory::FLoaded& OutLoaded, FString& OutError)
-{
-	for (const FString& Path : Options.Preload)
-		if (!PackageMemory::Load(Path, OutLoaded, OutError, Options.Progress, Options.Stop))
-			return false;
-	return true;
 }

@@ -2,7 +2,7 @@
 
 #include "Core/Base/Containers.h"
 #include "Core/Text/Name.h"
-#include "Project/Project.h"
+#include "Project/ProjectOptions.h"
 
 /**
  * Packages of the open project that stay in memory because somebody asked for it, such as particle systems, which a search reads
@@ -34,7 +34,3 @@ bool Unload(const FString& Path, int32& OutNumUnloaded, FString& OutError);
 void Forget();
 int32 Num();
 }
-
-/** Loads what the options ask for, once their project is open. False, with a sentence, as PackageMemory::Load; OutLoaded counts
- * all paths. */
-bool PreloadPackages(const FProjectOptions& Options, PackageMemory::FLoaded& OutLoaded, FString& OutError);

@@ -4,11 +4,13 @@
 #include "Core/Base/Checksum.h"
 #include "Core/Files/File.h"
 #include "Core/Files/ProjectFolder.h"
+#include "Core/Threads/Tasks.h"
 #include "CoreObject/Declarations/ScriptModule.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Packages/Loader.h"
 #include "Project/PackageMemory.h"
 #include "Project/ProjectFiles.h"
+#include "Project/ProjectRegistry.h"
 #include "Project/UserFolders.h"
 
 #include <cerrno>
@@ -95,7 +97,6 @@ FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FStri
 	Scan.Cache = Options.Cache;
 	Scan.NumThreads = Options.NumThreads;
 	Scan.Diagnostics = &Diagnostics;
-	Scan.Stop = Options.Stop;
 	if (Options.Progress)
 	{
 		Scan.NumDone = &Options.Progress->NumDone;
@@ -114,7 +115,7 @@ FString MakeShort(const FString& File)
 TOptional<FPackageFile> LocatePackage(FName PackageName)
 {
 	const IPackageSource* Source = nullptr;
-	const FString File = FProject::GetRegistry().GetPackageFileName(PackageName, Source);
+	const FString File = GetProjectRegistry().GetPackageFileName(PackageName, Source);
 	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
 	{
 		if (!File.StartsWith(Mount.Folder, ESearchCase::CaseSensitive))
@@ -131,13 +132,6 @@ TOptional<FPackageFile> LocatePackage(FName PackageName)
 }
 }
 
-FAssetRegistry& FProject::GetRegistry()
-{
-	// Never destroyed: whoever asked the module for the registry keeps the pointer.
-	static FAssetRegistry* const Registry = new FAssetRegistry;
-	return *Registry;
-}
-
 bool FProject::IsOpen()
 {
 	return GetOpenProject().bOpen;
@@ -148,25 +142,10 @@ const FProjectSummary& FProject::GetSummary()
 	return GetOpenProject().Summary;
 }
 
-TArray<FName> FProject::ListPackages(const FARFilter& Filter)
-{
-	TArray<FName> Packages;
-	GetRegistry().EnumerateAssets(
-		Filter,
-		[&](const FAssetData& Asset)
-		{
-			if (Packages.IsEmpty() || !(Packages.Last() == Asset.PackageName))
-				Packages.Add(Asset.PackageName);
-			return true;
-		},
-		false);
-	return Packages;
-}
-
 FString FProject::GetPackageFileName(FName PackageName)
 {
 	const IPackageSource* Source = nullptr;
-	return MakeShort(GetRegistry().GetPackageFileName(PackageName, Source));
+	return MakeShort(GetProjectRegistry().GetPackageFileName(PackageName, Source));
 }
 
 void FProject::Close()
@@ -175,7 +154,7 @@ void FProject::Close()
 	UnloadAllLoadedPackages();
 	SetPackageLocator(nullptr);
 	FRegistryScanReport Report;
-	GetRegistry().Scan({.Cache = ERegistryCache::Ignore}, Report);
+	GetProjectRegistry().Scan({.Cache = ERegistryCache::Ignore}, Report);
 	RemoveScriptModules();
 	FPackageName::UnmountAll();
 	GetOpenProject() = {};
@@ -183,6 +162,7 @@ void FProject::Close()
 
 bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, FString& OutError)
 {
+	checkGameThread();
 	Close();
 	const auto Start = std::chrono::steady_clock::now();
 	FProjectSummary Summary;
@@ -206,9 +186,11 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	Summary.Plugins = ProjectFiles::FindPlugins(Summary.Folder, Diagnostics);
 	MountRoots(Summary, Options.EngineContent);
 
-	GetRegistry().SetClassParents(GetClassParents());
-	FFindInBlueprintSearchManager& Index = FFindInBlueprintSearchManager::Get();
-	if (!Index.CacheAllUnindexed(GetRegistry(), MakeScanOptions(Options, Summary.Folder, Diagnostics), Summary.Scan))
+	GetProjectRegistry().SetClassParents(GetClassParents());
+	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Options.Stop);
+	FRegistryScanOptions Scan = MakeScanOptions(Options, Summary.Folder, Diagnostics);
+	Scan.Stop = Indexing.GetStopToken();
+	if (!GetProjectRegistry().Scan(Scan, Summary.Scan))
 	{
 		OutError = "opening was interrupted";
 		return false;

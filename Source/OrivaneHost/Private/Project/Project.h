@@ -1,47 +1,7 @@
 #pragma once
 
-#include "AssetRegistry/AssetRegistry.h"
 #include "Core/Program/Diagnostics.h"
-
-/** Counts of a scan under way, for a progress line. Written by the scan, read by anybody. */
-struct FScanProgress
-{
-	std::atomic<int32> NumDone = 0;
-	std::atomic<int32> NumTotal = 0;
-};
-
-/** How a project is to be opened. */
-struct FProjectOptions
-{
-	FString Path;		   // project folder or its *.uproject, any bytes; empty: look from the current folder upward
-	FString EngineContent; // folder mounted as /Engine; empty: none
-	ERegistryCache Cache = ERegistryCache::Use;
-	int32 NumThreads = 0;	 // 0: all processors
-	int64 ObjectMemory = 0;	 // bytes that loaded objects may take between calls; 0: a quarter of the machine's memory
-	TArray<FString> Preload; // paths for PackageMemory::Load, see PreloadPackages
-	FScanProgress* Progress = nullptr;
-	std::stop_token Stop;
-};
-
-/** A plugin whose content is mounted. */
-struct FProjectPlugin
-{
-	FString Name;
-	FString Folder; // relative to the project, without a trailing slash
-};
-
-/** What was opened, for `info` and `check`. */
-struct FProjectSummary
-{
-	FString Name;
-	FString Description;
-	FString Folder;			// absolute, with a trailing slash
-	FString DescriptorFile; // relative to the folder
-	TArray<FProjectPlugin> Plugins;
-	TArray<FString> ScriptModules;
-	FRegistryScanReport Scan;
-	double OpenSeconds = 0; // all of it
-};
+#include "Project/ProjectOptions.h"
 
 /**
  * The project that is open in this process; there is at most one. Game thread.
@@ -61,10 +21,6 @@ public:
 	 * called before a search that is to obey them. True, and what is wrong with them in the sink, when they were read. */
 	static bool RefreshSettings(FDiagnosticSink& Diagnostics);
 	static const FProjectSummary& GetSummary();
-	/** Lives as long as the program; empty while no project is open. */
-	static FAssetRegistry& GetRegistry();
-	/** Packages with an asset that passes the filter, registry-filtered ones included, in registry order. */
-	static TArray<FName> ListPackages(const FARFilter& Filter = {});
 	/** The file of a package, relative to the project where it lies there, as in diagnostics; "" when there is none. */
 	static FString GetPackageFileName(FName PackageName);
 };

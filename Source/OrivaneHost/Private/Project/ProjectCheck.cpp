@@ -1,8 +1,10 @@
 #include "Project/ProjectCheck.h"
 
 #include "Core/Files/File.h"
+#include "CoreObject/Objects/ReferenceListener.h"
 #include "CoreObject/Packages/Loader.h"
 #include "Project/Project.h"
+#include "Project/ProjectRegistry.h"
 #include "Project/RingCheck.h"
 #include "Quellar/Families/TextSearch.h"
 
@@ -36,7 +38,7 @@ public:
 
 	void Add(const FForeignReference& Reference)
 	{
-		const FAssetData Asset = FProject::GetRegistry().GetAssetByObjectPath(Reference.Target, false, false);
+		const FAssetData Asset = GetProjectRegistry().GetAssetByObjectPath(Reference.Target, false, false);
 		if (!Asset.IsValid() || Reference.bIsClassReference)
 			Unsettled.push_back(Reference);
 		else if (Reference.Class.IsValid() && !DerivesFrom(Asset.AssetClassPath, Reference.Class))
@@ -54,7 +56,7 @@ public:
 		{
 			if (Stop.stop_requested())
 				return;
-			if (!(Reference.Target.Asset.PackageName == std::exchange(Package, Reference.Target.Asset.PackageName)))
+			if (Reference.Target.Asset.PackageName != std::exchange(Package, Reference.Target.Asset.PackageName))
 				Rounds.BeginPackage();
 			CheckLoaded(Reference);
 		}
@@ -64,7 +66,7 @@ private:
 	static bool DerivesFrom(const FTopLevelAssetPath& Class, const FTopLevelAssetPath& Ancestor)
 	{
 		TArray<FTopLevelAssetPath> Ancestors = {Class};
-		FProject::GetRegistry().GetAncestorClasses(Class, Ancestors);
+		GetProjectRegistry().GetAncestorClasses(Class, Ancestors);
 		return Ancestors.Contains(Ancestor);
 	}
 
@@ -118,7 +120,7 @@ void CheckObjects(const UPackage& Package, FDiagnosticSink& Diagnostics)
 
 void LoadEveryPackage(FRingCheck& Rings, FDiagnosticSink& Diagnostics, const std::stop_token& Stop)
 {
-	const TArray<FName> Packages = FProject::ListPackages();
+	const TArray<FName> Packages = ListProjectPackages();
 	const FPackagePrefetch Prefetch(
 		[&Packages, Place = 0]() mutable { return Place < Packages.Num() ? Packages[Place++] : FName(); });
 	FRounds Rounds;

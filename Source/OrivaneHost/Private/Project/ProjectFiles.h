@@ -3,7 +3,7 @@
 #include "Core/Files/FileTree.h"
 #include "Core/Program/Diagnostics.h"
 #include "CoreObject/Declarations/ScriptModule.h"
-#include "Project/Project.h"
+#include "Project/ProjectOptions.h"
 
 /** The files that make a folder a project, apart from its packages. Faults go to the sink under names relative to the project. */
 namespace ProjectFiles

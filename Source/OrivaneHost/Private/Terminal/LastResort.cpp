@@ -1,7 +1,7 @@
 #include "Terminal/LastResort.h"
 
 #include "Core/Base/Failure.h"
-#include "OrivaneHost/Program.h"
+#include "Terminal/ExitCode.h"
 
 #include <cstring>
 #include <exception>

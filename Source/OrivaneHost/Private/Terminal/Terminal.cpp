@@ -1,6 +1,7 @@
 #include "Terminal/Terminal.h"
 
 #include "Core/Text/Unicode.h"
+#include "Terminal/ExitCode.h"
 #include "Terminal/WakePipe.h"
 
 #include <atomic>
@@ -36,7 +37,7 @@ extern "C" void OnSignal(int)
 {
 	// A stop source takes a lock, which a signal handler must not; a thread behind a pipe does it.
 	if (NumSignals.fetch_add(1) > 0)
-		_exit(130);
+		_exit(EExitCode::Interrupted);
 	SignalPipe->Signal();
 }
 

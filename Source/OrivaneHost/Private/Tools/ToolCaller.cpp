@@ -87,7 +87,7 @@ bool CallToolAndWait(const FString& ToolName, const FString& ArgumentsJson, std:
 	};
 	// The tool may be running on this very thread.
 	const std::stop_callback OnInterrupt(Interrupt::GetToken(), [&] { Executor->Cancel(Id); });
-	if (!FGameThread::Get().RunUntil(IsAnswered, std::chrono::hours(24), Interrupt::GetToken()))
+	if (!FGameThread::Get().RunUntil(IsAnswered, FGameThread::NoTimeLimit, Interrupt::GetToken()))
 		return false;
 	OnAnswer(*Answer->Result);
 	return true;

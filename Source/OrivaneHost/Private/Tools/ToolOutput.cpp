@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-FString ToolOutput::GetText(const FJsonObject& Object, const char* Key)
+FString ToolOutput::GetPrintable(const FJsonObject& Object, const char* Key)
 {
 	FString Text;
 	Object.TryGetStringField(Key, Text);

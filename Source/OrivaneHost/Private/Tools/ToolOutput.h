@@ -23,8 +23,8 @@ private:
 /** What the commands that call a tool and print its answer share. */
 namespace ToolOutput
 {
-/** A field's text fit for a terminal; "" when there is none. */
-FString GetText(const FJsonObject& Object, const char* Key);
+/** A field's text, fit for a terminal and for nothing else: control characters are escaped. "" when there is none. */
+FString GetPrintable(const FJsonObject& Object, const char* Key);
 /** A field's elements; none when there is no such array. */
 const FJsonArray& GetArray(const FJsonObject& Object, const char* Key);
 /** The payload of that key; null when the tool gave none. */

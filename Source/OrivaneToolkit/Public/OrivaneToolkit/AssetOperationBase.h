@@ -5,7 +5,7 @@
 /** Whether a file counts as text, by its path. Any thread. */
 using FIsTextFile = bool (*)(FStringView Path);
 
-/** What the family's tool operations share. Game thread. */
+/** What the toolkit's tool operations share. Game thread. */
 class FAssetOperationBase
 {
 public:

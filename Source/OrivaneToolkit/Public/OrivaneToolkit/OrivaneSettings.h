@@ -2,7 +2,7 @@
 
 #include "CoreObject/Reflection/DeveloperSettings.h"
 
-/** Settings that the family's modules share, section [/Script/OrivaneToolkit.OrivaneSettings]. Read from the class default
+/** Settings that the toolkit's modules share, section [/Script/OrivaneToolkit.OrivaneSettings]. Read from the class default
  * object. */
 class UOrivaneSettings : public UDeveloperSettings
 {

@@ -9,7 +9,7 @@ class FOrivaneToolkitModule : public IModuleInterface
 public:
 	FOrivaneToolkitModule();
 	~FOrivaneToolkitModule() override;
-	/** Makes the family's settings class known. */
+	/** Makes the toolkit's settings class known. */
 	void StartupModule() override;
 
 	/** The executor of the loaded module; null when the module is not loaded. */

@@ -1,24 +1,14 @@
 #include "Console/ConsoleSearchDocument.h"
 
-#include "Assets/AssetTypeGroup.h"
 #include "Core/Json/Json.h"
+#include "Quellar/Families/AssetFamily.h"
 
 namespace
 {
-/** What the entries of an asset type carry in the detailed form. */
-struct FEntryShape
+FAssetFamily::FDocumentEntry GetEntryShape(const FString& AssetType)
 {
-	bool bCounts = false;
-	bool bContainer = true;
-};
-
-FEntryShape GetEntryShape(const FString& AssetType)
-{
-	if (AssetType == "Blueprint" || AssetType == "BehaviorTree")
-		return {.bCounts = true};
-	if (AssetType == "DataAsset" || AssetType == "Struct" || AssetType == "Enum") // their containers only repeat the kind
-		return {.bContainer = false};
-	return {};
+	const FAssetFamily* Family = FindAssetFamily(AssetType);
+	return Family ? Family->DocumentEntry : FAssetFamily::FDocumentEntry();
 }
 
 FString GetAssetType(const FAssetResult& Asset)
@@ -97,7 +87,7 @@ TSharedPtr<FJsonObject> MakeEntry(const FAssetResult& Asset)
 	return Json;
 }
 
-TSharedPtr<FJsonObject> MakeDetailedEntry(const FAssetResult& Asset, FEntryShape Shape)
+TSharedPtr<FJsonObject> MakeDetailedEntry(const FAssetResult& Asset, FAssetFamily::FDocumentEntry Shape)
 {
 	auto Json = MakeEntry(Asset);
 	if (Shape.bCounts)

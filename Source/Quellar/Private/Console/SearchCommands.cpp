@@ -24,12 +24,12 @@ FConsoleSearchState& GetState()
 	return State;
 }
 
-void Finish(const FConsoleSearchTraits& Traits, int32 Number, const FAssetSearchResult& Found)
+void Finish(const FAssetFamily::FConsoleCommand& Command, int32 Number, const FAssetSearchResult& Found)
 {
-	const FString File = FPaths::Combine(FPaths::ProjectSavedDir(), FString("Quellar/") + Traits.File);
+	const FString File = FPaths::Combine(FPaths::ProjectSavedDir(), FString("Quellar/") + Command.File);
 	const bool bWritten = FFileHelper::SaveStringToFile(WriteConsoleSearchDocument(Found, EConsoleSearchForm::Detailed), File);
 	GetState().OnFinished.ExecuteIfBound(
-		{.Number = Number, .Command = Traits.Name, .File = File, .bWritten = bWritten, .Found = Found});
+		{.Number = Number, .Command = Command.Name, .File = File, .bWritten = bWritten, .Found = Found});
 }
 
 /** Registers itself before main. */
@@ -38,7 +38,7 @@ class FConsoleSearchCommand
 public:
 	FConsoleSearchCommand(FConsoleSearchTraits InTraits)
 		: Traits(std::move(InTraits))
-		, Command(Traits.Name, Traits.Help, [this](const TArray<FString>& Words) { Run(Words); })
+		, Command(Traits.Command.Name, Traits.Command.Help, [this](const TArray<FString>& Words) { Run(Words); })
 	{
 	}
 	const FConsoleSearchTraits& GetTraits() const { return Traits; }
@@ -51,7 +51,7 @@ private:
 			[this, Number, StopToken = GetStopToken()](const FAssetSearchResult& Found)
 			{
 				if (!StopToken.stop_requested())
-					Finish(Traits, Number, Found);
+					Finish(Traits.Command, Number, Found);
 			});
 	}
 
@@ -59,68 +59,31 @@ private:
 	const FAutoConsoleCommand Command;
 };
 
-const FConsoleSearchCommand Commands[] = {
-	{{.Name = "Orivane.AssetSearch",
-		.File = "asset_search.json",
-		.Help = "Search all asset types. Args: term=, path=, families=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"Blueprint", "BehaviorTree", "Blackboard", "Enum", "Struct", "DataAsset", "DataTable", "EnvQuery",
-			"NiagaraSystem", "Material", "Text"},
-		.ExtraWords = {"kinds=", "families="}}},
-	{{.Name = "Orivane.BehaviorTreeSearch",
-		.File = "behavior_tree_search.json",
-		.Help = "Search Behavior Trees. Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"BehaviorTree"}}},
-	{{.Name = "Orivane.BlackboardSearch",
-		.File = "blackboard_search.json",
-		.Help = "Search Blackboards. Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"Blackboard"}}},
-	{{.Name = "Orivane.BlueprintSearch",
-		.File = "blueprint_search.json",
-		.Help = "Search Blueprints by term/path/kinds (summary=true|false). Args: term=, path=, "
-				"kinds=Var,Graph,Node,Pin,Comment, exact=true|false, max=200, summary=true",
-		.Families = {"Blueprint"}}},
-	{{.Name = "Orivane.DataAssetSearch",
-		.File = "dataasset_search.json",
-		.Help = "Search DataAssets. Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"DataAsset"}}},
-	{{.Name = "Orivane.DataTableSearch",
-		.File = "datatable_search.json",
-		.Help = "Search DataTables (schema-only). Args: term=, path=, exact=true|false, max=, summary=true|false",
-		.Families = {"DataTable"},
-		.ExtraWords = {}}},
-	{{.Name = "Orivane.EnumSearch",
-		.File = "enum_search.json",
-		.Help = "Search UserDefinedEnums. Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"Enum"}}},
-	{{.Name = "Orivane.EnvQuerySearch",
-		.File = "envquery_search.json",
-		.Help = "Search EnvQueries. Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"EnvQuery"}}},
-	{{.Name = "Orivane.MaterialSearch",
-		.File = "material_search.json",
-		.Help = "Search Materials, Material Instances, and Material Functions. Args: term=, path=, kinds=, exact=true|false, "
-				"max=, summary=true|false",
-		.Families = {"Material"}}},
-	{{.Name = "Orivane.NiagaraSearch",
-		.File = "niagara_search.json",
-		.Help = "Search Niagara Systems. Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"NiagaraSystem"}}},
-	{{.Name = "Orivane.StructSearch",
-		.File = "struct_search.json",
-		.Help = "Search UserDefinedStructs. Args: term=, path=, kinds=, exact=true|false, max=, summary=true|false",
-		.Families = {"Struct"}}},
-	{{.Name = "Orivane.TextSearch",
-		.File = "text_search.json",
-		.Help = "Search whitelisted text files. Args: term=, path=, exts=cpp,h,ini, exact=true|false, max=, summary=true|false",
-		.Families = {"Text"},
-		.ExtraWords = {"exts="}}},
-};
+const FAssetFamily::FConsoleCommand SearchOfAllFamilies = {.Name = "Orivane.AssetSearch",
+	.File = "asset_search.json",
+	.Help = "Search all asset types. Args: term=, path=, families=, kinds=, exact=true|false, max=, summary=true|false",
+	.ExtraWords = {"kinds=", "families="}};
 
+TArray<TUniquePtr<const FConsoleSearchCommand>> RegisterCommands()
+{
+	TArray<TUniquePtr<const FConsoleSearchCommand>> Commands;
+	Commands.Add(MakeUnique<FConsoleSearchCommand>(FConsoleSearchTraits{SearchOfAllFamilies, GetAssetFamilyNames()}));
+	for (const FAssetFamily& Family : GetAssetFamilies())
+		Commands.Add(MakeUnique<FConsoleSearchCommand>(FConsoleSearchTraits{Family.Command, {Family.Name}}));
+	return Commands;
+}
+
+const TArray<TUniquePtr<const FConsoleSearchCommand>> Commands = RegisterCommands();
+
+/** Null for a name that is not a search command's. */
 const FConsoleSearchTraits* FindTraits(const FString& Command)
 {
-	const auto Found = std::find_if(std::begin(Commands), std::end(Commands),
-		[&](const FConsoleSearchCommand& Each) { return Command == Each.GetTraits().Name; });
-	return Found == std::end(Commands) ? nullptr : &Found->GetTraits();
+	for (const TUniquePtr<const FConsoleSearchCommand>& Each : Commands)
+	{
+		if (Command == Each->GetTraits().Command.Name)
+			return &Each->GetTraits();
+	}
+	return nullptr;
 }
 }
 
@@ -130,7 +93,7 @@ FAssetSearchParams ReadSearchWords(const FConsoleSearchTraits& Traits, const TAr
 	Params.IncludeAssetFamilies = Traits.Families;
 	FString Value;
 	const auto ReadExtra = [&](const FString& Word, const char* Key)
-	{ return Traits.ExtraWords.Contains(Key) && ReadWord(Word, Key, Value); };
+	{ return Traits.Command.ExtraWords.Contains(Key) && ReadWord(Word, Key, Value); };
 	for (const FString& Word : Words)
 	{
 		if (ReadWord(Word, "term=", Value))
@@ -167,7 +130,7 @@ TArray<FString> FConsoleSearches::GetWords(const FString& Command)
 	if (!Traits)
 		return {};
 	TArray<FString> Words = {"term=", "path="};
-	Words.Append(Traits->ExtraWords);
+	Words.Append(Traits->Command.ExtraWords);
 	Words.Append({"exact=", "max=", "summary="});
 	return Words;
 }

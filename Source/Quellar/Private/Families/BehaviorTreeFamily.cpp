@@ -1,5 +1,3 @@
-#include "Families/BehaviorTreeFamily.h"
-
 #include "Core/Base/HashMap.h"
 #include "CoreObject/Reflection/Properties.h"
 #include "Engine/BehaviorTree.h"
@@ -191,6 +189,7 @@ void ReadTree(const UBehaviorTree& Tree, FHitSink& Hits)
 }
 }
 
+/** The blackboard, and every node, service and decorator by name, description and class. Loads trees, and what they refer to. */
 void SearchBehaviorTrees(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanFamily<UBehaviorTree>({.ClassText = "BehaviorTree", .NameContainer = "BehaviorTree"}, Params, OnDone, ReadTree);

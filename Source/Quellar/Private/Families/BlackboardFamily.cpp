@@ -1,5 +1,3 @@
-#include "Families/BlackboardFamily.h"
-
 #include "Engine/Blackboard.h"
 #include "Families/FamilyScan.h"
 
@@ -27,6 +25,7 @@ void ReadBlackboard(const UBlackboardData& Blackboard, FHitSink& Hits)
 }
 }
 
+/** The parent, and the keys by name, description and type. Loads blackboards and their parents. */
 void SearchBlackboards(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanFamily<UBlackboardData>({.ClassText = "Blackboard", .NameContainer = "Blackboard"}, Params, OnDone, ReadBlackboard);

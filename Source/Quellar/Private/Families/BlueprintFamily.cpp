@@ -1,10 +1,9 @@
-#include "Families/BlueprintFamily.h"
-
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "Engine/WidgetBlueprint.h"
 #include "Families/FamilyScan.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Families/BlueprintFindUtils.h"
 
 namespace
@@ -213,6 +212,11 @@ FAssetResult FBlueprintSearch::MakeResult(const FAssetData& Asset)
 }
 }
 
+/**
+ * What the index lists of Blueprints, the widgets and animations of widget Blueprints, and the names of all Blueprints. Loads
+ * widget Blueprints. OnDone is executed once, later, on the game thread; never for an empty term, which the index does not search
+ * for, and never when another search takes this one's place.
+ */
 void SearchBlueprints(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	MakeShared<FBlueprintSearch>(Params, std::move(OnDone))->Start();

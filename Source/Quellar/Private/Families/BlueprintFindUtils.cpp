@@ -110,6 +110,7 @@ FBlueprintFindUtils::~FBlueprintFindUtils()
 void FBlueprintFindUtils::MakeSearchQuery(
 	FString SearchString, const FStreamSearchOptions& Options, FOnBlueprintSearchComplete Callback)
 {
+	checkGameThread();
 	{
 		const std::lock_guard Guard(Lock);
 		MinimumVersionRequirement = Options.MinimumVersion;

@@ -1,5 +1,3 @@
-#include "Families/DataAssetFamily.h"
-
 #include "CoreObject/Reflection/Properties.h"
 #include "Engine/DataAsset.h"
 #include "Families/FamilyScan.h"
@@ -56,6 +54,8 @@ void ReadDataAsset(const UDataAsset& Asset, FHitSink& Hits)
 }
 }
 
+/** Input actions and mapping contexts, the class, and the defaults that it declares; values that the asset itself sets are not
+ * seen. Loads data assets. */
 void SearchDataAssets(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanFamily<UDataAsset>({.ClassText = "DataAsset", .NameContainer = "DataAsset"}, Params, OnDone, ReadDataAsset);

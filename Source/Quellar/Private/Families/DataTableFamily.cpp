@@ -1,5 +1,3 @@
-#include "Families/DataTableFamily.h"
-
 #include "Engine/DataTable.h"
 #include "Families/FamilyScan.h"
 #include "Families/PropertyTypeName.h"
@@ -35,6 +33,7 @@ void ReadTable(const UDataTable& Table, FHitSink& Hits)
 }
 }
 
+/** Row structure, its first columns, and the row count. Cells are never read. Loads tables. */
 void SearchDataTables(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanFamily<UDataTable>({.ClassText = "DataTable", .NameContainer = "DataTable"}, Params, OnDone, ReadTable);

@@ -1,5 +1,3 @@
-#include "Families/EnumFamily.h"
-
 #include "Engine/UserDefinedEnum.h"
 #include "Families/FamilyScan.h"
 
@@ -18,6 +16,7 @@ void ReadEnum(const UUserDefinedEnum& Enum, FHitSink& Hits)
 }
 }
 
+/** Entries of user-defined enumerations by display name and internal name. Loads enumerations. */
 void SearchEnums(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanFamily<UUserDefinedEnum>({.ClassText = "UserDefinedEnum", .NameContainer = "Enum"}, Params, OnDone, ReadEnum);

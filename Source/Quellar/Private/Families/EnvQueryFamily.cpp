@@ -1,5 +1,3 @@
-#include "Families/EnvQueryFamily.h"
-
 #include "Engine/EnvQuery.h"
 #include "Families/FamilyScan.h"
 
@@ -64,6 +62,7 @@ void ReadQuery(const UEnvQuery& Query, FHitSink& Hits)
 }
 }
 
+/** Options, generators and tests, and what properties their classes have. Loads queries. */
 void SearchEnvQueries(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanFamily<UEnvQuery>({.ClassText = "EnvQuery", .NameContainer = "EnvQuery"}, Params, OnDone, ReadQuery);

@@ -1,6 +1,6 @@
 #include "Families/FamilyScan.h"
 
-#include "Quellar/Assets/AssetPathExclusion.h"
+#include "Quellar/Assets/OrivaneFindUtils.h"
 
 bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params)
 {

@@ -4,10 +4,20 @@
 #include "Core/Threads/StopToken.h"
 #include "CoreObject/Packages/Loader.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
-#include "Quellar/Search/AssetSearchService.h"
+#include "Quellar/Hits/AssetSearchTypes.h"
 
 #include <algorithm>
 #include <limits>
+
+// A new family:
+// 1. Write <Name>Family.cpp in this folder: an anonymous Read<Asset>(const U<Asset>&, FHitSink&) that adds what the asset holds,
+// most
+//    telling first, and returns as soon as the sink is full.
+// 2. End it with Search<Name>s, which calls ScanFamily<U<Asset>>. Families that load nothing use ScanAssets instead.
+// 3. Add its row to AssetFamily.cpp, and the function's name to the list above the rows. The order of rows is the order of
+// searching.
+//    Schema, shell option, completion, console command, `info` and drawings take it from there.
+// 4. Add <Name>FamilyTests.cpp; AssetFamilyTests.cpp walks all rows by itself.
 
 /** What a family tells the scan about itself. */
 struct FFamilyTraits

@@ -1,5 +1,3 @@
-#include "Families/MaterialFamily.h"
-
 #include "Core/Base/HashMap.h"
 #include "Engine/Material.h"
 #include "Families/FamilyScan.h"
@@ -157,6 +155,10 @@ void ReadName(const FAssetData& Asset, FAssetResult&, FHitSink& Hits)
 }
 }
 
+/**
+ * Materials, material instances and material functions. By the settings' MaterialSearchMode it matches asset names from the
+ * registry, or loads every one of them for parents, parameters and values; a material's own name is not a hit then.
+ */
 void SearchMaterials(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	const TArray<UClass*> Classes = {

@@ -1,5 +1,3 @@
-#include "Families/NiagaraFamily.h"
-
 #include "Assets/ReferencedName.h"
 #include "Core/Base/HashMap.h"
 #include "Engine/Niagara.h"
@@ -89,6 +87,10 @@ void ReadIfInMemory(const FAssetData& Asset, FAssetResult& Result, FHitSink& Hit
 }
 }
 
+/**
+ * Particle systems. By the settings' NiagaraSearchMode it matches asset names from the registry, or reads effect types, emitters,
+ * renderers and user parameters of the systems that are in memory. Loads nothing in either mode.
+ */
 void SearchNiagaraSystems(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanByMode(&UOrivaneSettings::NiagaraSearchMode,

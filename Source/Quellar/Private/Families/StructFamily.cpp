@@ -1,5 +1,3 @@
-#include "Families/StructFamily.h"
-
 #include "Engine/UserDefinedStruct.h"
 #include "Families/FamilyScan.h"
 #include "Families/PropertyTypeName.h"
@@ -31,6 +29,7 @@ void ReadStruct(const UUserDefinedStruct& Struct, FHitSink& Hits)
 }
 }
 
+/** Parent, category, tooltip, and the fields by internal name and property class. Loads structures. */
 void SearchStructs(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	ScanFamily<UUserDefinedStruct>({.ClassText = "UserDefinedStruct", .NameContainer = "Struct"}, Params, OnDone, ReadStruct);

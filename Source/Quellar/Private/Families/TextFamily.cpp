@@ -1,4 +1,4 @@
-#include "Families/TextFamily.h"
+#include "Quellar/Families/TextSearch.h"
 
 #include "Core/Files/File.h"
 #include "Core/Text/TextDecoder.h"
@@ -268,6 +268,7 @@ bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params
 	return FContentMatcher(Params, bExact, bCaseSensitive).Matches(Content);
 }
 
+/** Project files with a searchable extension that contain the term, or in exact mode equal it. Reads files, touches no asset. */
 void SearchTextFiles(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	FTextScan Scan(Params);

@@ -3,11 +3,12 @@
 #include "Assets/RepresentativeAsset.h"
 #include "Core/Base/HashMap.h"
 #include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
 #include "CoreObject/Packages/PackageSource.h"
-#include "Quellar/Assets/AssetPathExclusion.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
-#include "Quellar/Search/AssetSearchService.h"
+#include "Quellar/Assets/OrivaneFindUtils.h"
+#include "Quellar/Families/AssetFamily.h"
 
 #include <algorithm>
 #include <vector>
@@ -181,6 +182,7 @@ void Walk(const FExploreAssetGraphParams& Params, FName Root, bool bDependencies
 
 void UAssetGraphService::ExploreGraph(const FExploreAssetGraphParams& Params, FExploreAssetGraphResult& Result)
 {
+	checkGameThread();
 	Result = {};
 	FName Root;
 	if (!AssetPathUtils::NormalizeToPackageName(Params.AssetPath, Root))

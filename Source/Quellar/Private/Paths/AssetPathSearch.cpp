@@ -1,8 +1,10 @@
 #include "Core/Threads/StopToken.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Paths/AssetPathSearchTypes.h"
 #include "Quellar/Search/AssetSearchService.h"
 
+#include "Core/Threads/Tasks.h"
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -193,6 +195,7 @@ void FHitCollector::Finish()
 
 void UAssetSearchService::AssetPathSearch(const FAssetPathSearchParams& Params, FAssetPathSearchResult& Result)
 {
+	checkGameThread();
 	Result = {};
 	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
 	if (Params.Term.IsEmpty() || !Registry)
@@ -217,7 +220,7 @@ void UAssetSearchService::AssetPathSearch(const FAssetPathSearchParams& Params, 
 				Hits.Add({Asset, Asset + 1});
 		}
 	};
-	Paths.Find({.Text = Params.Term, .bExact = Params.MatchMode == 1, .Case = Case},
+	Paths.Find({.Text = Params.Term, .bExact = Params.MatchMode == EAssetPathMatchMode::Exact, .Case = Case},
 		[&](FAssetPathView::FRange Range)
 		{
 			while (Range.Begin < Range.End && !IsStopRequested())

@@ -47,24 +47,30 @@ FJsonValue MakeDirectory(const FString& Directory, const TArray<FString>& Paths)
 }
 }
 
-void OrivaneToolUtils::WriteAssetPathSearchJson(
-	const FAssetPathSearchResult& Result, FString& Out, EAssetPathDetailMode DetailMode)
+TSharedPtr<FJsonObject> OrivaneToolUtils::MakeAssetPathSearchJson(
+	const FAssetPathSearchResult& Result, EAssetPathDetailMode DetailMode)
 {
-	FJsonObject Json;
-	Json.SetObjectField("summary", MakeSummary(Result, DetailMode));
+	auto Json = MakeShared<FJsonObject>();
+	Json->SetObjectField("summary", MakeSummary(Result, DetailMode));
 	if (DetailMode != EAssetPathDetailMode::Files)
 	{
 		FJsonArray Directories;
 		for (const auto& [Directory, Paths] : Result.Directories)
 			Directories.Add(MakeDirectory(Directory, Paths));
-		Json.SetArrayField("directories", std::move(Directories));
+		Json->SetArrayField("directories", std::move(Directories));
 	}
 	if (DetailMode != EAssetPathDetailMode::Directories)
 	{
 		FJsonArray Files;
 		for (const FString& Path : Result.Files)
 			Files.Add(Path);
-		Json.SetArrayField("files", std::move(Files));
+		Json->SetArrayField("files", std::move(Files));
 	}
-	Out = Json::Write(Json);
+	return Json;
+}
+
+void OrivaneToolUtils::WriteAssetPathSearchJson(
+	const FAssetPathSearchResult& Result, FString& Out, EAssetPathDetailMode DetailMode)
+{
+	Out = Json::Write(*MakeAssetPathSearchJson(Result, DetailMode));
 }

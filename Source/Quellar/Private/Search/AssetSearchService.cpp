@@ -1,19 +1,9 @@
 #include "Quellar/Search/AssetSearchService.h"
 
-#include "Assets/AssetTypeGroup.h"
 #include "Core/Threads/StopToken.h"
-#include "Families/BehaviorTreeFamily.h"
-#include "Families/BlackboardFamily.h"
-#include "Families/BlueprintFamily.h"
-#include "Families/DataAssetFamily.h"
-#include "Families/DataTableFamily.h"
-#include "Families/EnumFamily.h"
-#include "Families/EnvQueryFamily.h"
-#include "Families/MaterialFamily.h"
-#include "Families/NiagaraFamily.h"
-#include "Families/StructFamily.h"
-#include "Families/TextFamily.h"
+#include "Core/Threads/Tasks.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
+#include "Quellar/Families/AssetFamily.h"
 
 #include <algorithm>
 #include <mutex>
@@ -21,33 +11,6 @@
 namespace
 {
 constexpr int32 DefaultMaxAssets = 200; // where the total cap is below 1
-
-struct FFamily
-{
-	const char* Name;
-	void (*Search)(const FAssetSearchParams&, FOnAssetSearchComplete);
-};
-
-// Searched in this order; with a per-type cap, who comes first gets in.
-constexpr FFamily Families[] = {
-	{"Blueprint", SearchBlueprints},
-	{"Text", SearchTextFiles},
-	{"BehaviorTree", SearchBehaviorTrees},
-	{"Blackboard", SearchBlackboards},
-	{"Enum", SearchEnums},
-	{"Struct", SearchStructs},
-	{"DataAsset", SearchDataAssets},
-	{"DataTable", SearchDataTables},
-	{"EnvQuery", SearchEnvQueries},
-	{"NiagaraSystem", SearchNiagaraSystems},
-	{"Material", SearchMaterials},
-};
-
-struct FFamilySearchTask
-{
-	FString FamilyName;
-	TDelegate<void(FOnAssetSearchComplete)> Run;
-};
 
 /** What the family completions of one search share. */
 class FAssetSearchAggregate
@@ -112,17 +75,15 @@ private:
 	FOnAssetSearchComplete OnComplete;
 };
 
-TArray<FFamilySearchTask> MakeTasks(const FAssetSearchParams& Params)
+TArray<const FAssetFamily*> SelectFamilies(const TArray<FString>& Names)
 {
-	TArray<FFamilySearchTask> Tasks;
-	for (const FFamily& Family : Families)
+	TArray<const FAssetFamily*> Selected;
+	for (const FAssetFamily& Family : GetAssetFamilies())
 	{
-		const FString Name = Family.Name;
-		if (Params.IncludeAssetFamilies.IsEmpty() || Params.IncludeAssetFamilies.Contains(Name))
-			Tasks.Add(
-				{Name, [Params, Search = Family.Search](FOnAssetSearchComplete OnDone) { Search(Params, std::move(OnDone)); }});
+		if (Names.IsEmpty() || Names.Contains(Family.Name))
+			Selected.Add(&Family);
 	}
-	return Tasks;
+	return Selected;
 }
 }
 
@@ -132,30 +93,23 @@ UAssetSearchService& UAssetSearchService::Get()
 	return Service;
 }
 
-TArray<FString> UAssetSearchService::GetFamilyNames()
-{
-	TArray<FString> Names;
-	for (const FFamily& Family : Families)
-		Names.Add(Family.Name);
-	return Names;
-}
-
 void UAssetSearchService::AssetSearch(const FAssetSearchParams& Params, FOnAssetSearchComplete OnComplete)
 {
+	checkGameThread();
 	if (!OrivaneAssetRegistryUtils::GetAssetRegistry())
 	{
 		OnComplete.ExecuteIfBound({});
 		return;
 	}
-	const TArray<FFamilySearchTask> Tasks = MakeTasks(Params);
-	const auto Aggregate = MakeShared<FAssetSearchAggregate>(Params, Tasks.Num(), std::move(OnComplete));
-	if (Tasks.IsEmpty())
+	const TArray<const FAssetFamily*> Families = SelectFamilies(Params.IncludeAssetFamilies);
+	const auto Aggregate = MakeShared<FAssetSearchAggregate>(Params, Families.Num(), std::move(OnComplete));
+	if (Families.IsEmpty())
 		Aggregate->FinishWithoutFamilies();
-	for (const FFamilySearchTask& Task : Tasks)
+	for (const FAssetFamily* Family : Families)
 	{
 		if (IsStopRequested())
 			Aggregate->Merge({});
 		else
-			Task.Run.Execute([Aggregate](const FAssetSearchResult& Report) { Aggregate->Merge(Report); });
+			Family->Search(Params, [Aggregate](const FAssetSearchResult& Report) { Aggregate->Merge(Report); });
 	}
 }

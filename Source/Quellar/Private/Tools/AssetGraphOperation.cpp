@@ -49,5 +49,5 @@ void FAssetGraphOperation::Execute(const FJsonObject& Args, Orivane::FToolResult
 	Result.AddSuccessMessage(DescribeSuccess(Params, Found));
 	if (Found.bTruncated)
 		Result.AddWarningMessage(FString::Printf("Graph truncated at max_nodes=%d", Params.MaxNodes));
-	Result.SetData("content", FAssetOperationBase::SerializeJson(MakeAssetGraphJson(Found)));
+	Result.SetData("content", MakeAssetGraphJson(Found));
 }

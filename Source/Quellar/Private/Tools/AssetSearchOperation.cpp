@@ -1,6 +1,7 @@
 #include "Quellar/Tools/AssetSearchOperation.h"
 
 #include "Core/Threads/StopToken.h"
+#include "Core/Threads/Tasks.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Quellar/Search/AssetSearchService.h"
@@ -37,13 +38,14 @@ void WriteReport(const FAssetSearchParams& Params, const FAssetSearchResult& Fou
 	Result.AddSuccessMessage(DescribeSuccess(Params, Kept.Results.Num()));
 	if (Kept.bTruncated)
 		Result.AddWarningMessage(FString::Printf("Results truncated at max_total_hits=%d", Params.MaxTotalHits));
-	Result.SetData("content", FAssetOperationBase::SerializeJson(MakeAssetSearchJson(Kept)));
+	Result.SetData("content", MakeAssetSearchJson(Kept));
 }
 }
 
 void FAssetSearchOperation::ExecuteAsync(
 	const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete)
 {
+	checkGameThread();
 	FAssetSearchParams Params;
 	if (!ReadArguments(GetAssetSearchArguments(), Args, Params))
 	{

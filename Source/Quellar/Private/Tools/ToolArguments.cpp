@@ -1,8 +1,8 @@
 #include "Quellar/Tools/ToolArguments.h"
 
+#include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Graph/AssetGraphService.h"
 #include "Quellar/Paths/AssetPathSearchTypes.h"
-#include "Quellar/Search/AssetSearchService.h"
 #include "Tools/ArgumentTable.h"
 
 namespace
@@ -18,7 +18,7 @@ void ReadMatchMode(const FJsonValue& Value, FAssetPathSearchParams& Out)
 {
 	FString Word;
 	Value.TryGetString(Word);
-	Out.MatchMode = Word == "exact" ? 1 : 0;
+	Out.MatchMode = Word == "exact" ? EAssetPathMatchMode::Exact : EAssetPathMatchMode::Contains;
 }
 
 void ReadDetailMode(const FJsonValue& Value, FAssetPathSearchParams& Out)
@@ -77,7 +77,7 @@ const TArray<TArgumentRow<FAssetSearchParams>>& GetAssetSearchArguments()
 			 .Type = EToolArgument::TextList,
 			 .Help = "Families of assets to search; empty: all. Material and NiagaraSystem match asset names only, unless the "
 					 "project's settings have them read in depth.",
-			 .Choices = UAssetSearchService::GetFamilyNames(),
+			 .Choices = GetAssetFamilyNames(),
 			 .Narrowing = 2,
 			 .Shell = {.Names = "-f,--family",
 				 .Placeholder = "NAME",

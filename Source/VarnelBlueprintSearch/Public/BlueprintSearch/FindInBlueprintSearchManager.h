@@ -2,7 +2,9 @@
 
 #include "AssetRegistry/AssetRegistry.h"
 
+#include <functional>
 #include <mutex>
+#include <stop_token>
 
 /** Panel that shows search results in an editor. The headless engine has none. */
 class IFindInBlueprintsPanel;
@@ -17,11 +19,26 @@ public:
 	FBlueprintIndexView GetIndex() const;
 
 	/**
-	 * Indexes the files that have changed since the registry's cache was written, with everything else that a scan of the
-	 * registry finds out (see FAssetRegistry::Scan). Returns when done; false when it was cancelled or Options.Stop was
-	 * requested: the registry then keeps what it held. One run at a time: a second one waits.
+	 * A scan of the registry under way, which brings the index up to date (see FAssetRegistry::Scan): whoever asks the manager
+	 * can cancel it. One at a time: the second one waits in its constructor.
 	 */
-	bool CacheAllUnindexed(FAssetRegistry& Registry, FRegistryScanOptions Options, FRegistryScanReport& OutReport);
+	class FIndexingRun
+	{
+	public:
+		/** A stop of Outer stops the run too. */
+		explicit FIndexingRun(std::stop_token Outer);
+		~FIndexingRun();
+		FIndexingRun(const FIndexingRun&) = delete;
+		FIndexingRun& operator=(const FIndexingRun&) = delete;
+		/** For FRegistryScanOptions::Stop. */
+		std::stop_token GetStopToken() const { return Source.get_token(); }
+
+	private:
+		const std::lock_guard<std::mutex> RunGuard;
+		std::stop_source Source;
+		const std::stop_callback<std::function<void()>> PassOn;
+	};
+
 	bool IsUnindexedCacheInProgress() const;
 	/** Makes the run under way end soon; harmless without one. Panel is the one that asks, if any. */
 	void CancelCacheAll(IFindInBlueprintsPanel* Panel);

@@ -1,5 +1,7 @@
 #include "Core/Program/Console.h"
 
+#include "Core/Threads/Tasks.h"
+
 #include <map>
 #include <mutex>
 #include <shared_mutex>
@@ -75,6 +77,7 @@ IConsoleManager& IConsoleManager::Get()
 
 bool IConsoleManager::ProcessUserConsoleInput(FStringView Line) const
 {
+	checkGameThread();
 	TArray<FString> Words = SplitWords(Line);
 	const TSharedPtr<const FConsoleCommand> Command = Words.IsEmpty() ? nullptr : FindConsoleCommand(Words[0]);
 	if (!Command)

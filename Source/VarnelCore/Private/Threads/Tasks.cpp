@@ -243,6 +243,11 @@ bool FGameThread::IsGameThread() const
 	return Thread.load() == std::this_thread::get_id();
 }
 
+bool FGameThread::MayActAsGameThread() const
+{
+	return IsGameThread() || Thread.load() == std::thread::id();
+}
+
 void FGameThread::Post(std::function<void()> Task)
 {
 	checkf(Task, "a task is needed");

@@ -1,8 +1,7 @@
-#include "CoreObject/Packages/Loader.h"
 #include "CoreObject/Reflection/Properties.h"
 #include "CoreObject/Reflection/PropertyReader.h"
+#include "Objects/ObjectLoading.h"
 #include "Objects/PathText.h"
-#include "Packages/LoadedPackages.h"
 #include "Reflection/JsonFaults.h"
 #include "Reflection/ReferenceKinds.h"
 
@@ -54,9 +53,9 @@ T* ResolveType(FStringView Path)
 {
 	UObject* Type = StaticFindObject(T::StaticClass(), Path);
 	if (!Type && !Path.starts_with(ScriptRoot))
-		Type = StaticLoadObject(T::StaticClass(), nullptr, Path);
+		Type = ObjectLoading::Load(T::StaticClass(), Path);
 	if (Type)
-		NoteReferenceToPackage(Type->GetPackage()->GetFName());
+		ObjectLoading::NoteReferenceToPackage(Type->GetPackage()->GetFName());
 	return static_cast<T*>(Type);
 }
 

@@ -1,8 +1,8 @@
 #include "CoreObject/Objects/ObjectPtr.h"
 
 #include "Core/Base/SeededHash.h"
-#include "CoreObject/Packages/Loader.h"
 #include "CoreObject/Reflection/Class.h"
+#include "Objects/ObjectLoading.h"
 #include "Objects/ObjectTable.h"
 #include "Objects/PathText.h"
 
@@ -42,7 +42,7 @@ UObject* FObjectPtr::Get() const
 		return nullptr;
 	const UPackage* const Found = FindPackage(Package);
 	if (!Found || !Found->IsFullyLoaded())
-		StaticLoadObject(UObject::StaticClass(), nullptr, GetPath().ToString());
+		ObjectLoading::Load(UObject::StaticClass(), GetPath().ToString());
 	return GetIfLoaded();
 }
 

@@ -1,5 +1,7 @@
 #include "Objects/ObjectTable.h"
 
+#include "Core/Threads/Tasks.h"
+
 #include <algorithm>
 #include <new>
 #include <unordered_map>
@@ -62,6 +64,7 @@ void FObjectTable::Destruct(UObject* Object)
 
 void FObjectTable::Add(UObject& Object, UClass& Class, UObject* Outer, FName Name)
 {
+	checkGameThread();
 	if (FreeSlots.empty())
 	{
 		FreeSlots.push_back(static_cast<int32>(Slots.size()));
@@ -166,6 +169,7 @@ void FObjectTable::MoveToEnd(UObject& Outer, const std::vector<UObject*>& Childr
 
 void FObjectTable::Destroy(const TArray<UObject*>& Roots)
 {
+	checkGameThread();
 	const std::vector<UObject*> Doomed = CollectWithNested(Roots);
 	NumDestructions += std::any_of(Doomed.begin(), Doomed.end(), [](const UObject* Object) { return Object->GetOuter(); });
 	std::unordered_map<UObject*, std::vector<UObject*>> RootsByOuter;

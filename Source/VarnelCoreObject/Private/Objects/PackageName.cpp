@@ -2,10 +2,8 @@
 
 #include "Core/Files/File.h"
 #include "Core/Text/Unicode.h"
-#include "CoreObject/Packages/PackageSource.h"
 #include "Objects/ByteSet.h"
-
-#include <algorithm>
+#include "Objects/ObjectLoading.h"
 
 namespace
 {
@@ -63,10 +61,8 @@ bool ConvertFile(FStringView FullPath, FString& OutPackageName)
 	const FPackageName::FMountPoint* const Mount = FindMountOfFile(FullPath, Relative);
 	if (!Mount)
 		return false;
-	const IPackageSource& Source = GetVassetPackageSource();
-	const std::size_t StemLength = Relative.size() - std::min(Relative.size(), Source.GetExtensionLength());
-	const FStringView Stem = Relative.substr(0, StemLength);
-	if (!Source.IsPackageFile(std::string(Stem) + Unicode::Fold(Relative.substr(StemLength))))
+	const FStringView Stem = ObjectLoading::GetPackageStem(Relative);
+	if (Stem.empty())
 		return false;
 	FString LongName = Mount->Root + "/" + Stem;
 	if (!FPackageName::IsValidLongPackageName(LongName))

@@ -1,4 +1,4 @@
-#include "Objects/ReferenceListener.h"
+#include "CoreObject/Objects/ReferenceListener.h"
 
 namespace
 {

@@ -33,6 +33,3 @@ private:
 	int64 NumBytes = 0; // of all entries
 	int64 MaxBytes = 0; // 0: no limit
 };
-
-/** Called while a package is read, for each package that it refers to for good: by a hard reference, a class, a type. */
-void NoteReferenceToPackage(FName PackageName);

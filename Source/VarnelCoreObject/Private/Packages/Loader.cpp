@@ -1,8 +1,12 @@
 #include "CoreObject/Packages/Loader.h"
 
+#include "Core/Text/Unicode.h"
+#include "Core/Threads/Tasks.h"
+#include "Objects/ObjectLoading.h"
 #include "Packages/LoadedPackages.h"
 #include "Packages/ParseAhead.h"
 
+#include <algorithm>
 #include <deque>
 #include <iterator>
 #include <unordered_map>
@@ -311,8 +315,8 @@ void FLoader::NoteReference(FName PackageName)
 {
 	if (!Current)
 		return;
-	const bool bIsNew = Current->References.empty() || !(Current->References.back() == PackageName);
-	if (bIsNew && !(Current->PackageName == PackageName))
+	const bool bIsNew = Current->References.empty() || Current->References.back() != PackageName;
+	if (bIsNew && Current->PackageName != PackageName)
 		Current->References.push_back(PackageName);
 }
 
@@ -352,17 +356,20 @@ void SetLoadDiagnostics(FDiagnosticSink* Sink)
 
 UPackage* LoadPackage(FName PackageName, uint32)
 {
+	checkGameThread();
 	return FLoader::Get().Load(PackageName);
 }
 
 UObject* StaticLoadObject(UClass* Class, UObject* Outer, FStringView ObjectPath, uint32)
 {
+	checkGameThread();
 	UObject* const Object = FLoader::Get().FindOrLoad(MakeFullPath(Outer, ObjectPath));
 	return Object && (!Class || Object->IsA(Class)) ? Object : nullptr;
 }
 
 void UnloadAllLoadedPackages()
 {
+	checkGameThread();
 	FLoader::Get().UnloadAll();
 }
 
@@ -389,6 +396,7 @@ int64 GetObjectMemory()
 
 int32 EvictLoadedPackages()
 {
+	checkGameThread();
 	return FLoader::Get().Evict();
 }
 
@@ -402,7 +410,20 @@ void UnpinPackage(FName PackageName)
 	FLoader::Get().GetLoaded().Unpin(PackageName);
 }
 
-void NoteReferenceToPackage(FName PackageName)
+UObject* ObjectLoading::Load(UClass* Class, FStringView ObjectPath)
+{
+	return StaticLoadObject(Class, nullptr, ObjectPath);
+}
+
+void ObjectLoading::NoteReferenceToPackage(FName PackageName)
 {
 	FLoader::Get().NoteReference(PackageName);
+}
+
+FStringView ObjectLoading::GetPackageStem(FStringView FilePath)
+{
+	const IPackageSource& Source = GetVassetPackageSource();
+	const std::size_t StemLength = FilePath.size() - std::min(FilePath.size(), Source.GetExtensionLength());
+	const FStringView Stem = FilePath.substr(0, StemLength);
+	return Source.IsPackageFile(std::string(Stem) + Unicode::Fold(FilePath.substr(StemLength))) ? Stem : FStringView();
 }

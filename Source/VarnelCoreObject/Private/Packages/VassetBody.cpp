@@ -4,9 +4,9 @@
 #include "CoreObject/Packages/Loader.h"
 #include "CoreObject/Reflection/Class.h"
 #include "CoreObject/Reflection/PropertyReader.h"
+#include "Objects/ObjectLoading.h"
 #include "Objects/ObjectTable.h"
 #include "Objects/PathText.h"
-#include "Packages/LoadedPackages.h"
 #include "Packages/VassetHeader.h"
 
 #include <unordered_map>
@@ -233,7 +233,7 @@ void FVassetBody::Create(FListedObject& Item, UClass& Class, UObject& Outer)
 	if (StaticFindObjectFast(nullptr, &Outer, Name))
 		return Faults.Error(Item.PathOffset, "repeated-path",
 			"the package has an object " + FJsonFaults::Quote(Item.Path) + " already, so this one is left out");
-	NoteReferenceToPackage(Class.GetPackage()->GetFName());
+	ObjectLoading::NoteReferenceToPackage(Class.GetPackage()->GetFName());
 	Item.Object = NewObject(&Class, &Outer, Name);
 	Item.Kind = KindOf(Class);
 }

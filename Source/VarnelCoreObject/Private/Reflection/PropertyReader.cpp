@@ -1,11 +1,11 @@
 #include "CoreObject/Reflection/PropertyReader.h"
+#include "CoreObject/Objects/ReferenceListener.h"
 
 #include "Core/Base/HashMap.h"
 #include "Core/Base/SeededHash.h"
 #include "CoreObject/Reflection/Properties.h"
+#include "Objects/ObjectLoading.h"
 #include "Objects/PathText.h"
-#include "Objects/ReferenceListener.h"
-#include "Packages/LoadedPackages.h"
 #include "Reflection/JsonFaults.h"
 
 #include <algorithm>
@@ -137,7 +137,7 @@ TOptional<FObjectPtr> FPropertyReader::ReadReference(const FJsonRef& Json, const
 	if (!bFits && (bInPackage || bMustExist))
 		return std::nullopt;
 	if (!bInPackage && !Path.IsNull() && IsHard(Property.GetKind()))
-		NoteReferenceToPackage(Path.Asset.PackageName);
+		ObjectLoading::NoteReferenceToPackage(Path.Asset.PackageName);
 	if (!Object && bInPackage && HasListener())
 		PendingReferences.push_back({FObjectPtr(Path), Json, &Property});
 	if (!Object && !bInPackage)

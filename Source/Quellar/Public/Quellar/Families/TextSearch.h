@@ -1,11 +1,14 @@
 #pragma once
 
-#include "Core/Base/Containers.h"
-#include "Core/Text/String.h"
+#include "Quellar/Hits/AssetSearchTypes.h"
 
 /** The file's extension is one of the settings' text extensions, or of the default ones where the settings list none. Case is
  * ignored. Any thread. */
 bool IsSearchableTextFile(FStringView Path);
+
+/** Whether text contains the term, or in exact mode equals it as a whole; Params gives the term. For callers that have the text:
+ * the search itself does not hold whole files. */
+bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params, bool bExact, bool bCaseSensitive);
 
 /** Files that a search of text files would have read and could not, relative to the project. */
 struct FTextSearchGaps

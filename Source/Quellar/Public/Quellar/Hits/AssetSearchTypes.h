@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Base/Containers.h"
+#include "Core/Base/Delegate.h"
 #include "Core/Text/String.h"
 
 class FJsonObject;
@@ -70,6 +71,9 @@ struct FAssetSearchResult
 	TArray<FAssetResult> Results;
 	bool bTruncated = false; // an asset was dropped by the per-asset-type cap or the total cap
 };
+
+/** Executed exactly once with what a search, or one family of it, found. */
+using FOnAssetSearchComplete = TDelegate<void(const FAssetSearchResult&)>;
 
 /** The one rule by which every family matches texts and appends hits. */
 namespace OrivaneSearchUtils

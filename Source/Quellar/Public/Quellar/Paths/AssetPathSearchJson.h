@@ -1,12 +1,15 @@
 #pragma once
 
+#include "Core/Json/Json.h"
 #include "Quellar/Paths/AssetPathSearchTypes.h"
 
 namespace OrivaneToolUtils
 {
 /**
- * Replaces Out with {"summary": {"total_hits", "total_directories", "truncated", "detail_mode"}, "directories"?: [{"path",
- * "count", "files"}], "files"?: []}. Files below their directory are written relative to it.
+ * {"summary": {"total_hits", "total_directories", "truncated", "detail_mode"}, "directories"?: [{"path", "count", "files"}],
+ * "files"?: []}. Files below their directory are written relative to it.
  */
+TSharedPtr<FJsonObject> MakeAssetPathSearchJson(const FAssetPathSearchResult& Result, EAssetPathDetailMode DetailMode);
+/** The same as compact text, which replaces Out; for callers that have no use for the object. */
 void WriteAssetPathSearchJson(const FAssetPathSearchResult& Result, FString& Out, EAssetPathDetailMode DetailMode);
 }

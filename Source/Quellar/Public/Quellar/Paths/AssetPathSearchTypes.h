@@ -11,10 +11,16 @@ enum class EAssetPathDetailMode : uint8
 	Both = 2,
 };
 
+enum class EAssetPathMatchMode : uint8
+{
+	Contains, // the object path or the asset name contains the term
+	Exact,	  // one of them equals it
+};
+
 struct FAssetPathSearchParams
 {
-	FString Term;		 // an empty one finds nothing
-	uint8 MatchMode = 0; // 0: object path or asset name contains the term; 1: one of them equals it
+	FString Term; // an empty one finds nothing
+	EAssetPathMatchMode MatchMode = EAssetPathMatchMode::Contains;
 	bool bCaseSensitive = false;
 	EAssetPathDetailMode DetailMode = EAssetPathDetailMode::Directories;
 	FString PathContains;		  // of the directory; empty: no filter

@@ -1,18 +1,9 @@
 #pragma once
 
-#include "Core/Base/Delegate.h"
-#include "Core/Text/Name.h"
 #include "Quellar/Hits/AssetSearchTypes.h"
 
 struct FAssetPathSearchParams;
 struct FAssetPathSearchResult;
-
-/** Executed exactly once with what a search found. */
-using FOnAssetSearchComplete = TDelegate<void(const FAssetSearchResult&)>;
-
-/** Short asset type of an asset's class, such as "Blackboard" for BlackboardData; "uasset" for classes without one. Case is
- * ignored. */
-FString AssetTypeFromClassName(FName ClassName);
 
 /** Searches over the project's assets. Game thread. */
 class UAssetSearchService
@@ -31,6 +22,4 @@ public:
 	 * cap are only counted, in registry order, and the reason is recorded. Result is replaced.
 	 */
 	void AssetPathSearch(const FAssetPathSearchParams& Params, FAssetPathSearchResult& Result);
-	/** The names that IncludeAssetFamilies may hold, in the order in which families are searched. */
-	static TArray<FString> GetFamilyNames();
 };

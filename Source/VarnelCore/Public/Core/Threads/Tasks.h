@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/Assert.h"
 #include "Core/Base/Types.h"
 
 #include <atomic>
@@ -42,15 +43,21 @@ class FGameThread
 public:
 	static FGameThread& Get();
 
+	static constexpr std::chrono::steady_clock::duration NoTimeLimit = std::chrono::steady_clock::duration::max();
+
 	void BindToThisThread();
+	/** False on every thread as long as none was bound. */
 	bool IsGameThread() const;
+	/** IsGameThread, and true as long as none was bound: programs without a loop may do on any one thread what is otherwise the
+	 * game thread's. */
+	bool MayActAsGameThread() const;
 	void Post(std::function<void()> Task);
 	/** Runs the tasks that are queued now, in order; those they post wait for the next call. Returns how many ran. */
 	int32 Pump();
 	/** Runs tasks as they come until Done() is true (asked between tasks and after every wake-up), the stop is requested or the
 	 * time is up. True: done. */
-	bool RunUntil(const std::function<bool()>& Done, std::chrono::steady_clock::duration Limit = std::chrono::hours(24 * 365),
-		std::stop_token Stop = {});
+	bool RunUntil(
+		const std::function<bool()>& Done, std::chrono::steady_clock::duration Limit = NoTimeLimit, std::stop_token Stop = {});
 	/** Wakes RunUntil so that it asks Done() again. */
 	void Wake();
 	/** Drops what is queued. */
@@ -66,6 +73,14 @@ private:
 	bool bWoken = false;
 	std::atomic<std::thread::id> Thread;
 };
+
+/** At the doors of what belongs to the game thread: ends the program on any other one. Costs nothing in builds without
+ * assertions. */
+#ifdef NDEBUG
+#define checkGameThread() static_cast<void>(0)
+#else
+#define checkGameThread() checkf(FGameThread::Get().MayActAsGameThread(), "not the game thread")
+#endif
 
 enum class ENamedThreads : uint8
 {

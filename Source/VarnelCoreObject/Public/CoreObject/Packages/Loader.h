@@ -35,18 +35,6 @@ void SetPackageLocator(FPackageLocator Locator);
 /** Receives what goes wrong while packages load; null: nobody listens. */
 void SetLoadDiagnostics(FDiagnosticSink* Sink);
 
-/** A hard reference to an object of another package, as it is read; nobody has looked yet whether that object is there. */
-struct FForeignReference
-{
-	FSoftObjectPath Target;
-	FTopLevelAssetPath
-		Class; // the object, or for class references the class, must be or derive from it; invalid: anything will do
-	bool bIsClassReference = false;
-	FDiagnostic At; // file, line and column; for whoever finds the reference broken to complete
-};
-/** Told of every such reference while packages load, for a check of all packages; null: nobody listens. Must not load. */
-void SetReferenceListener(std::function<void(const FForeignReference&)> Listener);
-
 /**
  * The package, loaded fully; null when it has no file or a malformed body (remembered until packages are unloaded). Asked for
  * while it is being loaded, or while a package that is being loaded declares its types, the package as far as it is. A package in

@@ -1,4 +1,4 @@
-#include "Quellar/Assets/AssetPathExclusion.h"
+#include "Quellar/Assets/OrivaneFindUtils.h"
 
 #include "Core/Text/Unicode.h"
 #include "Quellar/Assets/QuellarSettings.h"
@@ -10,14 +10,12 @@ namespace
 {
 constexpr std::string_view PluginsSegment = "/plugins/";
 
-/** Folded, with forward slashes; valid until the next call. Walks over large graphs ask for very many paths. */
-std::string_view Normalize(std::string_view Text)
+/** Replaces Out with the text folded, with forward slashes. */
+void Normalize(std::string_view Text, std::string& Out)
 {
-	thread_local std::string Normalized;
-	Normalized.clear();
-	Unicode::AppendFolded(Normalized, Text);
-	std::replace(Normalized.begin(), Normalized.end(), '\\', '/');
-	return Normalized;
+	Out.clear();
+	Unicode::AppendFolded(Out, Text);
+	std::replace(Out.begin(), Out.end(), '\\', '/');
 }
 
 /** Start of the segment behind the one at Start; npos behind the last. */
@@ -49,10 +47,12 @@ struct FExclusionRules
 	static FExclusionRules MakeFrom(const UQuellarSettings& Settings)
 	{
 		FExclusionRules Rules{.SourceDirectories = Settings.ExcludedDirectories, .SourcePlugins = Settings.ExcludedPluginNames};
+		std::string Normalized;
 		for (const FString& Directory : Settings.ExcludedDirectories)
 		{
-			if (!Directory.IsEmpty())
-				Rules.Directories.Add(Normalize(Directory));
+			Normalize(Directory, Normalized);
+			if (!Normalized.empty())
+				Rules.Directories.Add(FStringView(Normalized));
 		}
 		for (const FString& Plugin : Settings.ExcludedPluginNames)
 			Rules.Plugins.Add(Plugin);
@@ -106,7 +106,8 @@ bool FOrivaneFindUtils::ShouldExcludeFilePath(const FString& Path)
 		return false;
 
 	const FExclusionRules& Rules = GetCurrentRules(*Settings);
-	const std::string_view Normalized = Normalize(Path);
+	static std::string Normalized; // kept for its storage: walks over large graphs ask for very many paths
+	Normalize(Path, Normalized);
 	if (Rules.Directories.ContainsByPredicate([&](const FString& Directory) { return HoldsDirectory(Normalized, Directory); }))
 		return true;
 	if (!Settings->bExcludeEnginePlugins)

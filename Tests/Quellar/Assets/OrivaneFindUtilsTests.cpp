@@ -1,4 +1,4 @@
-#include "Quellar/Assets/AssetPathExclusion.h"
+#include "Quellar/Assets/OrivaneFindUtils.h"
 #include "Quellar/Assets/QuellarSettings.h"
 #include "Support/TestProject.h"
 
@@ -13,11 +13,8 @@ struct FCase
 
 void ExpectAll(std::initializer_list<FCase> Cases)
 {
-	for (const FCase& Case : Cases)
-	{
-		SCOPED_TRACE(std::string(Case.Why) + ": " + Case.Path);
+	for (const FCase& Case : Traced(Cases))
 		EXPECT_EQ(FOrivaneFindUtils::ShouldExcludeFilePath(Case.Path), Case.bExpected);
-	}
 }
 }
 

@@ -1,0 +1,92 @@
+#include "Core/Program/Console.h"
+#include "Core/Threads/Tasks.h"
+#include "Graph/GraphPicture.h"
+#include "OrivaneToolkit/OrivaneToolkitModule.h"
+#include "Project/HeadlessEngine.h"
+#include "Project/Project.h"
+#include "Support/Golden.h"
+#include "Support/ScratchFolder.h"
+#include "Tools/PathSearchTool.h"
+#include "Tools/ToolCaller.h"
+#include "Tools/ToolOutput.h"
+
+namespace
+{
+/** The sample project as the whole program answers for it, in files that are compared as they are. Opened as a copy. */
+class SampleAnswers : public testing::Test
+{
+protected:
+	SampleAnswers()
+	{
+		std::filesystem::copy(SAMPLE_PROJECT, Folder.GetRoot() + "/P", std::filesystem::copy_options::recursive);
+		Folder.Remove("P/Saved"); // of whoever has tried the sample
+		FDiagnosticSink Diagnostics;
+		FString Error;
+		FProjectOptions Options;
+		Options.Path = Folder.Path("P");
+		Options.Cache = ERegistryCache::Ignore;
+		EXPECT_TRUE(FProject::Open(Options, Diagnostics, Error)) << *Error;
+		RegisterPathSearchTool();
+	}
+
+	static void Call(const char* Tool, const char* Arguments, const std::function<void(const Orivane::FToolResult&)>& OnAnswer)
+	{
+		EXPECT_TRUE(CallToolAndWait(Tool, Arguments, std::chrono::seconds(60), OnAnswer));
+	}
+
+	FScratchFolder Folder;
+	FHeadlessEngine Engine;
+};
+
+constexpr const char* Hub = R"({"asset_path":"/Game/Characters/BP_LanternCharacter","relation":"both","depth":2})";
+}
+
+TEST_F(SampleAnswers, OfTools)
+{
+	const struct
+	{
+		const char* Tool;
+		const char* Arguments;
+		const char* File;
+	} Calls[] = {
+		{"asset_search", R"({"term":"Health"})", "Sample/asset_search.json"},
+		{"asset_search", R"({"term":"lamp","max_total_hits":12,"max_hits_per_asset_type":3})", "Sample/asset_search_capped.json"},
+		{"explore_asset_graph", Hub, "Sample/explore_asset_graph.json"},
+		{"explore_asset_graph", R"({"asset_path":"/Game/Maps/L_Harbour","depth":2,"max_nodes":9})",
+			"Sample/explore_asset_graph_capped.json"},
+		{"asset_path_search", R"({"term":"BP_","detail_mode":"both"})", "Sample/asset_path_search.json"},
+	};
+	for (const auto& [Tool, Arguments, File] : Calls)
+		Call(Tool, Arguments,
+			[File = File](const Orivane::FToolResult& Result)
+			{ ExpectGolden(File, Json::WritePretty(*MakeEnvelopeJson(Result)).View()); });
+}
+
+TEST_F(SampleAnswers, OfDrawings)
+{
+	FGraphPicture Picture;
+	Call("explore_asset_graph", Hub,
+		[&Picture](const Orivane::FToolResult& Result)
+		{ Picture = MakeGraphPicture(*ToolOutput::GetContent(Result), "Blueprint"); });
+	ExpectGolden("Sample/graph.dot", GraphDrawing::WriteDot(Picture).View());
+	ExpectGolden("Sample/graph.mermaid", GraphDrawing::WriteMermaid(Picture).View());
+
+	constexpr std::string_view Begin = R"(<script type="application/json" id="data">)";
+	const std::string Page = GraphDrawing::WriteHtml(Picture).ToStdString();
+	const std::size_t At = Page.find(Begin) + Begin.size();
+	TSharedPtr<FJsonObject> Shown;
+	ASSERT_TRUE(Json::ParseObject(Page.substr(At, Page.find("</script>", At) - At), Shown));
+	ExpectGolden("Sample/graph_page_data.json", Json::WritePretty(*Shown).View());
+}
+
+TEST_F(SampleAnswers, OfConsoleCommands)
+{
+	for (const auto& [Line, File] : {std::pair("Orivane.AssetSearch term=Health", "asset_search.json"),
+			 std::pair("Orivane.DataTableSearch term=damage", "datatable_search.json")})
+	{
+		EXPECT_TRUE(IConsoleManager::Get().ProcessUserConsoleInput(Line));
+		EXPECT_TRUE(FGameThread::Get().RunUntil(
+			[&] { return !Folder.Read(std::string("P/Saved/Quellar/") + File).empty(); }, std::chrono::seconds(60)));
+		ExpectGolden(std::string("Sample/Console/") + File, Folder.Read(std::string("P/Saved/Quellar/") + File));
+	}
+}

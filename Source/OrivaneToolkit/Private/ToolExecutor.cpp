@@ -47,10 +47,8 @@ FString DescribeToolFailure(const FToolCommand& Command, const FString& Error)
 
 FString DescribeUnknownTool(const FToolCommand& Command, const TArray<FString>& KnownNames)
 {
-	FString Text = FString::Printf("Unknown tool '%s'", *Command.ToolName);
-	for (int32 Index = 0; Index < KnownNames.Num(); ++Index)
-		Text += FString(Index == 0 ? "; registered: " : ", ") + KnownNames[Index];
-	return Text;
+	const FString Text = FString::Printf("Unknown tool '%s'", *Command.ToolName);
+	return KnownNames.IsEmpty() ? Text : Text + "; registered: " + FString::Join(KnownNames, ", ");
 }
 }
 

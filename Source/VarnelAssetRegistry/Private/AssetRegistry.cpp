@@ -268,7 +268,10 @@ void FAssetRegistry::GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArr
 	const auto Current = State->Take();
 	const uint32 Class = Current->Image->FindClass(ClassPath.ToString());
 	if (Class == NoId)
-		return OutDerived.Add(ClassPath), void();
+	{
+		OutDerived.Add(ClassPath);
+		return;
+	}
 	std::vector<uint32> Classes;
 	Current->Image->GatherDerivedClasses(Class, Classes);
 	for (const uint32 Derived : Classes)

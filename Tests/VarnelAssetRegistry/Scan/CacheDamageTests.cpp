@@ -1,4 +1,5 @@
 #include "AssetRegistry/BlueprintIndex.h"
+#include "Image/RegistryColumns.h"
 #include "Queries/PathSearch.h"
 #include "Queries/RegistryDump.h"
 #include "Queries/RegistryQuery.h"
@@ -79,15 +80,10 @@ FImageBytes CopyBytes(std::string_view Bytes)
 	return Copy;
 }
 
-FRegistryDraft CopyTables(FRegistryTables Tables)
+FRegistryDraft CopyTables(const FRegistryTables& Tables)
 {
 	FRegistryDraft Draft;
-	const auto CopyColumn = [](auto& To, const auto& From) { To.assign(From.begin(), From.end()); };
-	[&]<std::size_t... Index>(std::index_sequence<Index...>)
-	{
-		(CopyColumn(std::get<Index>(Draft.Tie()), std::get<Index>(Tables.Tie())), ...);
-	}
-	(std::make_index_sequence<NumColumns>());
+	ForEachColumn([](const FColumn&, auto& To, const auto& From) { To.assign(From.begin(), From.end()); }, Draft, Tables);
 	Draft.ZoneStarts = Tables.ZoneStarts;
 	return Draft;
 }
@@ -102,8 +98,8 @@ void DamageColumn(FRegistryDraft& Draft, std::mt19937& Random)
 		return;
 	}
 	std::size_t Index = 0;
-	Draft.ForEach(
-		[&](auto& Column)
+	ForEachColumn(
+		[&](const FColumn&, auto& Column)
 		{
 			if (Index++ != Chosen)
 				return;
@@ -118,7 +114,8 @@ void DamageColumn(FRegistryDraft& Draft, std::mt19937& Random)
 				char* const Byte = reinterpret_cast<char*>(&Element) + Random() % sizeof(Element);
 				*Byte = static_cast<char>(Kind == 2 ? Random() : static_cast<uint32>(*Byte) + 1);
 			}
-		});
+		},
+		Draft);
 }
 
 TSharedPtr<const FRegistryImage> OpenCache(const FRegistryProject& Project, EImageState& OutState)
@@ -214,16 +211,13 @@ TEST(CacheDamage, NoFlippedBitIsOverlooked)
 		if (!Opened)
 			continue;
 		// Only bytes between columns may differ.
-		FRegistryTables Tables = Opened->GetTables();
-		FRegistryTables Original = Image->GetTables();
-		const auto IsSame = [](const auto& A, const auto& B)
-		{ return A.size_bytes() == B.size_bytes() && (A.empty() || std::memcmp(A.data(), B.data(), A.size_bytes()) == 0); };
-		const bool bSame = [&]<std::size_t... Index>(std::index_sequence<Index...>)
-		{
-			return (IsSame(std::get<Index>(Tables.Tie()), std::get<Index>(Original.Tie())) && ...);
-		}
-		(std::make_index_sequence<NumColumns>());
-		EXPECT_TRUE(bSame) << "bit flipped at " << Offset;
+		ForEachColumn(
+			[Offset](const FColumn& Column, const auto& A, const auto& B)
+			{
+				const bool bSame = A.size() == B.size() && (A.empty() || std::memcmp(A.data(), B.data(), A.size_bytes()) == 0);
+				EXPECT_TRUE(bSame) << Column.Name << ", bit flipped at " << Offset;
+			},
+			Opened->GetTables(), Image->GetTables());
 	}
 }
 

@@ -162,6 +162,14 @@ TEST(Utf8, RepairsEveryMaximalSubpart)
 	}
 }
 
+TEST(Utf8, FindsWhereACodePointStarts)
+{
+	const std::string_view Text = "a\u00e4\U0001f600";
+	const std::size_t Starts[] = {0, 1, 1, 3, 3, 3, 3, 7, 7};
+	for (std::size_t Position = 0; Position < std::size(Starts); ++Position)
+		EXPECT_EQ(Unicode::FloorToCodePoint(Text, Position), Starts[Position]) << Position;
+}
+
 TEST(Utf8, ReadsUtf16)
 {
 	const struct
@@ -244,7 +252,7 @@ TEST(String, ReplacesWhatMatchesWhateverItsLength)
 		EXPECT_EQ(FString(Case.Text).Replace(Case.From, Case.To).ToStdString(), Case.Expected);
 }
 
-TEST(String, TrimsAndSplits)
+TEST(String, TrimsSplitsAndJoins)
 {
 	EXPECT_EQ(FString(" \t\r\n\u00A0\u3000 a b \u2003\n").TrimStartAndEnd().ToStdString(), "a b");
 	EXPECT_EQ(FString(" \u2003 ").TrimStartAndEnd().ToStdString(), "");
@@ -253,6 +261,9 @@ TEST(String, TrimsAndSplits)
 	EXPECT_EQ(FString("a::b").ParseIntoArray("::"), (TArray<FString>{"a", "b"}));
 	EXPECT_EQ(FString("ab").ParseIntoArray(""), (TArray<FString>{"ab"}));
 	EXPECT_EQ(FString("").ParseIntoArray(",").Num(), 0);
+	EXPECT_EQ(FString::Join({"", "a", "", "b"}, ", ").View(), ", a, , b") << "empty texts keep their separators";
+	EXPECT_EQ(FString::Join({"a"}, ", ").View(), "a");
+	EXPECT_EQ(FString::Join({}, ", ").View(), "");
 }
 
 TEST(String, ReadsIntegersAtTheStart)

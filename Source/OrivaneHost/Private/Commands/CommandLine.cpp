@@ -118,14 +118,14 @@ CLI::Option* AddChoice(
 {
 	const auto TakeWord = [Take, Words, Option = std::string(Name)](const std::string& Text)
 	{
-		std::string Known;
+		TArray<FString> Known;
 		for (const auto& [Word, Value] : Words)
 		{
 			if (CLI::detail::to_lower(Text) == Word)
 				return Take(Value);
-			Known += (Known.empty() ? "" : ", ") + Word;
+			Known.Add(Word);
 		}
-		throw CLI::ValidationError(Option, "'" + Text + "' is none of: " + Known);
+		throw CLI::ValidationError(Option, "'" + Text + "' is none of: " + FString::Join(Known, ", ").ToStdString());
 	};
 	return App.add_option_function<std::string>(Name, TakeWord, Help);
 }

@@ -23,10 +23,10 @@ constexpr int32 MaxListed = 10; // assets named on the screen; the file holds al
 
 FString DescribeCounts(const TMap<FString, int32>& Counts)
 {
-	FString Text;
+	TArray<FString> Texts;
 	for (const auto& [Name, Number] : Counts)
-		Text += FString(Text.IsEmpty() ? "" : ", ") + Terminal::Sanitize(Name) + " " + FString::FromInt(Number);
-	return Text;
+		Texts.Add(Terminal::Sanitize(Name) + " " + FString::FromInt(Number));
+	return FString::Join(Texts, ", ");
 }
 
 FString MakeRelativeToProject(const FString& File)

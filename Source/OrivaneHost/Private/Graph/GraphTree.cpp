@@ -43,17 +43,17 @@ private:
 
 	static FString DescribeCounts(const FJsonObject& Summary, const char* Key)
 	{
-		FString Text;
+		TArray<FString> Texts;
 		TSharedPtr<FJsonObject> Counts;
 		if (!Summary.TryGetObjectField(Key, Counts))
-			return Text;
+			return {};
 		for (const FJsonObject::FField& Field : Counts->GetFields())
 		{
 			int32 Count = 0;
 			Field.Value.TryGetNumber(Count);
-			Text += (Text.IsEmpty() ? FString() : FString(", ")) + Field.Key + " " + FString::FromInt(Count);
+			Texts.Add(Field.Key + " " + FString::FromInt(Count));
 		}
-		return Text;
+		return FString::Join(Texts, ", ");
 	}
 
 	const FPainter& Paint;

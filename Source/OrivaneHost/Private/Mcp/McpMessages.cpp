@@ -1,5 +1,7 @@
 #include "Mcp/McpMessages.h"
 
+#include "Core/Text/Unicode.h"
+
 namespace
 {
 /** Longer ids are refused: an id is repeated in the answer, whose size is limited. */
@@ -117,9 +119,7 @@ FString Abbreviate(FStringView Text, std::size_t MaxBytes)
 {
 	if (Text.size() <= MaxBytes)
 		return FString(Text);
-	std::size_t End = MaxBytes;
-	while (End > 0 && (static_cast<uint8>(Text[End]) & 0xC0) == 0x80) // inside a code point
-		--End;
+	const std::size_t End = Unicode::FloorToCodePoint(Text, MaxBytes);
 	return FString(Text.substr(0, End)) + "... (" + FString::FromInt(static_cast<int64>(Text.size() - End)) + " more bytes)";
 }
 

@@ -1,11 +1,11 @@
 #include "Mcp/McpStdio.h"
 
 #include "Core/Base/Assert.h"
+#include "Core/Files/WriteFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 #include <utility>
@@ -17,18 +17,11 @@ constexpr int BacklogMilliseconds = 50;					  // between two looks whether the b
 constexpr int MaxWaitMilliseconds = 60'000;
 
 constexpr short GoneEvents = POLLERR | POLLHUP | POLLNVAL;
-
-void WaitUntilWritable(int Descriptor)
-{
-	pollfd Poll{.fd = Descriptor, .events = POLLOUT, .revents = 0};
-	poll(&Poll, 1, -1);
-}
 }
 
 FMcpStdio::FMcpStdio(int InInput, int InOutput) : Input(InInput), Output(InOutput)
 {
-	const bool bMade = pipe2(WakePipe, O_CLOEXEC | O_NONBLOCK) == 0;
-	checkf(bMade, "a process that starts has file descriptors left");
+	checkf(StopRequest.IsOpen(), "a process that starts has file descriptors left");
 	Writer = std::thread([this] { RunWriter(); });
 }
 
@@ -40,8 +33,6 @@ FMcpStdio::~FMcpStdio()
 	}
 	Changed.notify_all();
 	Writer.join();
-	close(WakePipe[0]);
-	close(WakePipe[1]);
 }
 
 void FMcpStdio::Write(std::string Line)
@@ -86,7 +77,7 @@ FMcpStdio::FWait FMcpStdio::WaitForInput(const IMcpLineHandler& Handler) const
 	const short InputEvents = bBacklog ? 0 : POLLIN;
 	std::array<pollfd, 3> Polls = {{
 		{.fd = Input, .events = InputEvents, .revents = 0},
-		{.fd = WakePipe[0], .events = POLLIN, .revents = 0},
+		{.fd = StopRequest.GetDescriptor(), .events = POLLIN, .revents = 0},
 		{.fd = Output, .events = 0, .revents = 0},
 	}};
 	if (poll(Polls.data(), Polls.size(), GetWaitMilliseconds(Handler, bBacklog)) <= 0)
@@ -112,14 +103,6 @@ int FMcpStdio::GetWaitMilliseconds(const IMcpLineHandler& Handler, bool bBacklog
 	return Wait;
 }
 
-void FMcpStdio::RequestStop() noexcept
-{
-	const int SavedError = errno;
-	const char Byte = 0;
-	[[maybe_unused]] const ssize_t Written = write(WakePipe[1], &Byte, 1); // a full pipe says the same
-	errno = SavedError;
-}
-
 bool FMcpStdio::Flush(std::chrono::milliseconds Limit)
 {
 	std::unique_lock Guard(Lock);
@@ -142,7 +125,7 @@ void FMcpStdio::RunWriter()
 			return;
 		const std::string Lines = std::exchange(Queued, std::string());
 		Guard.unlock();
-		const bool bWritten = WriteAll(Lines);
+		const bool bWritten = WriteFile::All(Output, Lines);
 		Guard.lock();
 		NumUnwritten -= Lines.size();
 		bReaderGone = !bWritten;
@@ -150,19 +133,4 @@ void FMcpStdio::RunWriter()
 		if (bReaderGone)
 			RequestStop();
 	}
-}
-
-bool FMcpStdio::WriteAll(std::string_view Bytes) const
-{
-	while (!Bytes.empty())
-	{
-		const ssize_t Written = write(Output, Bytes.data(), Bytes.size());
-		if (Written >= 0)
-			Bytes.remove_prefix(static_cast<std::size_t>(Written));
-		else if (errno == EAGAIN)
-			WaitUntilWritable(Output);
-		else if (errno != EINTR)
-			return false;
-	}
-	return true;
 }

@@ -2,6 +2,7 @@
 
 #include "Core/Base/Types.h"
 #include "Terminal/LineSplitter.h"
+#include "Terminal/WakePipe.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -49,7 +50,7 @@ public:
 	/** Reads until the end. One thread. */
 	EMcpEnd Read(IMcpLineHandler& Handler);
 	/** Makes Read return soon. Any thread, also from a signal handler. */
-	void RequestStop() noexcept;
+	void RequestStop() noexcept { StopRequest.Signal(); }
 	/** Waits until all lines are written, at most Limit. */
 	bool Flush(std::chrono::milliseconds Limit);
 
@@ -63,11 +64,10 @@ private:
 	int GetWaitMilliseconds(const IMcpLineHandler& Handler, bool bBacklog) const;
 	bool HasBacklog() const;
 	void RunWriter();
-	bool WriteAll(std::string_view Bytes) const;
 
 	const int Input;
 	const int Output;
-	int WakePipe[2] = {-1, -1}; // a byte in it means that a stop was requested
+	FWakePipe StopRequest;
 
 	mutable std::mutex Lock; // guards what follows
 	std::condition_variable Changed;

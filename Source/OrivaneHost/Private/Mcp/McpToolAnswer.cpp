@@ -45,12 +45,13 @@ FAnswer MakeAnswer(const Orivane::FToolResult& Result)
 
 FString WriteErrorText(const FAnswer& Answer, const FMcpAnswerForm& Form)
 {
-	FString Text;
+	TArray<FString> Errors;
 	for (const FJsonValue& Message : Answer.Messages)
 	{
 		if (ReadField(Message, "type").View() == "error")
-			Text += (Text.IsEmpty() ? FString() : FString("\n")) + ReadField(Message, "text");
+			Errors.Add(ReadField(Message, "text"));
 	}
+	const FString Text = FString::Join(Errors, "\n");
 	return Form.ErrorAdvice.IsEmpty() ? Text : Text + "\n" + Form.ErrorAdvice;
 }
 
@@ -128,14 +129,13 @@ public:
 	FString Describe() const
 	{
 		constexpr int32 MaxArrays = 4;
-		FString Text;
+		TArray<FString> Texts;
 		for (int32 Index = std::max(0, CutArrays.Num() - MaxArrays); Index < CutArrays.Num(); ++Index)
 		{
 			const FCutArray& Array = CutArrays[Index];
-			Text += FString(Text.IsEmpty() ? "" : ", ") + FString::FromInt(Array.NumKept) + " of " + FString::FromInt(Array.Num) +
-				" " + Abbreviate(Array.Name);
+			Texts.Add(FString::FromInt(Array.NumKept) + " of " + FString::FromInt(Array.Num) + " " + Abbreviate(Array.Name));
 		}
-		return Text;
+		return FString::Join(Texts, ", ");
 	}
 
 private:

@@ -72,14 +72,6 @@ TArray<FString> GetArguments(const FMcpTool& Tool)
 		Names.Add(Property.Key);
 	return Names;
 }
-
-FString Join(const TArray<FString>& Texts, FStringView Separator)
-{
-	FString Joined;
-	for (const FString& Text : Texts)
-		Joined += (Joined.IsEmpty() ? FString() : FString(Separator)) + Text;
-	return Joined;
-}
 }
 
 FJsonArray McpTools::MakeList(const TArray<FMcpTool>& Tools)
@@ -114,7 +106,7 @@ FString McpTools::ListNames(const TArray<FMcpTool>& Tools)
 	TArray<FString> Names;
 	for (const FMcpTool& Tool : Tools)
 		Names.Add(Tool.Name);
-	return Join(Names, ", ");
+	return FString::Join(Names, ", ");
 }
 
 bool McpTools::LacksRequiredArgument(const FMcpTool& Tool, const FJsonValue& Arguments)
@@ -134,10 +126,10 @@ FString McpTools::DescribeArguments(const FMcpTool& Tool)
 	TArray<FString> Words;
 	for (const FString& Name : GetArguments(Tool))
 		Words.Add(Required.Contains(Name) ? Name + " (required)" : Name);
-	return Tool.Name + " takes a JSON object" + (Words.IsEmpty() ? FString() : FString(" with: ") + Join(Words, ", "));
+	return Tool.Name + " takes a JSON object" + (Words.IsEmpty() ? FString() : FString(" with: ") + FString::Join(Words, ", "));
 }
 
 FString McpTools::ListNarrowingArguments(const FMcpTool& Tool)
 {
-	return Join(Tool.NarrowingArguments, ", ");
+	return FString::Join(Tool.NarrowingArguments, ", ");
 }

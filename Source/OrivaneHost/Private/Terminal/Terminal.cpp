@@ -2,6 +2,7 @@
 
 #include "Core/Text/Unicode.h"
 #include "Terminal/ExitCode.h"
+#include "Terminal/WakePipe.h"
 
 #include <atomic>
 #include <cerrno>
@@ -28,7 +29,7 @@ std::stop_source& GetStopSource()
 	return Source;
 }
 
-int SignalPipe[2] = {-1, -1}; // a byte stays in it from the first request on
+FWakePipe* SignalPipe = nullptr; // signalled from the first request on
 int OutputError = 0;
 std::atomic<int> NumSignals = 0;
 
@@ -37,13 +38,12 @@ extern "C" void OnSignal(int)
 	// A stop source takes a lock, which a signal handler must not; a thread behind a pipe does it.
 	if (NumSignals.fetch_add(1) > 0)
 		_exit(EExitCode::Interrupted);
-	const char Byte = 0;
-	[[maybe_unused]] const ssize_t Written = write(SignalPipe[1], &Byte, 1);
+	SignalPipe->Signal();
 }
 
 void WatchSignals()
 {
-	pollfd Poll{.fd = SignalPipe[0], .events = POLLIN, .revents = 0};
+	pollfd Poll{.fd = SignalPipe->GetDescriptor(), .events = POLLIN, .revents = 0};
 	while (poll(&Poll, 1, -1) != 1)
 	{
 	}
@@ -104,8 +104,8 @@ int64 Terminal::ReadInput(char* Buffer, std::size_t MaxBytes)
 {
 	for (;;)
 	{
-		pollfd Polls[] = {
-			{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0}, {.fd = SignalPipe[0], .events = POLLIN, .revents = 0}};
+		pollfd Polls[] = {{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0},
+			{.fd = SignalPipe ? SignalPipe->GetDescriptor() : -1, .events = POLLIN, .revents = 0}};
 		const int NumReady = poll(Polls, 2, -1);
 		if (NumReady > 0 && Polls[1].revents != 0)
 		{
@@ -143,7 +143,8 @@ FString Terminal::Sanitize(FStringView Text)
 
 void Interrupt::Install()
 {
-	if (pipe2(SignalPipe, O_CLOEXEC | O_NONBLOCK) != 0)
+	SignalPipe = new FWakePipe; // outlives the thread that watches it
+	if (!SignalPipe->IsOpen())
 		return;
 	std::thread(WatchSignals).detach();
 	std::signal(SIGINT, OnSignal);

@@ -4,6 +4,7 @@
 #include "Core/Text/Unicode.h"
 #include "Core/Threads/Tasks.h"
 #include "Image/AssetObjectPath.h"
+#include "Image/RegistryColumns.h"
 #include "Image/TableChecks.h"
 
 #include <algorithm>
@@ -14,10 +15,30 @@
 namespace
 {
 constexpr std::array<char, 8> ImageMagic = {'V', 'A', 'R', 'N', 'R', 'E', 'G', '\n'};
-constexpr uint32 ImageVersion = 6; // counts up with every change to the columns, their meaning or their order
+constexpr uint32 ImageMeaning = 7; // counts up when what is stored means something else though the list of columns is the same
 constexpr uint32 OwnByteOrder = 0x01020304;
 constexpr std::size_t ColumnAlignment = 64;
 constexpr std::size_t ParallelBytes = 4 * 1024 * 1024; // smaller images are not worth the threads
+
+/** Changes with every change to the list of columns. */
+constexpr uint32 MakeVersion()
+{
+	uint32 Version = ImageMeaning;
+	const auto Mix = [&Version](std::size_t Value) { Version = (Version ^ static_cast<uint32>(Value)) * 0x01000193; };
+	const TRegistryColumns<TColumnType> Columns = {};
+	ForEachColumn(
+		[&Mix]<class TElement>(const FColumn& Column, const TColumnType<TElement>&)
+		{
+			for (const char Character : Column.Name)
+				Mix(static_cast<unsigned char>(Character));
+			for (const std::size_t Part : {static_cast<std::size_t>(Column.Rows), static_cast<std::size_t>(Column.Kind),
+					 static_cast<std::size_t>(Column.Into), sizeof(TElement)})
+				Mix(Part);
+		},
+		Columns);
+	return Version;
+}
+constexpr uint32 ImageVersion = MakeVersion();
 
 struct FColumnPlace
 {
@@ -53,22 +74,20 @@ uint64 HashHeader(FImageHeader Header)
 	return ChecksumOf(std::string_view(reinterpret_cast<const char*>(&Header), sizeof(Header)));
 }
 
-template <class TColumn>
-using TElement = std::remove_const_t<typename TColumn::value_type>;
-
 /** Places the columns one behind the other. */
-void PlaceColumns(FRegistryDraft& Draft, FImageHeader& Header)
+void PlaceColumns(const FRegistryDraft& Draft, FImageHeader& Header)
 {
 	uint64 End = sizeof(FImageHeader);
 	std::size_t Index = 0;
-	Draft.ForEach(
-		[&](auto& Column)
+	ForEachColumn(
+		[&](const FColumn&, const auto& Column)
 		{
 			FColumnPlace& Place = Header.Columns[Index++];
 			Place.Offset = AlignUp(End);
 			Place.NumBytes = Column.size() * sizeof(Column[0]);
 			End = Place.Offset + Place.NumBytes;
-		});
+		},
+		Draft);
 	Header.NumBytes = AlignUp(End);
 }
 
@@ -77,8 +96,8 @@ void CopyColumns(FRegistryDraft& Draft, FImageHeader& Header, char* Target)
 {
 	uint64 End = sizeof(FImageHeader);
 	std::size_t Index = 0;
-	Draft.ForEach(
-		[&](auto& Column)
+	ForEachColumn(
+		[&](const FColumn&, auto& Column)
 		{
 			FColumnPlace& Place = Header.Columns[Index++];
 			std::memset(Target + End, 0, Place.Offset - End);
@@ -87,7 +106,8 @@ void CopyColumns(FRegistryDraft& Draft, FImageHeader& Header, char* Target)
 			Place.Hash = ChecksumOf(std::string_view(Target + Place.Offset, Place.NumBytes));
 			End = Place.Offset + Place.NumBytes;
 			Column = {};
-		});
+		},
+		Draft);
 	std::memset(Target + End, 0, Header.NumBytes - End);
 }
 
@@ -95,13 +115,13 @@ void CopyColumns(FRegistryDraft& Draft, FImageHeader& Header, char* Target)
 void SetColumns(std::string_view Bytes, const FImageHeader& Header, FRegistryTables& Tables)
 {
 	std::size_t Index = 0;
-	Tables.ForEach(
-		[&](auto& Column)
+	ForEachColumn(
+		[&]<class TElement>(const FColumn&, std::span<const TElement>& Column)
 		{
-			using FElement = TElement<std::remove_reference_t<decltype(Column)>>;
 			const FColumnPlace& Place = Header.Columns[Index++];
-			Column = {reinterpret_cast<const FElement*>(Bytes.data() + Place.Offset), Place.NumBytes / sizeof(FElement)};
-		});
+			Column = {reinterpret_cast<const TElement*>(Bytes.data() + Place.Offset), Place.NumBytes / sizeof(TElement)};
+		},
+		Tables);
 	Tables.ZoneStarts = Header.ZoneStarts;
 }
 
@@ -119,14 +139,16 @@ bool ArePlacesSound(std::size_t NumBytes, const FImageHeader& Header)
 	uint64 End = sizeof(FImageHeader);
 	std::size_t Index = 0;
 	bool bSound = Header.NumBytes == NumBytes;
-	FRegistryTables().ForEach(
-		[&](auto& Column)
+	const TRegistryColumns<TColumnType> Columns = {};
+	ForEachColumn(
+		[&]<class TElement>(const FColumn&, const TColumnType<TElement>&)
 		{
 			const FColumnPlace& Place = Header.Columns[Index++];
 			bSound = bSound && Place.Offset == AlignUp(End) && Place.Offset <= NumBytes &&
-				Place.NumBytes <= NumBytes - Place.Offset && Place.NumBytes % sizeof(Column[0]) == 0;
+				Place.NumBytes <= NumBytes - Place.Offset && Place.NumBytes % sizeof(TElement) == 0;
 			End = Place.Offset + Place.NumBytes;
-		});
+		},
+		Columns);
 	return bSound && AlignUp(End) == NumBytes;
 }
 
@@ -191,13 +213,7 @@ TSharedPtr<const FRegistryImage> FRegistryImage::Open(FImageBytes Bytes, EImageS
 TSharedPtr<const FRegistryImage> FRegistryImage::MakeEmpty()
 {
 	FRegistryDraft Draft;
-	Draft.TextStarts = {0};
-	Draft.NameTrigrams.Starts = {0};
-	Draft.EntryTrigrams.Starts = {0};
-	for (std::vector<uint32>* First :
-		{&Draft.FirstAssets, &Draft.FirstEntries, &Draft.FirstUses, &Draft.FirstTags, &Draft.FirstClassAssets,
-			&Draft.FirstClassChildren, &Draft.FirstDependencies, &Draft.FirstReferencers, &Draft.FirstRootFiles})
-		*First = {0};
+	ForEachColumn([](const FColumn& Column, auto& Elements) { Elements.resize(Column.HasEnd() ? 1 : 0); }, Draft);
 	return Build(std::move(Draft), {});
 }
 

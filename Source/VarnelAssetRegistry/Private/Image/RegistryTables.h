@@ -6,7 +6,6 @@
 #include <array>
 #include <span>
 #include <string_view>
-#include <tuple>
 #include <vector>
 
 /** An id or row that points nowhere. */
@@ -58,7 +57,7 @@ struct TTrigramColumns
 /**
  * Everything the registry knows, as columns. A column named First... has one element more than there are rows: row R owns the
  * elements from First[R] up to First[R + 1] of the columns behind it. TStorage is a vector while columns grow and a span of an
- * image afterwards.
+ * image afterwards. RegistryColumns.h lists them all, with what their elements point at.
  */
 template <template <class> class TStorage>
 struct TRegistryColumns
@@ -123,30 +122,12 @@ struct TRegistryColumns
 	TStorage<uint32> RootNames;
 	TStorage<uint32> RootFolders;
 	TStorage<uint32> FirstRootFiles;
-
-	/** References to all columns, in the order in which they lie in an image. */
-	auto Tie()
-	{
-		return std::tie(TextStarts, FoldedStarts, TextBytes, FoldedBytes, PackageFolders, PackageFiles, FirstAssets, FirstEntries,
-			RespelledPackages, NameTrigrams.Keys, NameTrigrams.Starts, NameTrigrams.Lists, AssetPackages, AssetNames,
-			AssetClasses, AssetOuters, AssetFlags, FirstTags, TagKeys, TagValues, OwnNamedAssets, EntryCategories, EntryTexts,
-			EntryComments, EntryDepths, IndexedAssets, FirstUses, Uses, EntryTrigrams.Keys, EntryTrigrams.Starts,
-			EntryTrigrams.Lists, ClassParents, FirstClassAssets, ClassAssets, FirstClassChildren, ClassChildren,
-			FirstDependencies, DependencyTargets, DependencyFlags, FirstReferencers, ReferencerSources, ReferencerFlags,
-			FilePackages, FileStamps, FileExtensions, FileSources, RootNames, RootFolders, FirstRootFiles);
-	}
-	template <class TVisit>
-	void ForEach(TVisit&& Visit)
-	{
-		std::apply([&Visit](auto&... Columns) { (Visit(Columns), ...); }, Tie());
-	}
 };
 
 template <class T>
 using TColumnSpan = std::span<const T>;
 template <class T>
 using TColumnVector = std::vector<T>;
-inline constexpr std::size_t NumColumns = std::tuple_size_v<decltype(std::declval<TRegistryColumns<TColumnVector>&>().Tie())>;
 
 using FZoneStarts = std::array<uint32, NumZones + 1>; // ids of texts
 
@@ -180,11 +161,5 @@ struct FRegistryDraft : TRegistryColumns<TColumnVector>
 	FZoneStarts ZoneStarts = {};
 
 	/** Valid until a column changes. */
-	FRegistryTables View()
-	{
-		FRegistryTables Tables;
-		Tables.Tie() = Tie();
-		Tables.ZoneStarts = ZoneStarts;
-		return Tables;
-	}
+	FRegistryTables View() const;
 };

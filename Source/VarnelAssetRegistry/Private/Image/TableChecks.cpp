@@ -1,9 +1,56 @@
 #include "Image/TableChecks.h"
 
+#include "Image/RegistryColumns.h"
+
 #include <algorithm>
+#include <type_traits>
 
 namespace
 {
+/** Checks columns against the numbers of rows that the tables have. */
+class FColumnChecks
+{
+public:
+	explicit FColumnChecks(const FRegistryTables& InTables);
+	bool AreColumnsSound() const;
+
+private:
+	template <class TElement>
+	bool IsSound(const FColumn& Column, std::span<const TElement> Elements) const;
+	template <class TElement>
+	bool AreRanges(const FColumn& Column, std::span<const TElement> First) const;
+	std::size_t Num(ERows Rows) const { return NumRows[static_cast<std::size_t>(Rows)]; }
+
+	const FRegistryTables& Tables;
+	std::array<std::size_t, NumRowKinds> NumRows = {};
+};
+
+FColumnChecks::FColumnChecks(const FRegistryTables& InTables) : Tables(InTables)
+{
+	std::array<bool, NumRowKinds> IsKnown = {};
+	for (std::size_t Zone = 0; Zone < NumZones; ++Zone)
+	{
+		NumRows[Zone] = Tables.NumTexts(static_cast<EZone>(Zone));
+		IsKnown[Zone] = true;
+	}
+	ForEachColumn(
+		[&](const FColumn& Column, const auto& Elements)
+		{
+			const auto Rows = static_cast<std::size_t>(Column.Rows);
+			const std::size_t NumExtra = Column.HasEnd() ? 1 : 0;
+			if (!std::exchange(IsKnown[Rows], true))
+				NumRows[Rows] = std::max(Elements.size(), NumExtra) - NumExtra;
+		},
+		Tables);
+}
+
+bool FColumnChecks::AreColumnsSound() const
+{
+	bool bSound = true;
+	ForEachColumn([&](const FColumn& Column, const auto& Elements) { bSound = bSound && IsSound(Column, Elements); }, Tables);
+	return bSound;
+}
+
 template <class T>
 bool IsStrictlyAscending(std::span<const T> Column)
 {
@@ -13,90 +60,73 @@ bool IsStrictlyAscending(std::span<const T> Column)
 	return bAscending;
 }
 
-bool AreStarts(std::span<const uint64> Starts, std::span<const char> Bytes)
+template <class T>
+bool IsAscending(std::span<const T> Column)
 {
-	return !Starts.empty() && Starts.front() == 0 && Starts.back() == Bytes.size() && IsStrictlyAscending(Starts);
-}
-
-/** A column of ranges for NumRows rows that covers all elements. */
-bool AreRanges(std::span<const uint32> First, std::size_t NumRows, std::size_t NumElements)
-{
-	if (First.size() != NumRows + 1 || First.front() != 0 || First.back() != NumElements)
-		return false;
 	bool bAscending = true;
-	for (std::size_t Row = 0; Row < NumRows; ++Row)
-		bAscending &= First[Row] <= First[Row + 1];
+	for (std::size_t Index = 1; Index < Column.size(); ++Index)
+		bAscending &= Column[Index - 1] <= Column[Index];
 	return bAscending;
 }
 
-bool AreIds(std::span<const uint32> Column, std::size_t NumRows, std::size_t Limit)
+template <class T>
+bool AreBelow(std::span<const T> Ids, std::size_t Limit)
 {
 	bool bBelow = true;
-	for (const uint32 Id : Column)
+	for (const T Id : Ids)
 		bBelow &= Id < Limit;
-	return bBelow && Column.size() == NumRows;
+	return bBelow;
 }
 
-bool AreIdsOrNone(std::span<const uint32> Column, std::size_t NumRows, std::size_t Limit)
+template <class T>
+bool AreBelowOrNone(std::span<const T> Ids, std::size_t Limit)
 {
 	bool bBelow = true;
-	for (const uint32 Id : Column)
+	for (const T Id : Ids)
 		bBelow &= (Id < Limit) | (Id == NoId);
-	return bBelow && Column.size() == NumRows;
+	return bBelow;
 }
 
-bool AreTextsSound(const FRegistryTables& Tables)
+template <class TElement>
+bool FColumnChecks::AreRanges(const FColumn& Column, std::span<const TElement> First) const
 {
-	if (!AreStarts(Tables.TextStarts, Tables.TextBytes))
+	return First.size() == Num(Column.Rows) + 1 && First.front() == 0 && First.back() == Num(Column.Into) &&
+		(Column.Kind == EColumn::Ranges ? IsAscending(First) : IsStrictlyAscending(First));
+}
+
+template <class TElement>
+bool FColumnChecks::IsSound(const FColumn& Column, std::span<const TElement> Elements) const
+{
+	if (!Column.HasEnd() && Column.Rows != ERows::Some && Elements.size() != Num(Column.Rows))
 		return false;
-	const std::span<const uint64> FoldedStarts = Tables.FoldedStarts.empty() ? Tables.TextStarts : Tables.FoldedStarts;
-	if (FoldedStarts.size() != Tables.TextStarts.size() || !AreStarts(FoldedStarts, Tables.FoldedBytes))
-		return false;
-	return Tables.ZoneStarts.front() == 0 && Tables.ZoneStarts.back() == Tables.TextStarts.size() - 1 &&
-		std::is_sorted(Tables.ZoneStarts.begin(), Tables.ZoneStarts.end());
+	if constexpr (std::is_unsigned_v<TElement>)
+	{
+		switch (Column.Kind)
+		{
+			case EColumn::Values:
+				return true;
+			case EColumn::Ascending:
+				return IsStrictlyAscending(Elements);
+			case EColumn::Ids:
+				return AreBelow(Elements, Num(Column.Into));
+			case EColumn::IdsOrNone:
+				return AreBelowOrNone(Elements, Num(Column.Into));
+			case EColumn::AscendingIds:
+				return AreBelow(Elements, Num(Column.Into)) && IsStrictlyAscending(Elements);
+			case EColumn::Ranges:
+			case EColumn::Starts:
+				return AreRanges(Column, Elements);
+			case EColumn::FoldedStarts:
+				return Elements.empty() ? AreRanges(Column, Tables.TextStarts) : AreRanges(Column, Elements);
+		}
+	}
+	return Column.Kind == EColumn::Values;
 }
 
-bool ArePackagesSound(const FRegistryTables& Tables)
+bool AreZonesSound(const FRegistryTables& Tables)
 {
-	const std::size_t NumPackages = Tables.PackageFolders.size();
-	return NumPackages <= Tables.NumTexts(EZone::Nodes) &&
-		AreIds(Tables.PackageFolders, NumPackages, Tables.NumTexts(EZone::Folders)) &&
-		AreIds(Tables.PackageFiles, NumPackages, NumPackages) &&
-		AreRanges(Tables.FirstAssets, NumPackages, Tables.AssetPackages.size()) &&
-		AreRanges(Tables.FirstEntries, NumPackages, Tables.EntryTexts.size()) &&
-		AreIds(Tables.RespelledPackages, Tables.RespelledPackages.size(), NumPackages);
-}
-
-bool AreAssetsSound(const FRegistryTables& Tables)
-{
-	const std::size_t NumAssets = Tables.AssetPackages.size();
-	return AreIds(Tables.AssetPackages, NumAssets, Tables.PackageFolders.size()) &&
-		AreIdsOrNone(Tables.AssetNames, NumAssets, Tables.NumTexts(EZone::Names)) &&
-		AreIds(Tables.AssetClasses, NumAssets, Tables.NumTexts(EZone::Classes)) &&
-		AreIdsOrNone(Tables.AssetOuters, NumAssets, Tables.NumTexts(EZone::Names)) && Tables.AssetFlags.size() == NumAssets &&
-		AreRanges(Tables.FirstTags, NumAssets, Tables.TagKeys.size()) &&
-		AreIds(Tables.TagKeys, Tables.TagKeys.size(), Tables.NumTexts(EZone::TagKeys)) &&
-		AreIds(Tables.TagValues, Tables.TagKeys.size(), Tables.NumTexts(EZone::TagValues)) &&
-		AreIds(Tables.OwnNamedAssets, Tables.OwnNamedAssets.size(), NumAssets) && IsStrictlyAscending(Tables.OwnNamedAssets);
-}
-
-bool AreEntriesSound(const FRegistryTables& Tables)
-{
-	const std::size_t NumEntries = Tables.EntryTexts.size();
-	const uint32 NumTexts = Tables.NumTexts(EZone::Entries);
-	return AreIds(Tables.EntryCategories, NumEntries, NumTexts) && AreIds(Tables.EntryTexts, NumEntries, NumTexts) &&
-		AreIdsOrNone(Tables.EntryComments, NumEntries, NumTexts) && Tables.EntryDepths.size() == NumEntries &&
-		AreIds(Tables.IndexedAssets, Tables.IndexedAssets.size(), Tables.AssetPackages.size()) &&
-		IsStrictlyAscending(Tables.IndexedAssets) && (Tables.Uses.empty() || !Tables.IndexedAssets.empty()) &&
-		AreRanges(Tables.FirstUses, NumTexts, Tables.Uses.size()) && AreIds(Tables.Uses, Tables.Uses.size(), NumEntries);
-}
-
-/** What the lists hold is checked where they are read: looking into each would make opening slower than searching. */
-bool AreTrigramsSound(const TTrigramColumns<TColumnSpan>& Trigrams)
-{
-	return Trigrams.Starts.size() == Trigrams.Keys.size() + 1 && Trigrams.Starts.front() == 0 &&
-		Trigrams.Starts.back() == Trigrams.Lists.size() && IsStrictlyAscending(Trigrams.Starts) &&
-		IsStrictlyAscending(Trigrams.Keys);
+	return Tables.ZoneStarts.front() == 0 && std::is_sorted(Tables.ZoneStarts.begin(), Tables.ZoneStarts.end()) &&
+		std::size_t{Tables.ZoneStarts.back()} + 1 == Tables.TextStarts.size();
 }
 
 /** Walks from every class up to the first one that is known to end. */
@@ -138,40 +168,16 @@ bool AreChildrenSound(const FRegistryTables& Tables)
 	return true;
 }
 
-bool AreClassesSound(const FRegistryTables& Tables)
+/** What no row of the list of columns says. */
+bool AreColumnsSoundTogether(const FRegistryTables& Tables)
 {
-	const uint32 NumClasses = Tables.NumTexts(EZone::Classes);
-	return AreIdsOrNone(Tables.ClassParents, NumClasses, NumClasses) && HasNoCircle(Tables.ClassParents) &&
-		AreRanges(Tables.FirstClassAssets, NumClasses, Tables.ClassAssets.size()) &&
-		AreIds(Tables.ClassAssets, Tables.AssetPackages.size(), Tables.AssetPackages.size()) &&
-		AreRanges(Tables.FirstClassChildren, NumClasses, Tables.ClassChildren.size()) &&
-		AreIds(Tables.ClassChildren, Tables.ClassChildren.size(), NumClasses) && AreChildrenSound(Tables);
-}
-
-bool IsGraphSound(const FRegistryTables& Tables)
-{
-	const uint32 NumNodes = Tables.NumTexts(EZone::Nodes);
-	const std::size_t NumEdges = Tables.DependencyTargets.size();
-	return AreRanges(Tables.FirstDependencies, NumNodes, NumEdges) && AreIds(Tables.DependencyTargets, NumEdges, NumNodes) &&
-		Tables.DependencyFlags.size() == NumEdges && AreRanges(Tables.FirstReferencers, NumNodes, NumEdges) &&
-		AreIds(Tables.ReferencerSources, NumEdges, NumNodes) && Tables.ReferencerFlags.size() == NumEdges;
-}
-
-bool AreFilesSound(const FRegistryTables& Tables)
-{
-	const std::size_t NumFiles = Tables.PackageFolders.size();
-	const std::size_t NumRoots = Tables.RootNames.size();
-	const uint32 NumTexts = Tables.NumTexts(EZone::Files);
-	return AreIds(Tables.FilePackages, NumFiles, NumFiles) && Tables.FileStamps.size() == NumFiles &&
-		AreIds(Tables.FileExtensions, NumFiles, NumTexts) && Tables.FileSources.size() == NumFiles &&
-		AreIds(Tables.RootNames, NumRoots, NumTexts) && AreIds(Tables.RootFolders, NumRoots, NumTexts) &&
-		AreRanges(Tables.FirstRootFiles, NumRoots, NumFiles);
+	return Tables.PackageFolders.size() <= Tables.NumTexts(EZone::Nodes) &&
+		(Tables.Uses.empty() || !Tables.IndexedAssets.empty()) && HasNoCircle(Tables.ClassParents) && AreChildrenSound(Tables);
 }
 }
 
+// What the lists of trigrams hold is checked where they are read: looking into each would make opening slower than searching.
 bool AreTablesSound(const FRegistryTables& Tables)
 {
-	return AreTextsSound(Tables) && ArePackagesSound(Tables) && AreTrigramsSound(Tables.NameTrigrams) && AreAssetsSound(Tables) &&
-		AreEntriesSound(Tables) && AreTrigramsSound(Tables.EntryTrigrams) && AreClassesSound(Tables) && IsGraphSound(Tables) &&
-		AreFilesSound(Tables);
+	return AreZonesSound(Tables) && FColumnChecks(Tables).AreColumnsSound() && AreColumnsSoundTogether(Tables);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/IdTable.h"
 #include "Image/RegistryTables.h"
 
 #include <string_view>
@@ -31,21 +32,13 @@ public:
 	std::vector<char> TakeBytes() { return std::move(Bytes); }
 
 private:
-	struct FSlot
-	{
-		uint32 Hash = 0; // lower half of the text's hash
-		uint32 Id = NoId;
-	};
-
 	uint64 HashOf(std::string_view Text) const;
 	bool IsSame(std::string_view A, std::string_view B) const;
 	uint32 AddHashed(std::string_view Text, uint64 Hash);
 	uint32 FindHashed(std::string_view Text, uint64 Hash) const;
-	void Insert(FSlot New);
-	void Resize(std::size_t NumSlots);
 
 	const ESearchCase Case;
 	std::vector<uint64> Starts = {0};
 	std::vector<char> Bytes;
-	std::vector<FSlot> Slots = std::vector<FSlot>(16); // a power of two, at most two thirds are taken
+	TIdTable<NoId> Ids;
 };

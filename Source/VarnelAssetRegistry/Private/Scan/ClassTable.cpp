@@ -2,6 +2,7 @@
 
 #include "Core/Text/Unicode.h"
 #include "CoreObject/Objects/PackageName.h"
+#include "Scan/GroupByRow.h"
 
 #include <algorithm>
 #include <numeric>
@@ -16,23 +17,18 @@ bool IsClassPath(std::string_view Text)
 		Text.find_first_of(".:/", Dot + 1) == std::string_view::npos;
 }
 
-/** Lists the elements of every row: First[Row] up to First[Row + 1] in Elements, ascending. RowOf[Element] may be NoId. */
-void GroupByRow(const std::vector<uint32>& RowOf, std::size_t NumRows, std::vector<uint32>& First, std::vector<uint32>& Elements)
+/** Numbers of the elements by row. RowOf[Element] may be NoId. */
+void ListByRow(const std::vector<uint32>& RowOf, std::size_t NumRows, std::vector<uint32>& First, std::vector<uint32>& Elements)
 {
-	First.assign(NumRows + 1, 0);
-	for (const uint32 Row : RowOf)
+	const auto ForEach = [&RowOf](const auto& Visit)
 	{
-		if (Row != NoId)
-			++First[Row + 1];
-	}
-	std::partial_sum(First.begin(), First.end(), First.begin());
-	Elements.resize(First.back());
-	std::vector<uint32> Next(First.begin(), First.end() - 1);
-	for (uint32 Element = 0; Element < RowOf.size(); ++Element)
-	{
-		if (RowOf[Element] != NoId)
-			Elements[Next[RowOf[Element]]++] = Element;
-	}
+		for (uint32 Element = 0; Element < RowOf.size(); ++Element)
+		{
+			if (RowOf[Element] != NoId)
+				Visit(RowOf[Element], Element);
+		}
+	};
+	GroupByRow(NumRows, ForEach, First, Elements);
 }
 
 /** Takes the parent away from every class that is among its own parents, as objects of such classes have it. */
@@ -110,6 +106,6 @@ void FClassTable::Finish(FRegistryDraft& Draft, FTextTable& OutPaths)
 	CutCircles(Draft.ClassParents);
 	for (uint32& Class : Draft.AssetClasses)
 		Class = Places[Class];
-	GroupByRow(Draft.ClassParents, Paths.Num(), Draft.FirstClassChildren, Draft.ClassChildren);
-	GroupByRow(Draft.AssetClasses, Paths.Num(), Draft.FirstClassAssets, Draft.ClassAssets);
+	ListByRow(Draft.ClassParents, Paths.Num(), Draft.FirstClassChildren, Draft.ClassChildren);
+	ListByRow(Draft.AssetClasses, Paths.Num(), Draft.FirstClassAssets, Draft.ClassAssets);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Scan/PackageNames.h"
+#include "Scan/NameHolders.h"
 #include "Scan/PackageRecords.h"
 
 /** What the headers of the candidates said. */

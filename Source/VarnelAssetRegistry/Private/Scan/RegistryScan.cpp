@@ -165,21 +165,21 @@ TSharedPtr<const FRegistryImage> FRegistryScan::Update(const FListedFiles& Files
 {
 	const std::vector<uint32> FilesToRead = TakeFilesToRead();
 	AddProgress(Options.NumDone, Files.Num() - FilesToRead.size());
-	FPackageNames Names(Files, Options.Diagnostics);
+	FNameHolders Holders(Files, Options.Diagnostics);
 	FReadHeaders Headers;
 	{
 		const FStepTimer Timer(Report.ParseSeconds);
-		Names.Choose(FilesToRead, Cached);
-		AddProgress(Options.NumDone, FilesToRead.size() - Names.GetCandidates().size());
-		Headers = ReadHeaders(Names.GetCandidates(), Files, Options);
+		Holders.Choose(FilesToRead, Cached);
+		AddProgress(Options.NumDone, FilesToRead.size() - Holders.GetCandidates().size());
+		Headers = ReadHeaders(Holders.GetCandidates(), Files, Options);
 	}
 	Report.NumParsed = Headers.NumRead;
 	if (Options.Stop.stop_requested())
 		return nullptr;
-	if (IsCacheRight(Names.GetCandidates(), Headers))
+	if (IsCacheRight(Holders.GetCandidates(), Headers))
 		return Cached.Image;
 	const FStepTimer Timer(Report.BuildSeconds);
-	const TSharedPtr<const FRegistryImage> Image = Build(Files, Names.GetCandidates(), Headers);
+	const TSharedPtr<const FRegistryImage> Image = Build(Files, Holders.GetCandidates(), Headers);
 	WriteCache(*Image);
 	return Image;
 }

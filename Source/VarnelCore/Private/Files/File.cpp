@@ -1,10 +1,10 @@
 #include "Core/Files/File.h"
 
+#include "Core/Files/WriteFile.h"
 #include "Core/Text/TextDecoder.h"
 #include "Core/Text/Unicode.h"
 #include "Files/PathResolver.h"
 #include "Files/SecureOpen.h"
-#include "Files/WriteFile.h"
 
 #include <cerrno>
 #include <sys/stat.h>

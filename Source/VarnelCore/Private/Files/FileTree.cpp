@@ -27,22 +27,17 @@ bool FFileStamp::IsSettled() const
 	return system_clock::now().time_since_epoch() - nanoseconds(ChangedNanoseconds) > Quiet;
 }
 
-FFileTree::FFileTree() = default;
-FFileTree::~FFileTree() = default;
-FFileTree::FFileTree(FFileTree&&) noexcept = default;
-FFileTree& FFileTree::operator=(FFileTree&&) noexcept = default;
-
 FFileTree FFileTree::List(FStringView Root, const FFileTreeOptions& Options)
 {
 	FFileTree Tree;
-	Tree.Root = std::make_unique<FFileHandle>(PathResolver::Open(Root, SecureOpen::ToPassFolder));
-	if (!Tree.Root->IsOpen())
+	Tree.Root = PathResolver::Open(Root, SecureOpen::ToPassFolder);
+	if (!Tree.Root.IsOpen())
 	{
 		if (SecureOpen::ToFileRead(errno) == EFileRead::Unreadable)
 			Tree.UnreadableFolders.emplace_back();
 		return Tree;
 	}
-	FFolderWalk Walk(*Tree.Root, Options);
+	FFolderWalk Walk(Tree.Root, Options);
 	if (Walk.Run())
 		Tree.Gather(Walk);
 	return Tree;
@@ -82,14 +77,8 @@ const FFileStamp& FFileTree::GetStamp(int32 Index) const
 EFileRead FFileTree::Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding) const
 {
 	return ReadOpened(
-		SecureOpen::OpenBeneath(Root->Get(), GetRelativePath(Index), SecureOpen::ToReadFile), Buffer, MaxBytes, Padding);
+		SecureOpen::OpenBeneath(Root.Get(), GetRelativePath(Index), SecureOpen::ToReadFile), Buffer, MaxBytes, Padding);
 }
-
-FFileTreeReader::FFileTreeReader(const FFileTree& InTree) : Tree(InTree), Folder(std::make_unique<FFileHandle>())
-{
-}
-
-FFileTreeReader::~FFileTreeReader() = default;
 
 EFileRead FFileTreeReader::Read(int32 Index, std::string& Buffer, uint64 MaxBytes, std::size_t Padding)
 {
@@ -109,13 +98,13 @@ FFileHandle FFileTreeReader::Open(int32 Index)
 	const std::string_view Path = Tree.GetRelativePath(Index);
 	const std::size_t FolderLength = Tree.Files[static_cast<std::size_t>(Index)].FolderLength;
 	if (FolderLength == 0)
-		return SecureOpen::OpenBeneath(Tree.Root->Get(), Path, SecureOpen::ToReadFile);
-	if (!Folder->IsOpen() || FolderPath != Path.substr(0, FolderLength))
+		return SecureOpen::OpenBeneath(Tree.Root.Get(), Path, SecureOpen::ToReadFile);
+	if (!Folder.IsOpen() || FolderPath != Path.substr(0, FolderLength))
 	{
 		FolderPath = Path.substr(0, FolderLength);
-		*Folder = SecureOpen::OpenBeneath(Tree.Root->Get(), FolderPath, SecureOpen::ToPassFolder);
+		Folder = SecureOpen::OpenBeneath(Tree.Root.Get(), FolderPath, SecureOpen::ToPassFolder);
 	}
-	if (!Folder->IsOpen())
+	if (!Folder.IsOpen())
 		return {};
-	return SecureOpen::OpenBeneath(Folder->Get(), Path.substr(FolderLength + 1), SecureOpen::ToReadFile);
+	return SecureOpen::OpenBeneath(Folder.Get(), Path.substr(FolderLength + 1), SecureOpen::ToReadFile);
 }

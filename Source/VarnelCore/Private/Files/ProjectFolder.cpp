@@ -5,16 +5,8 @@
 
 #include <dirent.h>
 
-FProjectFolder::FProjectFolder(const FString& Root)
-	: Handle(MakeUnique<FFileHandle>(PathResolver::Open(Root, SecureOpen::ToPassFolder)))
+FProjectFolder::FProjectFolder(const FString& Root) : Handle(PathResolver::Open(Root, SecureOpen::ToPassFolder))
 {
-}
-
-FProjectFolder::~FProjectFolder() = default;
-
-bool FProjectFolder::IsOpen() const
-{
-	return Handle->IsOpen();
 }
 
 EFileRead FProjectFolder::Read(FStringView RelativePath, std::string& Buffer, uint64 MaxBytes) const
@@ -22,16 +14,16 @@ EFileRead FProjectFolder::Read(FStringView RelativePath, std::string& Buffer, ui
 	Buffer.clear();
 	if (!IsOpen())
 		return EFileRead::Missing;
-	const FFileHandle File = SecureOpen::OpenBeneath(Handle->Get(), RelativePath, SecureOpen::ToReadFile);
+	const FFileHandle File = SecureOpen::OpenBeneath(Handle.Get(), RelativePath, SecureOpen::ToReadFile);
 	return File.IsOpen() ? SecureOpen::ReadRegularFile(File, Buffer, MaxBytes, 0) : SecureOpen::ToFileRead(errno);
 }
 
 unsigned char FProjectFolder::LookAt(FStringView RelativePath, FFileStamp& Out) const
 {
 	if (RelativePath.empty())
-		return SecureOpen::LookAt(*Handle, "", Out);
+		return SecureOpen::LookAt(Handle, "", Out);
 	const FFileHandle Found =
-		IsOpen() ? SecureOpen::OpenBeneath(Handle->Get(), RelativePath, SecureOpen::ToLookAt) : FFileHandle();
+		IsOpen() ? SecureOpen::OpenBeneath(Handle.Get(), RelativePath, SecureOpen::ToLookAt) : FFileHandle();
 	return Found.IsOpen() ? SecureOpen::LookAt(Found, "", Out) : static_cast<unsigned char>(DT_UNKNOWN);
 }
 
@@ -47,5 +39,5 @@ bool FProjectFolder::GetFolderStamp(FStringView RelativePath, FFileStamp& Out) c
 
 bool FProjectFolder::IsFile(FStringView RelativePath) const
 {
-	return IsOpen() && SecureOpen::IsRegularFile(SecureOpen::OpenBeneath(Handle->Get(), RelativePath, SecureOpen::ToLookAt));
+	return IsOpen() && SecureOpen::IsRegularFile(SecureOpen::OpenBeneath(Handle.Get(), RelativePath, SecureOpen::ToLookAt));
 }

@@ -118,11 +118,6 @@ EFileRead ReadToEnd(int Descriptor, std::string& Buffer, std::size_t ExpectedSiz
 }
 }
 
-bool FFileHandle::Close()
-{
-	return Descriptor < 0 || close(std::exchange(Descriptor, -1)) == 0;
-}
-
 FFileHandle SecureOpen::OpenBeneath(int Root, std::string_view Path, int Flags)
 {
 	static std::atomic<bool> bNoOpenAt2 = false;

@@ -3,30 +3,6 @@
 #include "Core/Files/FileTree.h"
 
 #include <fcntl.h>
-#include <utility>
-
-/** Owns a file descriptor of the operating system and closes it. */
-class FFileHandle
-{
-public:
-	FFileHandle() = default;
-	explicit FFileHandle(int InDescriptor) : Descriptor(InDescriptor) {}
-	~FFileHandle() { Close(); }
-	FFileHandle(FFileHandle&& Other) noexcept : Descriptor(std::exchange(Other.Descriptor, -1)) {}
-	FFileHandle& operator=(FFileHandle&& Other) noexcept
-	{
-		std::swap(Descriptor, Other.Descriptor);
-		return *this;
-	}
-
-	bool IsOpen() const { return Descriptor >= 0; }
-	int Get() const { return Descriptor; }
-	/** False when the system reports a late write error. */
-	bool Close();
-
-private:
-	int Descriptor = -1;
-};
 
 /**
  * Opening and reading without following symbolic links. Paths are bytes, relative to the handle of a folder; a path that is

@@ -1,6 +1,7 @@
 #include "Core/Files/File.h"
+#include "Core/Files/WriteFile.h"
 #include "Core/Threads/StopToken.h"
-#include "Files/WriteFile.h"
+#include "Files/SecureOpen.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -136,7 +137,7 @@ bool WriteThrough(FStringView Text, const FString& Path, FString& OutError)
 	if (stat(*Path, &Status) != 0)
 		return FailWithSystemError(OutError);
 	FFileHandle File = S_ISSOCK(Status.st_mode) ? ConnectToWrite(Path) : OpenToWrite(Path, S_ISFIFO(Status.st_mode));
-	return (File.IsOpen() && WriteFile::All(File, Text) && File.Close()) || FailWithSystemError(OutError);
+	return (File.IsOpen() && WriteFile::All(File.Get(), Text) && File.Close()) || FailWithSystemError(OutError);
 }
 }
 

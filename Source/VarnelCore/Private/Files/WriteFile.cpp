@@ -1,11 +1,11 @@
-#include "Files/WriteFile.h"
+#include "Core/Files/WriteFile.h"
 
 #include "Core/Threads/StopToken.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,9 +19,10 @@ constexpr int StopMilliseconds = 100;	 // between two looks at the stop request
 bool WaitUntilWritable(int Descriptor)
 {
 	pollfd Poll{.fd = Descriptor, .events = POLLOUT, .revents = 0};
+	const int Milliseconds = GetStopToken().stop_possible() ? StopMilliseconds : -1;
 	while (!IsStopRequested())
 	{
-		const int NumReady = poll(&Poll, 1, StopMilliseconds);
+		const int NumReady = poll(&Poll, 1, Milliseconds);
 		if (NumReady != 0)
 			return NumReady > 0 || errno == EINTR;
 	}
@@ -53,14 +54,14 @@ void KeepPermissions(const FFileHandle& Folder, const std::string& TargetName, c
 }
 }
 
-bool WriteFile::All(const FFileHandle& File, FStringView Bytes)
+bool WriteFile::All(int Descriptor, FStringView Bytes)
 {
 	while (!Bytes.empty())
 	{
-		const ssize_t Written = write(File.Get(), Bytes.data(), Bytes.size());
+		const ssize_t Written = write(Descriptor, Bytes.data(), Bytes.size());
 		if (Written >= 0)
 			Bytes.remove_prefix(static_cast<std::size_t>(Written));
-		else if (errno == EAGAIN ? !WaitUntilWritable(File.Get()) : errno != EINTR)
+		else if (errno == EAGAIN ? !WaitUntilWritable(Descriptor) : errno != EINTR)
 			return false;
 	}
 	return true;
@@ -73,7 +74,7 @@ bool WriteFile::Replace(const FFileHandle& Folder, const std::string& TargetName
 	if (!File.IsOpen())
 		return false;
 	KeepPermissions(Folder, TargetName, File);
-	const bool bWritten = All(File, Bytes) && File.Close();
+	const bool bWritten = All(File.Get(), Bytes) && File.Close();
 	if (bWritten && renameat(Folder.Get(), TemporaryName.c_str(), Folder.Get(), TargetName.c_str()) == 0)
 		return true;
 	const int Reason = errno;

@@ -1,5 +1,6 @@
 #include "Core/Json/Json.h"
 
+#include "Core/Base/SeededHash.h"
 #include "Core/Json/JsonDocument.h"
 #include "Json/JsonKeyIndex.h"
 
@@ -201,10 +202,10 @@ TSharedPtr<FJsonObject> FJsonValue::AsObject() const
 
 int32 FJsonObject::FindPosition(FStringView Key) const
 {
-	if (!Slots.empty())
+	if (!Positions.IsEmpty())
 	{
-		const auto KeyAt = [this](uint32 Position) { return Fields.GetData()[Position].Key.View(); };
-		return static_cast<int32>(JsonKeyIndex::FindSlot(Slots, Key, KeyAt)) - 1;
+		const auto HasKey = [&](uint32 Position) { return Fields.GetData()[Position].Key.View() == Key; };
+		return static_cast<int32>(Positions.Find(SeededHash::HashBytes(Key), HasKey)); // INDEX_NONE where there is none
 	}
 	for (int32 Position = 0; Position < Fields.Num(); ++Position)
 	{
@@ -235,12 +236,8 @@ void FJsonObject::AddField(FString Key, FJsonValue Value)
 	const int32 Num = Fields.Num();
 	if (Num < JsonKeyIndex::MinMembers)
 		return;
-	const auto KeyAt = [this](uint32 Position) { return Fields.GetData()[Position].Key.View(); };
-	const bool bIsFull = static_cast<std::size_t>(Num) * 2 > Slots.size();
-	if (bIsFull)
-		JsonKeyIndex::Reset(Slots, static_cast<std::size_t>(Num) * 2);
-	for (int32 Position = bIsFull ? 0 : Num - 1; Position < Num; ++Position)
-		JsonKeyIndex::FindSlot(Slots, Fields[Position].Key, KeyAt) = static_cast<uint32>(Position) + 1;
+	for (int32 Position = Positions.IsEmpty() ? 0 : Num - 1; Position < Num; ++Position)
+		Positions.Add(SeededHash::HashBytes(Fields[Position].Key), static_cast<uint32>(Position));
 }
 
 bool FJsonObject::TryGetStringField(FStringView Key, FString& Out) const

@@ -224,7 +224,7 @@ std::size_t FJsonDocument::GetMemory() const
 		return NumBytes;
 	NumBytes += Parser->TokenFinder ? Parser->TokenFinder->capacity() * sizeof(uint32) : 0;
 	NumBytes += Parser->SlowTokens.capacity() * sizeof(uint32) + Parser->CopyCapacity;
-	return NumBytes + Parser->NodeBuffers.UnescapedCapacity + Parser->NodeBuffers.KeySlots.capacity() * sizeof(uint32);
+	return NumBytes + Parser->NodeBuffers.UnescapedCapacity + Parser->NodeBuffers.Keys.GetNumBytes();
 }
 
 void FJsonDocument::Locate(uint32 Offset, int32& Line, int32& Column) const

@@ -1,5 +1,6 @@
 #include "Json/JsonNodeReader.h"
 
+#include "Core/Base/SeededHash.h"
 #include "Json/JsonKeyIndex.h"
 
 #include <algorithm>
@@ -229,14 +230,15 @@ void FJsonNodeReader::FindRepeatedKeys(const FJsonNode& Object)
 {
 	if (Object.NumChildren < JsonKeyIndex::MinMembers)
 		return FindRepeatedKeysOfFew(Object);
-	const auto KeyAt = [this](uint32 Index) { return Nodes[Index].Key; };
-	JsonKeyIndex::Reset(Buffers.KeySlots, Object.NumChildren);
+	Buffers.Keys.Reset(Object.NumChildren);
 	for (uint32 Index = IndexOf(Object) + 1; Index != Object.Next; Index = Nodes[Index].Next)
 	{
-		uint32& Slot = JsonKeyIndex::FindSlot(Buffers.KeySlots, KeyAt(Index), KeyAt);
-		if (Slot != 0)
+		const uint64 Hash = SeededHash::HashBytes(Nodes[Index].Key);
+		const auto HasKey = [&](uint32 Earlier) { return Nodes[Earlier].Key == Nodes[Index].Key; };
+		if (Buffers.Keys.Find(Hash, HasKey) != UINT32_MAX)
 			RepeatedKeys.push_back(Nodes[Index].KeyOffset);
-		Slot = Index + 1;
+		else
+			Buffers.Keys.Add(Hash, Index);
 	}
 }
 

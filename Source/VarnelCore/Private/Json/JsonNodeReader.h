@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Base/IdTable.h"
 #include "Core/Json/JsonDocument.h"
 #include "Json/JsonText.h"
 
@@ -18,7 +19,7 @@ struct FJsonNodeBuffers
 	std::unique_ptr<char[]> Unescaped; // strings that held escapes, one after another; nodes point into it
 	std::size_t UnescapedCapacity = 0;
 	std::vector<uint32> OpenNodes;
-	std::vector<uint32> KeySlots;
+	TIdTable<UINT32_MAX> Keys; // members of the object at hand, by key
 };
 
 /** Makes Buffer hold at least Size bytes; what it held is lost where it grows. */

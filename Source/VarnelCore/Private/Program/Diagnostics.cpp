@@ -44,12 +44,13 @@ FString FDiagnostic::ToString() const
 
 FString DescribeRing(const TArray<FString>& Members)
 {
-	FString Out;
+	TArray<FString> Steps;
 	for (int32 Index = 0; Index < Members.Num() && Index < MaxNamedMembers; ++Index)
-		Out += Members[Index] + " -> ";
+		Steps.Add(Members[Index]);
 	if (Members.Num() > MaxNamedMembers)
-		Out += "... -> ";
-	return Out + Members[0];
+		Steps.Add("...");
+	Steps.Add(Members[0]);
+	return FString::Join(Steps, " -> ");
 }
 
 void FDiagnosticSink::Add(FDiagnostic Diagnostic)

@@ -1,15 +1,14 @@
 #include "Core/Text/Name.h"
 
 #include "Core/Base/Assert.h"
+#include "Core/Base/IdTable.h"
 #include "Core/Base/SeededHash.h"
 #include "Core/Text/Unicode.h"
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstring>
 #include <mutex>
-#include <vector>
 
 namespace
 {
@@ -84,60 +83,6 @@ private:
 	uint32 NumFree = 0;
 };
 
-/** Ids by hash: open addressing, at most two thirds full. The texts are compared by the caller. */
-class FIdTable
-{
-public:
-	/** 0 when there is none. */
-	template <class TIsSame>
-	uint32 Find(uint32 Hash, TIsSame IsSame) const
-	{
-		if (Slots.empty())
-			return 0;
-		for (std::size_t Index = Hash;; ++Index)
-		{
-			const FSlot& Slot = Slots[Index & (Slots.size() - 1)];
-			if (Slot.Id == 0 || (Slot.Hash == Hash && IsSame(Slot.Id)))
-				return Slot.Id;
-		}
-	}
-	void Add(uint32 Hash, uint32 Id)
-	{
-		if (3 * (NumIds + 1) > 2 * Slots.size())
-			Grow();
-		Insert({Hash, Id});
-		++NumIds;
-	}
-
-private:
-	struct FSlot
-	{
-		uint32 Hash = 0;
-		uint32 Id = 0;
-	};
-
-	void Insert(FSlot New)
-	{
-		std::size_t Index = New.Hash & (Slots.size() - 1);
-		while (Slots[Index].Id != 0)
-			Index = (Index + 1) & (Slots.size() - 1);
-		Slots[Index] = New;
-	}
-	void Grow()
-	{
-		std::vector<FSlot> Old(std::max<std::size_t>(64, 2 * Slots.size()));
-		Old.swap(Slots);
-		for (const FSlot& Slot : Old)
-		{
-			if (Slot.Id != 0)
-				Insert(Slot);
-		}
-	}
-
-	std::vector<FSlot> Slots;
-	std::size_t NumIds = 0;
-};
-
 /** A part of a table with its own lock and storage, so that threads seldom wait for each other. */
 class alignas(64) FNameShard
 {
@@ -145,18 +90,17 @@ public:
 	template <class TIsSame>
 	uint32 FindOrStore(FStringView Text, uint64 Hash, TIsSame IsSame)
 	{
-		const auto Tag = static_cast<uint32>(Hash);
 		const std::scoped_lock Lock(Mutex);
-		if (const uint32 Found = Ids.Find(Tag, [IsSame](uint32 Id) { return IsSame(ViewOf(Id)); }))
+		if (const uint32 Found = Ids.Find(Hash, [IsSame](uint32 Id) { return IsSame(ViewOf(Id)); }))
 			return Found;
 		const uint32 Id = Arena.Store(Text);
-		Ids.Add(Tag, Id);
+		Ids.Add(Hash, Id);
 		return Id;
 	}
 
 private:
 	std::mutex Mutex;
-	FIdTable Ids;
+	TIdTable<0> Ids;
 	FNameArena Arena;
 };
 

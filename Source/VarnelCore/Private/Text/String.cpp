@@ -45,15 +45,6 @@ bool SkipPrefix(FStringView Text, std::size_t& Position, FStringView Prefix, ESe
 	return true;
 }
 
-/** Start of the last code point before End. */
-std::size_t PreviousCodePoint(FStringView Text, std::size_t End)
-{
-	do
-		--End;
-	while (End > 0 && Unicode::IsContinuation(Text.data() + End));
-	return End;
-}
-
 template <char32_t (*Convert)(char32_t)>
 FString ConvertCodePoints(FStringView Text)
 {
@@ -156,7 +147,7 @@ bool FString::EndsWith(FStringView Suffix, ESearchCase Case) const
 	{
 		if (Start == 0)
 			return false;
-		Start = PreviousCodePoint(Data, Start);
+		Start = Unicode::FloorToCodePoint(Data, Start - 1);
 	}
 	return Unicode::EqualsFolded(View().substr(Start), Suffix);
 }
@@ -173,7 +164,7 @@ int32 FString::Find(FStringView Needle, ESearchCase Case, int32 Start) const
 
 int32 FString::FindLast(FStringView Needle, ESearchCase Case) const
 {
-	for (std::size_t Start = Data.size();; Start = PreviousCodePoint(Data, Start))
+	for (std::size_t Start = Data.size();; Start = Unicode::FloorToCodePoint(Data, Start - 1))
 	{
 		std::size_t Position = Start;
 		if (SkipPrefix(Data, Position, Needle, Case))
@@ -217,7 +208,7 @@ FString FString::Right(int32 Count) const
 {
 	std::size_t Start = Data.size();
 	for (; Count > 0 && Start > 0; --Count)
-		Start = PreviousCodePoint(Data, Start);
+		Start = Unicode::FloorToCodePoint(Data, Start - 1);
 	return View().substr(Start);
 }
 
@@ -235,7 +226,7 @@ FString FString::TrimStartAndEnd() const
 	std::size_t End = Data.size();
 	while (End > Begin)
 	{
-		const std::size_t Last = PreviousCodePoint(Data, End);
+		const std::size_t Last = Unicode::FloorToCodePoint(Data, End - 1);
 		std::size_t Position = Last;
 		if (!IsWhitespace(Unicode::DecodeNext(Data, Position)))
 			break;
@@ -273,6 +264,18 @@ TArray<FString> FString::ParseIntoArray(FStringView Separator, bool bCullEmpty) 
 		AddPiece(View().substr(Begin, Found - Begin));
 	AddPiece(View().substr(Begin));
 	return Pieces;
+}
+
+FString FString::Join(const TArray<FString>& Texts, FStringView Separator)
+{
+	FString Joined;
+	for (int32 Index = 0; Index < Texts.Num(); ++Index)
+	{
+		if (Index > 0)
+			Joined += Separator;
+		Joined += Texts[Index];
+	}
+	return Joined;
 }
 
 uint64 GetTypeHash(const FString& Text)

@@ -61,11 +61,7 @@ bool IsShifting(char32_t CodePoint, char32_t Folded)
 std::size_t StepBack(std::string_view Text, std::size_t End, std::size_t Count)
 {
 	for (; Count > 0; --Count)
-	{
-		do
-			--End;
-		while (Unicode::IsContinuation(Text.data() + End));
-	}
+		End = Unicode::FloorToCodePoint(Text, End - 1);
 	return End;
 }
 }

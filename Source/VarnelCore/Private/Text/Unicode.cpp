@@ -199,6 +199,15 @@ int32 CountCodePoints(std::string_view Text)
 	return static_cast<int32>(Text.size() - NumContinuations);
 }
 
+std::size_t FloorToCodePoint(std::string_view Text, std::size_t Position)
+{
+	if (Position >= Text.size())
+		return Text.size();
+	while (Position > 0 && IsContinuation(Text.data() + Position))
+		--Position;
+	return Position;
+}
+
 std::string Utf16ToUtf8(std::string_view Bytes, bool bBigEndian)
 {
 	std::string Out;

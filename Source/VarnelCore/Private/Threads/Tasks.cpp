@@ -221,6 +221,12 @@ void ParallelFor(
 		});
 }
 
+void ParallelInvoke(std::initializer_list<std::function<void()>> Calls, int32 NumThreads)
+{
+	ParallelFor(
+		static_cast<int32>(Calls.size()), 1, [&Calls](int32 Call, int32, int32) { Calls.begin()[Call](); }, NumThreads);
+}
+
 FGameThread& FGameThread::Get()
 {
 	static FGameThread& Instance = *new FGameThread; // outlives the threads that may still post while the program ends

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Core/Base/Delegate.h"
+#include "Core/Files/FileHandle.h"
 #include "Core/Text/String.h"
 
 #include <functional>
-#include <memory>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -45,7 +45,6 @@ struct FFileTreeOptions
 	std::stop_token Stop; // a stopped listing is empty
 };
 
-class FFileHandle;
 class FFolderWalk;
 
 /**
@@ -70,11 +69,6 @@ public:
 	/** Relative to the root (the root itself is ""), in ascending byte order. */
 	const std::vector<std::string>& GetUnreadableFolders() const { return UnreadableFolders; }
 
-	FFileTree();
-	~FFileTree();
-	FFileTree(FFileTree&&) noexcept;
-	FFileTree& operator=(FFileTree&&) noexcept;
-
 private:
 	friend class FFileTreeReader;
 	struct FFile
@@ -85,7 +79,7 @@ private:
 	};
 	void Gather(const FFolderWalk& Walk);
 
-	std::unique_ptr<FFileHandle> Root;
+	FFileHandle Root;
 	std::string Arena;
 	std::vector<FFile> Files;
 	std::vector<FFileStamp> Stamps;
@@ -100,8 +94,7 @@ private:
 class FFileTreeReader
 {
 public:
-	explicit FFileTreeReader(const FFileTree& Tree);
-	~FFileTreeReader();
+	explicit FFileTreeReader(const FFileTree& InTree) : Tree(InTree) {}
 	FFileTreeReader(const FFileTreeReader&) = delete;
 	FFileTreeReader& operator=(const FFileTreeReader&) = delete;
 
@@ -116,6 +109,6 @@ private:
 	FFileHandle Open(int32 Index);
 
 	const FFileTree& Tree;
-	std::unique_ptr<FFileHandle> Folder; // of the last file read
+	FFileHandle Folder; // of the last file read
 	std::string_view FolderPath;
 };

@@ -2,8 +2,6 @@
 
 #include "Core/Files/File.h"
 
-class FFileHandle;
-
 /**
  * Opens files relative to one folder's handle: no path that people, references or protocol messages give can leave the folder,
  * through "..", an absolute path or a symbolic link. Any thread.
@@ -13,11 +11,10 @@ class FProjectFolder
 public:
 	/** A folder that cannot be opened gives IsOpen() false. */
 	explicit FProjectFolder(const FString& Root);
-	~FProjectFolder();
 	FProjectFolder(const FProjectFolder&) = delete;
 	FProjectFolder& operator=(const FProjectFolder&) = delete;
 
-	bool IsOpen() const;
+	bool IsOpen() const { return Handle.IsOpen(); }
 	/** Reads a regular file below the folder. */
 	EFileRead Read(FStringView RelativePath, std::string& Buffer, uint64 MaxBytes) const;
 	/** A regular file below the folder, reached without any symbolic link. */
@@ -30,5 +27,5 @@ public:
 private:
 	unsigned char LookAt(FStringView RelativePath, FFileStamp& Out) const;
 
-	TUniquePtr<FFileHandle> Handle;
+	const FFileHandle Handle;
 };

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Core/Base/Containers.h"
+#include "Core/Base/IdTable.h"
 #include "Core/Text/String.h"
 
 #include <string>
 #include <string_view>
 #include <variant>
-#include <vector>
 
 class FJsonObject;
 class FJsonValue;
@@ -114,7 +114,7 @@ private:
 	void AddField(FString Key, FJsonValue Value);
 
 	TArray<FField> Fields;
-	std::vector<uint32> Slots; // positions by key, empty while a scan is faster
+	TIdTable<UINT32_MAX> Positions; // by key, empty while a scan is faster
 };
 
 /** Where and why a text is not the JSON that was asked for. */

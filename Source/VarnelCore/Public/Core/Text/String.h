@@ -32,6 +32,8 @@ public:
 	static FString FromInt(int64 Value);
 	/** Printf with C conversions; %s takes const char* (use *Text). */
 	static FString Printf(const char* Format, ...) __attribute__((format(printf, 1, 2)));
+	/** The texts in order, with the separator between each two. */
+	static FString Join(const TArray<FString>& Texts, FStringView Separator);
 	/** Six decimals at most, trailing zeros dropped down to MinFractionalDigits: 2.0, 0.25, 0.1. "nan", "inf", "-inf" as they
 	 * are. */
 	static FString SanitizeFloat(double Value, int32 MinFractionalDigits = 1);

@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
+#include <initializer_list>
 #include <mutex>
 #include <stop_token>
 #include <thread>
@@ -29,6 +30,9 @@ void ParallelForOrdered(int32 Num, int32 ChunkSize, const std::function<void(int
 /** As above without a consumer: unordered, complete. */
 void ParallelFor(
 	int32 Num, int32 ChunkSize, const std::function<void(int32 Begin, int32 End, int32 Worker)>& Work, int32 NumThreads = 0);
+
+/** Calls each of the functions once, on up to NumThreads threads, in no order; otherwise as above. */
+void ParallelInvoke(std::initializer_list<std::function<void()>> Calls, int32 NumThreads = 0);
 
 /**
  * The queue of the thread that runs the program's loop. Post from any thread; Pump and RunUntil only on the game thread, which is

@@ -1,12 +1,29 @@
-#include "Scan/PackageNames.h"
+#include "Scan/NameHolders.h"
 
 #include "Core/Text/Unicode.h"
 #include "CoreObject/Objects/PackageName.h"
-#include "Image/SortTexts.h"
 
 #include <algorithm>
+#include <numeric>
 
-void FPackageNames::Choose(const std::vector<uint32>& FilesToRead, FCacheComparison& InOutCached)
+namespace
+{
+/** Numbers of the texts in ascending byte order; equal ones in ascending order of their numbers. */
+std::vector<uint32> SortTexts(const std::vector<std::string_view>& Texts)
+{
+	std::vector<uint32> Order(Texts.size());
+	std::iota(Order.begin(), Order.end(), 0u);
+	const auto IsBefore = [&Texts](uint32 A, uint32 B)
+	{
+		const int Compared = Texts[A].compare(Texts[B]);
+		return Compared != 0 ? Compared < 0 : A < B;
+	};
+	std::sort(Order.begin(), Order.end(), IsBefore);
+	return Order;
+}
+}
+
+void FNameHolders::Choose(const std::vector<uint32>& FilesToRead, FCacheComparison& InOutCached)
 {
 	AddNames(FilesToRead);
 	std::string Folded;
@@ -24,7 +41,7 @@ void FPackageNames::Choose(const std::vector<uint32>& FilesToRead, FCacheCompari
 	Candidates = std::move(Chosen);
 }
 
-void FPackageNames::AddNames(const std::vector<uint32>& FilesToRead)
+void FNameHolders::AddNames(const std::vector<uint32>& FilesToRead)
 {
 	std::size_t NumBytes = 0;
 	for (const uint32 File : FilesToRead)
@@ -35,7 +52,7 @@ void FPackageNames::AddNames(const std::vector<uint32>& FilesToRead)
 		AddName(File);
 }
 
-void FPackageNames::AddName(uint32 File)
+void FNameHolders::AddName(uint32 File)
 {
 	const std::string_view Path = Files.GetRelativePath(File);
 	const std::size_t Start = Names.size();
@@ -48,7 +65,7 @@ void FPackageNames::AddName(uint32 File)
 			"'" + FString::FromExternal(LongName) + "' is no valid package name; rename the file or its folder");
 }
 
-void FPackageNames::FoldNames(std::string& OutFolded, std::vector<std::string_view>& OutNames) const
+void FNameHolders::FoldNames(std::string& OutFolded, std::vector<std::string_view>& OutNames) const
 {
 	std::vector<std::size_t> Starts = {0};
 	Starts.reserve(Candidates.size() + 1);
@@ -64,7 +81,7 @@ void FPackageNames::FoldNames(std::string& OutFolded, std::vector<std::string_vi
 }
 
 /** SameName are indices of candidates whose names are equal without regard to case. */
-void FPackageNames::ChooseOne(std::span<const uint32> SameName, FCacheComparison& Cached, std::vector<FCandidate>& Chosen) const
+void FNameHolders::ChooseOne(std::span<const uint32> SameName, FCacheComparison& Cached, std::vector<FCandidate>& Chosen) const
 {
 	const FCandidate& First = Candidates[*std::min_element(SameName.begin(), SameName.end(),
 		[this](uint32 A, uint32 B) { return LiesBefore(Candidates[A].File, Candidates[B].File); })];
@@ -86,21 +103,21 @@ void FPackageNames::ChooseOne(std::span<const uint32> SameName, FCacheComparison
 	}
 }
 
-bool FPackageNames::LiesBefore(uint32 FileA, uint32 FileB) const
+bool FNameHolders::LiesBefore(uint32 FileA, uint32 FileB) const
 {
 	const auto PathOf = [this](uint32 File)
 	{ return Files.GetRoot(File).Folder.ToStdString() + std::string(Files.GetRelativePath(File)); };
 	return PathOf(FileA) < PathOf(FileB);
 }
 
-void FPackageNames::ReportTaken(uint32 File, uint32 Holder) const
+void FNameHolders::ReportTaken(uint32 File, uint32 Holder) const
 {
 	Report(File, "duplicate-package",
 		"the package's name belongs to " + Files.GetDisplayName(Holder) +
 			" already; the names of two packages differ by more than upper and lower case");
 }
 
-void FPackageNames::Report(uint32 File, const char* Rule, FString Text) const
+void FNameHolders::Report(uint32 File, const char* Rule, FString Text) const
 {
 	if (Diagnostics)
 		Diagnostics->Add({.File = Files.GetDisplayName(File), .Text = std::move(Text), .Rule = Rule});

@@ -13,10 +13,10 @@ struct FCandidate
  * Names the packages of files, and decides who gets a name that several files have: the first in byte order of the absolute path.
  * The others, and files whose path makes no package name, are reported. Whether a file can be read plays no part.
  */
-class FPackageNames
+class FNameHolders
 {
 public:
-	FPackageNames(const FListedFiles& InFiles, FDiagnosticSink* InDiagnostics) : Files(InFiles), Diagnostics(InDiagnostics) {}
+	FNameHolders(const FListedFiles& InFiles, FDiagnosticSink* InDiagnostics) : Files(InFiles), Diagnostics(InDiagnostics) {}
 
 	/** Called once. Packages that are to be carried over from the cache and lose their name are taken out of InOutCached. */
 	void Choose(const std::vector<uint32>& FilesToRead, FCacheComparison& InOutCached);

@@ -4,7 +4,7 @@
 #include "Core/Text/Unicode.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Quellar/Console/ConsoleSearch.h"
-#include "Quellar/Families/AssetFamily.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 #include <algorithm>
 
@@ -28,11 +28,22 @@ TArray<FString> GetCommandNames()
 	return Names;
 }
 
+const FToolDeclaration& GetToolOf(const FString& Command)
+{
+	return *FindToolDeclaration(Command == AssetGraphConsoleCommand ? ToolNames::AssetGraph : ToolNames::AssetSearch);
+}
+
 TArray<FString> GetCommandWords(const FString& Command)
 {
-	if (Command == "Orivane.ExploreAssetGraph")
-		return {"asset=", "relation=", "depth=", "max_nodes=", "max_fanout="};
-	return FConsoleSearches::GetWords(Command);
+	if (Command != AssetGraphConsoleCommand)
+		return FConsoleSearches::GetWords(Command);
+	TArray<FString> Words;
+	for (const FToolArgument& Argument : GetToolOf(Command).Arguments)
+	{
+		if (*Argument.Console.Key)
+			Words.Add(Argument.Console.Key);
+	}
+	return Words;
 }
 
 /** The next step below each folder that begins with what was typed: "/Game/U" gives "/Game/UI/". */
@@ -70,25 +81,25 @@ void AddPackages(FStringView Typed, TArray<FString>& Out)
 }
 
 /** Values of one word; where a word takes a list, of its last element. */
-FLineCompletion CompleteValue(const FString& Word, std::size_t Equals, int32 WordStart)
+FLineCompletion CompleteValue(const FToolDeclaration& Tool, const FString& Word, std::size_t Equals, int32 WordStart)
 {
 	const FString Key(Word.View().substr(0, Equals + 1));
+	const FToolArgument* const Argument =
+		Tool.Arguments.FindByPredicate([&](const FToolArgument& Each) { return Key == Each.Console.Key; });
+	if (!Argument)
+		return {.Start = WordStart, .Candidates = {}};
 	FStringView Typed = Word.View().substr(Equals + 1);
-	const bool bList = Key == "families=";
+	const bool bList = Argument->Type == EToolArgument::TextList;
 	if (const std::size_t Comma = Typed.rfind(','); bList && Comma != FStringView::npos)
 		Typed.remove_prefix(Comma + 1);
 	if (Typed.starts_with('"'))
 		Typed.remove_prefix(1);
 	FLineCompletion Completion{.Start = WordStart + Word.NumBytes() - static_cast<int32>(Typed.size()), .Candidates = {}};
-	if (bList)
-		AddMatching(GetAssetFamilyNames(), Typed, "", Completion.Candidates);
-	else if (Key == "relation=")
-		AddMatching({"Dependencies", "Referencers", "Both"}, Typed, " ", Completion.Candidates);
-	else if (Key == "exact=")
-		AddMatching({"true", "false"}, Typed, " ", Completion.Candidates);
-	else if (Key == "path=" || Key == "asset=")
+	const FConsoleWord& Console = Argument->Console;
+	AddMatching(Console.Values.IsEmpty() ? Argument->Choices : Console.Values, Typed, bList ? "" : " ", Completion.Candidates);
+	if (Console.Names != EConsoleValue::Text)
 		AddFolders(Typed, Completion.Candidates);
-	if (Key == "asset=")
+	if (Console.Names == EConsoleValue::Package)
 		AddPackages(Typed, Completion.Candidates);
 	return Completion;
 }
@@ -115,7 +126,7 @@ FLineCompletion CompleteConsoleLine(const FString& Line, const TArray<FString>& 
 		return Completion;
 	}
 	if (const std::size_t Equals = Word.View().find('='); Equals != FStringView::npos)
-		return CompleteValue(Word, Equals, static_cast<int32>(Start));
+		return CompleteValue(GetToolOf(Before[0]), Word, Equals, static_cast<int32>(Start));
 	AddMatching(GetCommandWords(Before[0]), Word, "", Completion.Candidates);
 	return Completion;
 }

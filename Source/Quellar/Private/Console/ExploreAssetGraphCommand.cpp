@@ -3,6 +3,7 @@
 #include "Console/ConsoleWords.h"
 #include "Core/Program/Console.h"
 #include "Graph/AssetGraphJson.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 namespace
 {
@@ -53,5 +54,5 @@ FExploreAssetGraphParams ReadExploreAssetGraphWords(const TArray<FString>& Words
 
 void RegisterExploreAssetGraphCommand()
 {
-	IConsoleManager::Get().RegisterConsoleCommand("Orivane.ExploreAssetGraph", Help, ExploreAssetGraph);
+	IConsoleManager::Get().RegisterConsoleCommand(AssetGraphConsoleCommand, Help, ExploreAssetGraph);
 }

@@ -7,6 +7,7 @@
 #include "Core/Threads/StopToken.h"
 #include "Quellar/Console/ConsoleSearch.h"
 #include "Quellar/Search/AssetSearchService.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 #include <algorithm>
 
@@ -129,9 +130,14 @@ TArray<FString> FConsoleSearches::GetWords(const FString& Command)
 	const FConsoleSearchTraits* Traits = FindTraits(Command);
 	if (!Traits)
 		return {};
-	TArray<FString> Words = {"term=", "path="};
-	Words.Append(Traits->Command.ExtraWords);
-	Words.Append({"exact=", "max=", "summary="});
+	TArray<FString> Words;
+	for (const FToolArgument& Argument : FindToolDeclaration(ToolNames::AssetSearch)->Arguments)
+	{
+		const FConsoleWord& Word = Argument.Console;
+		if (*Word.Key && (!Word.bExtra || Traits->Command.ExtraWords.Contains(Word.Key)))
+			Words.Add(Word.Key);
+	}
+	Words.Add("summary="); // announced, and without effect
 	return Words;
 }
 

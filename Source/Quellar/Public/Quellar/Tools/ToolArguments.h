@@ -29,9 +29,26 @@ struct FShellOption
 	int32 Least = INT32_MIN;	  // of an integer; what is below is wrong use
 };
 
+/** What a value at the console names, for its completion. */
+enum class EConsoleValue : uint8
+{
+	Text,
+	Folder,	 // of assets: "/Game/UI/"
+	Package, // or the folders on the way to it
+};
+
+/** How an argument is given at the console, as KEY=VALUE; without a key it is not. */
+struct FConsoleWord
+{
+	const char* Key = "";	// with its '='
+	TArray<FString> Values; // known ones; empty: the argument's choices
+	EConsoleValue Names = EConsoleValue::Text;
+	bool bExtra = false; // only commands that list it understand it, see FAssetFamily::FConsoleCommand
+};
+
 /**
- * One argument of a tool. All that anybody needs to know of it stands in its row: the schema that agents see, the reader, the
- * options at a shell and the advice how to narrow a call are made from it.
+ * One argument of a tool. All that anybody needs to know of it is in its row: the schema that agents see, the reader, the options
+ * at a shell, the words of the console and the advice how to narrow a call are made from it.
  */
 struct FToolArgument
 {
@@ -45,6 +62,7 @@ struct FToolArgument
 	int32 Maximum = INT32_MAX; // and one above as this
 	int32 Narrowing = 0;	   // place among the arguments that make an answer smaller, the most useful first; 0: not one of them
 	FShellOption Shell;
+	FConsoleWord Console;
 	FJsonValue Default; // null for a required argument; lists are empty
 };
 
@@ -54,6 +72,9 @@ struct FToolDeclaration
 	const char* Name;
 	TArray<FToolArgument> Arguments;
 };
+
+/** Name of the console command that explores; searches have one for each family. */
+inline constexpr const char* AssetGraphConsoleCommand = "Orivane.ExploreAssetGraph";
 
 /** Every tool of the module, in the order in which they are listed; made once. Any thread. */
 const TArray<FToolDeclaration>& GetToolDeclarations();

@@ -59,7 +59,7 @@ std::vector<uint32> GatherEntries(const FBlueprintIndexView& Index, const std::v
 																						  : SortUses(Index, Texts, Progress);
 }
 
-/** The Blueprint of an entry that lies behind those of an earlier one: mostly a near one. */
+/** The Blueprint of an entry that follows those of an earlier one: mostly a near one. */
 int32 FindNextBlueprint(const FBlueprintIndexView& Index, int32 Earlier, uint32 Entry)
 {
 	const int32 End = std::min(Index.NumBlueprints(), Earlier + 1 + NearbyBlueprints);

@@ -65,7 +65,7 @@ private:
 		if (bIsNew)
 			Line.push_back({Node});
 		else if (Known->second)
-			Report(EDiagnosticSeverity::Error, "tree-cycle", "node " + Node->GetPathName() + " lies below itself");
+			Report(EDiagnosticSeverity::Error, "tree-cycle", "node " + Node->GetPathName() + " is below itself");
 		MaxDepth = std::max(MaxDepth, static_cast<int32>(Line.size()));
 	}
 

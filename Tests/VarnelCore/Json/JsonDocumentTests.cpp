@@ -119,7 +119,7 @@ TEST(JsonDocument, StopsBeforeAMember)
 		{"the rest is ill-formed", "{\"a\":1,\"objects\":\"\xFF", "{ a@1 1@5 }@0 stopped"},
 		{"the colon is left too", R"({"a":1,"objects")", "{ a@1 1@5 }@0 stopped"},
 		{"a comma is missing before it", R"({"a":1 "objects":2})", "7 1:8 a ',' or '}' is missing before this"},
-		{"a fault before it", R"({"a":01,"objects":2})", "5 1:6 a number must not start with a needless 0"},
+		{"a fault before it", R"({"a":01,"objects":2})", "5 1:6 a number must not have a leading zero"},
 		{"a fault before a broken rest", "{\"a\":1,,\"objects\":\"", "7 1:8 a key in double quotes is needed here"},
 		{"behind the root", R"({"a":1}"objects")", "7 1:8 nothing may follow the end of the JSON value"},
 		{"as the root", "\"objects\"", "'objects'@0"},
@@ -168,8 +168,9 @@ TEST(JsonDocument, RefusesMoreValuesThanAsked)
 		const char* Fault; // "" where five values are not too many
 	} Cases[] = {
 		{"five: containers count, keys do not", R"({"a":[1,{"b":2}]})", ""},
-		{"the sixth value", R"([1,2,3,4,5])", "9 1:10 this is one value more than the 5 that a text may have"},
-		{"in a container that is opened there", "[1,2,3,\n[[]]]", "9 2:2 this is one value more than the 5 that a text may have"},
+		{"the sixth value", R"([1,2,3,4,5])", "9 1:10 this is one value more than the 5 that a document may have"},
+		{"in a container that is opened there", "[1,2,3,\n[[]]]",
+			"9 2:2 this is one value more than the 5 that a document may have"},
 		{"behind a fault", "[1,2,,3,4,5]", "5 1:6 a value is missing before the"},
 	};
 	FJsonDocument Document;

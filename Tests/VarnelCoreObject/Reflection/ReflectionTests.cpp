@@ -174,9 +174,9 @@ TEST_F(Reflection, TellsWhatIsWrongWithATypeText)
 	Make<UEnum>(UEnum::StaticClass(), "EColour");
 	const TCase<> Cases[] = {
 		{"empty", "", "a type is missing"},
-		{"unknown word", "integer", "'integer' is no type"},
-		{"words have one spelling", "Int", "'Int' is no type"},
-		{"container without element", "array", "'array' is no type"},
+		{"unknown word", "integer", "'integer' is not a type"},
+		{"words have one spelling", "Int", "'Int' is not a type"},
+		{"container without element", "array", "'array' is not a type"},
 		{"", "array<>", "a type is missing"},
 		{"open bracket", "array<int", "a '>' is missing"},
 		{"text behind", "int>", "'>' follows the type"},
@@ -184,7 +184,7 @@ TEST_F(Reflection, TellsWhatIsWrongWithATypeText)
 		{"too few types", "map<int>", "a map has two types, the key's and the value's"},
 		{"too many types", "map<int,int,int>", "a '>' is missing"},
 		{"", "array<int,int>", "a '>' is missing"},
-		{"no type with brackets", "int<int>", "'int' is no type that has types or classes in <>"},
+		{"no type with brackets", "int<int>", "'int' is not a type that takes types or classes in <>"},
 		{"a path is a full one", "object<Actor>", "'Actor' is not the full path of a class"},
 		{"", "object<>", "'' is not the full path of a class"},
 		{"an object inside another is no class", "object</Game/A.A:B>", "'/Game/A.A:B' is not the full path of a class"},

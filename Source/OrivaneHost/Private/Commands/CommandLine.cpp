@@ -231,8 +231,8 @@ void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 {
 	const auto TakePath = [&Out](const std::string& Path) { Out.Path = Path; }; // as it is: repaired, it may name another one
 	App.add_option_function<std::string>("-p,--project", TakePath, "Project folder, or its *.uproject")->type_name("DIR");
-	AddTexts(App, "--preload", Out.Preload,
-		"Bring into memory first: a package, an object's package, or all below a folder (/Game/FX)")
+	AddTexts(
+		App, "--preload", Out.Preload, "Load before running: a package, an object's package, or all below a folder (/Game/FX)")
 		->type_name("PATH");
 	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
 	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
@@ -328,7 +328,7 @@ void AddConsole(CLI::App& Program, FConsoleArguments& Out)
 
 void AddInfo(CLI::App& Program, FInfoArguments& Out)
 {
-	CLI::App* Command = AddCommand(Program, "info", "What was opened: counts, mounts, settings in force, cache, timings",
+	CLI::App* Command = AddCommand(Program, "info", "What was opened: counts, mounts, effective settings, cache, timings",
 		"Examples:\n  orivane info --json\n  orivane info --settings");
 	Command->add_flag("--json", Out.bJson, "Print one JSON object");
 	Command->add_flag("--settings", Out.bSettings, "Print every setting with its value and what it does");
@@ -349,9 +349,9 @@ void AddMcp(CLI::App& Program, FMcpArguments& Out)
 {
 	CLI::App* Command =
 		AddCommand(Program, "mcp", "Serve AI agents: Model Context Protocol on standard input and output", McpExamples);
-	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Time a tool may take once it runs");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Time limit for each tool call, from when it starts");
 	AddSeconds(*Command, "--deadline", Out.Deadline, "Time until a call is answered, waiting included");
-	Command->add_option("--max-answer-bytes", Out.MaxAnswerBytes, "Longer answers are cut, and say so")
+	Command->add_option("--max-answer-bytes", Out.MaxAnswerBytes, "Truncate longer answers, with a note")
 		->check(CLI::Range(int64{16 * 1024}, int64{8 * 1024 * 1024}))
 		->type_name("BYTES")
 		->capture_default_str();

@@ -22,7 +22,7 @@ FString ListTexts(const FJsonArray& Texts, const char* Indentation)
 	return Lines;
 }
 
-/** "/Game/UI" in bold, then its assets below it; whole paths behind them where both views are asked for. */
+/** "/Game/UI" in bold, then its assets below it; whole paths after them where both views are asked for. */
 FString Render(const FJsonObject& Content, const FPainter& Painter)
 {
 	FString Out;

@@ -19,7 +19,7 @@ public:
 	/** Given the line up to the cursor. */
 	using FCompleter = std::function<FLineCompletion(const FString& Line)>;
 
-	/** The history is kept in a file, "" for none; faults of the file are no faults of the editor. */
+	/** The history is kept in a file, "" for none; faults of the file are not faults of the editor. */
 	FLineEditor(FString InHistoryFile, FCompleter InCompleter);
 	~FLineEditor();
 	FLineEditor(const FLineEditor&) = delete;

@@ -116,7 +116,7 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 	}
 	if (GetPrintable(*Content, "root").IsEmpty())
 	{
-		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(GetAsset(Arguments)) + "' is no package\n");
+		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(GetAsset(Arguments)) + "' is not a package\n");
 		return EExitCode::NotFound;
 	}
 	if (!Write(Render(*Content, Arguments), Arguments))

@@ -47,13 +47,13 @@ FMcpMessage ReadObject(const FJsonObject& Object)
 		return Message;
 	}
 	if (Id && !IsUsableId(*Id))
-		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest, "the id of a request is a text or a whole number");
+		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest, "the id of a request is a string or an integer");
 	if (Id)
 		Message.Id = *Id;
 	if (!HasVersion(Object))
 		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest, R"("jsonrpc": "2.0" is missing)");
 	if (!bHasMethod)
-		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest, R"("method" is missing or no text)");
+		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest, R"("method" is missing or not a string)");
 
 	Message.Kind = Id ? EMcpMessage::Request : EMcpMessage::Notification;
 	if (!ReadParams(Object, Message) && Id)

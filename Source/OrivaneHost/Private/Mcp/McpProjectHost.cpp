@@ -102,7 +102,7 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 /** The executor answers on other threads or later, so an answer finds the executor's id stored: it waits for the lock. */
 void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 {
-	AsyncTask(ENamedThreads::GameThread, RefreshSettings); // goes before the tool, which is queued behind it
+	AsyncTask(ENamedThreads::GameThread, RefreshSettings); // goes before the tool, which is queued after it
 	Call.ExecutorId = Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut},
 		[WeakThis = weak_from_this(), Number](Orivane::FToolResult& Result)
 		{
@@ -167,7 +167,7 @@ FMcpCallProgress FMcpProjectHost::GetCallProgress(FMcpCallNumber) const
 	std::lock_guard Guard(Lock);
 	if (State == EState::Opening)
 		return {.Text = "the project is being opened", .NumDone = Opening.NumDone, .NumTotal = Opening.NumTotal};
-	return {.Text = "the tool runs or waits behind an earlier call"};
+	return {.Text = "the tool is running or queued after an earlier call"};
 }
 
 void FMcpProjectHost::OnProjectOpened()

@@ -173,7 +173,7 @@ void FMcpServer::Initialize(const FRequest& Request)
 {
 	FString Version;
 	if (!AsJsonString(Request.Message.Params->FindField("protocolVersion"), Version))
-		return Refuse(Request.Message.Id, EMcpErrorCode::InvalidParams, R"("protocolVersion" is missing or no text)");
+		return Refuse(Request.Message.Id, EMcpErrorCode::InvalidParams, R"("protocolVersion" is missing or not a string)");
 	bShookHands = true;
 	const auto Result = McpEra::MakeResult(EMcpEra::Legacy);
 	Result->SetStringField("protocolVersion", McpEra::NegotiateLegacyVersion(Version));

@@ -110,7 +110,7 @@ int64 GetCostWithoutElements(const FJsonValue& Value)
 }
 
 /** Copies a payload as far as there is room: everything but arrays, and of those the first elements, until one does not fit. What
- * comes behind that one is left out. */
+ * comes after that one is left out. */
 class FPayloadCutter
 {
 public:

@@ -85,7 +85,7 @@ private:
 		else if (!Reference.bIsClassReference && Class && !Object->IsA(Class))
 			ReportWrongClass(Reference, Object->GetClass()->GetPathName());
 		else if (Reference.bIsClassReference && !IsClassBelow(*Object, Class))
-			Report(Reference, Reference.Target.ToString() + " is no class that derives from " + Reference.Class.ToString());
+			Report(Reference, Reference.Target.ToString() + " is not a class that derives from " + Reference.Class.ToString());
 	}
 
 	void ReportWrongClass(const FForeignReference& Reference, const FString& ActualClass)

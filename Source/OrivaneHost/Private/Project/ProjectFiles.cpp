@@ -75,7 +75,7 @@ const char* DescribeRead(EFileRead Outcome)
 	switch (Outcome)
 	{
 		case EFileRead::Missing:
-			return "is missing, no regular file, or behind a symbolic link";
+			return "is missing, not a regular file, or reached through a symbolic link";
 		case EFileRead::Unreadable:
 			return "cannot be read; check its permissions";
 		case EFileRead::TooLarge:
@@ -125,7 +125,7 @@ void ReadText(const FJsonDocument& Document, const FString& File, const char* Ke
 	}
 	if (!Value)
 		return;
-	FDiagnostic Diagnostic{.File = File, .Text = FString("\"") + Key + "\" must be a text", .Rule = "json-type"};
+	FDiagnostic Diagnostic{.File = File, .Text = FString("\"") + Key + "\" must be a string", .Rule = "json-type"};
 	Document.Locate(Value.Offset(), Diagnostic.Line, Diagnostic.Column);
 	Diagnostics.Add(Diagnostic);
 }

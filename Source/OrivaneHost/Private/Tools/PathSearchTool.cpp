@@ -12,7 +12,7 @@ class FPathSearchTool final : public FToolEntry
 public:
 	FPathSearchTool()
 		: FToolEntry("Find assets by a part of their path or name, grouped by folder, with exact counts. Nothing is loaded. Use "
-					 "for: finding where an asset lies, listing the assets of a folder or of a class.",
+					 "for: finding where an asset is, listing the assets of a folder or of a class.",
 			  R"({"operation_type": "search","data_type": "asset"})")
 	{
 	}

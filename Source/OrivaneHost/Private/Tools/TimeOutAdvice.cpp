@@ -10,7 +10,7 @@ bool IsEmptyBlueprintSearch(const FJsonObject& Arguments)
 	FString Term;
 	if (!Arguments.TryGetStringField("term", Term))
 		return false;
-	TArray<FString> Names; // as the tool reads them: elements that are no texts are skipped
+	TArray<FString> Names; // as the tool reads them: elements that are not strings are skipped
 	const FJsonArray* Families = nullptr;
 	Arguments.TryGetArrayField("include_asset_families", Families);
 	for (const FJsonValue& Family : Families ? *Families : FJsonArray())

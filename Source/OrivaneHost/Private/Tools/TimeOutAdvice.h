@@ -7,5 +7,5 @@
  * empty list selects all families. */
 bool NeverEnds(const FString& Term, const TArray<FString>& Families);
 
-/** Why a call of a tool may have run out of time and what to do about it; stands behind the time-out message. Any thread. */
+/** Why a call of a tool may have run out of time and what to do about it; follows the time-out message. Any thread. */
 FString ExplainTimeOut(const Orivane::FToolCommand& Command);

@@ -29,8 +29,8 @@ FString GetPrintable(const FJsonObject& Object, const char* Key);
 const FJsonArray& GetArray(const FJsonObject& Object, const char* Key);
 /** The payload of that key; null when the tool gave none. */
 TSharedPtr<FJsonObject> GetContent(const Orivane::FToolResult& Result, const char* Key = "content");
-/** Text with blanks behind it, up to a number of code points. */
+/** Text with blanks after it, up to a number of code points. */
 FString Pad(const FString& Text, int32 Width);
-/** Errors and warnings on standard error, a line each behind "orivane COMMAND: ". */
+/** Errors and warnings on standard error, a line each after "orivane COMMAND: ". */
 void PrintProblems(const char* Command, const Orivane::FToolResult& Result);
 }

@@ -18,7 +18,7 @@ constexpr const char* OutputStart = R"({
 "properties": {
 	"messages": {"type": "array", "description": "What the tool reports in words, in order.", "items": {"type": "object",
 		"properties": {
-			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Weight of the message."},
+			"type": {"type": "string", "enum": ["error", "warning", "success"], "description": "Severity."},
 			"text": {"type": "string", "description": "The message."}},
 		"required": ["type", "text"]}},
 	)";
@@ -45,7 +45,7 @@ constexpr const char* AssetSearchPayload = R"({"type": "object", "description": 
 							"kind": {"type": "string", "description": "What matched, such as ColumnName."},
 							"name": {"type": "string", "description": "The matched text up to its first dot."},
 							"container": {"type": "string", "description": "Where inside the asset."},
-							"count": {"type": "integer", "description": "How often it was met."}},
+							"count": {"type": "integer", "description": "Number of occurrences."}},
 						"required": ["kind", "name", "container", "count"]}}},
 				"required": ["asset", "class", "truncated", "hits"]}},
 			"truncated": {"type": "boolean", "description": "Assets were left out; narrow the search or raise the caps."}},
@@ -131,7 +131,7 @@ TSharedPtr<FJsonObject> MakeArgument(const FToolArgument& Argument)
 		Words->SetArrayField("enum", MakeArray(Argument.Choices));
 	if (Argument.Type == EToolArgument::TextList)
 		Schema->SetObjectField("items", Words);
-	if (Argument.Maximum != INT32_MAX) // a range; what is below a cap's least value counts as that, and is no fault
+	if (Argument.Maximum != INT32_MAX) // a range; what is below a cap's least value counts as that, and is not a fault
 	{
 		Schema->SetNumberField("minimum", Argument.Minimum);
 		Schema->SetNumberField("maximum", Argument.Maximum);

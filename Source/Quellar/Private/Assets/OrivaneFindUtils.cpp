@@ -18,7 +18,7 @@ void Normalize(std::string_view Text, std::string& Out)
 	std::replace(Out.begin(), Out.end(), '\\', '/');
 }
 
-/** Start of the segment behind the one at Start; npos behind the last. */
+/** Start of the segment after the one at Start; npos after the last. */
 std::size_t NextSegment(std::string_view Path, std::size_t Start)
 {
 	const std::size_t Slash = Path.find('/', Start);
@@ -69,7 +69,7 @@ const FExclusionRules& GetCurrentRules(const UQuellarSettings& Settings)
 	return Rules;
 }
 
-/** Directory as a whole segment (or run of segments) of Path: inside, at the start, or at the end behind a slash. */
+/** Directory as a whole segment (or run of segments) of Path: inside, at the start, or at the end after a slash. */
 bool HoldsDirectory(std::string_view Path, std::string_view Directory)
 {
 	for (std::size_t Start = 0; Start != std::string_view::npos; Start = NextSegment(Path, Start))

@@ -167,7 +167,7 @@ private:
 		return ToOutcome(Read, [&] { return Params.Term.IsEmpty() || Search.Finish(); });
 	}
 
-	/** A file that has gone meanwhile is no gap. */
+	/** A file that has gone meanwhile is not a gap. */
 	template <class TMatches>
 	static EOutcome ToOutcome(EFileRead Read, TMatches&& Matches)
 	{

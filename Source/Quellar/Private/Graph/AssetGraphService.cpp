@@ -153,7 +153,7 @@ void FDirectionalWalk::Record(const FEntry& From, FNode Neighbour, uint8 Flags, 
 
 void FDirectionalWalk::Finish(TArray<FAssetRelation>& OutRelations, FAssetGraphSummary& OutSummary, bool& bOutTruncated)
 {
-	// Children stand behind their parents, so going backwards every subtree is complete before it moves to its parent. Siblings
+	// Children follow their parents, so going backwards every subtree is complete before it moves to its parent. Siblings
 	// therefore come out newest first, which callers see and rely on.
 	for (std::size_t Index = Relations.size(); Index-- > 0;)
 	{

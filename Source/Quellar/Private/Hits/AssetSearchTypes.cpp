@@ -24,7 +24,7 @@ uint64 HashHit(const FString& Kind, const FString& Name, const FString& Containe
 struct FAssetHitIndex::FTables
 {
 	TMap<uint64, int32> LastByHash;	  // place of the last hit with the hash
-	TArray<int32> PreviousOfSameHash; // by place; INDEX_NONE behind the first
+	TArray<int32> PreviousOfSameHash; // by place; INDEX_NONE after the first
 	TMap<FString, int32> NumOfKind;
 };
 

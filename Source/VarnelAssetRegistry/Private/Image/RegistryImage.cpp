@@ -74,7 +74,7 @@ uint64 HashHeader(FImageHeader Header)
 	return ChecksumOf(std::string_view(reinterpret_cast<const char*>(&Header), sizeof(Header)));
 }
 
-/** Places the columns one behind the other. */
+/** Places the columns one after the other. */
 void PlaceColumns(const FRegistryDraft& Draft, FImageHeader& Header)
 {
 	uint64 End = sizeof(FImageHeader);

@@ -56,13 +56,13 @@ struct TTrigramColumns
 
 /**
  * Everything the registry knows, as columns. A column named First... has one element more than there are rows: row R owns the
- * elements from First[R] up to First[R + 1] of the columns behind it. TStorage is a vector while columns grow and a span of an
+ * elements from First[R] up to First[R + 1] of the columns after it. TStorage is a vector while columns grow and a span of an
  * image afterwards. RegistryColumns.h lists them all, with what their elements point at.
  */
 template <template <class> class TStorage>
 struct TRegistryColumns
 {
-	TStorage<uint64> TextStarts;   // of every text of all zones, and the end; a zero byte behind every text belongs to it
+	TStorage<uint64> TextStarts;   // of every text of all zones, and the end; a zero byte after every text belongs to it
 	TStorage<uint64> FoldedStarts; // the same for the folded twin; left out where no text changes its length
 	TStorage<char> TextBytes;
 	TStorage<char> FoldedBytes;
@@ -98,7 +98,7 @@ struct TRegistryColumns
 	TTrigramColumns<TStorage> EntryTrigrams;
 
 	// By class
-	TStorage<uint32> ClassParents; // NoId: none known; never a circle
+	TStorage<uint32> ClassParents; // NoId: none known; never a cycle
 	TStorage<uint32> FirstClassAssets;
 	TStorage<uint32> ClassAssets; // in registry order
 	TStorage<uint32> FirstClassChildren;

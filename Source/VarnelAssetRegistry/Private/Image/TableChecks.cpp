@@ -152,7 +152,7 @@ bool HasNoCircle(std::span<const uint32> Parents)
 	return true;
 }
 
-/** Every class is listed once at most, and below its parent: the lists then have no circle when the parents have none. */
+/** Every class is listed once at most, and below its parent: the lists then have no cycle when the parents have none. */
 bool AreChildrenSound(const FRegistryTables& Tables)
 {
 	for (uint32 Class = 0; Class < Tables.ClassParents.size(); ++Class)

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-/** The texts of a zone from one id up to another, one behind the other as they lie, with the zero byte behind each. */
+/** The texts of a zone from one id up to another, one after the other as they lie, with the zero byte after each. */
 struct FTextRun
 {
 	std::span<const uint64> Starts; // of the texts, and the end

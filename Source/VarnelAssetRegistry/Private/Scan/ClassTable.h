@@ -15,12 +15,12 @@ public:
 	/** The path as it was spelled first. Valid until the next class is added. */
 	std::string_view Get(uint32 Class) const { return Paths.Get(Class); }
 	/** Parent of a Blueprint's class. The first parent that a class is given stays. Paths come from tags: plain or in the form
-	 * Class'...'; what is no class path is ignored. */
+	 * Class'...'; what is not a class path is ignored. */
 	void AddGenerated(std::string_view Class, std::string_view Parent, std::string_view NativeParent);
 
 	/**
 	 * Sorts the classes, gives those in Draft.AssetClasses their final ids, and fills the columns by class. Where parents form a
-	 * circle, each of its classes loses its parent. The sorted paths are appended to OutPaths.
+	 * cycle, each of its classes loses its parent. The sorted paths are appended to OutPaths.
 	 */
 	void Finish(FRegistryDraft& Draft, FTextTable& OutPaths);
 

@@ -62,7 +62,7 @@ void FNameHolders::AddName(uint32 File)
 		Candidates.push_back({File, LongName});
 	else
 		Report(File, "bad-package-name",
-			"'" + FString::FromExternal(LongName) + "' is no valid package name; rename the file or its folder");
+			"'" + FString::FromExternal(LongName) + "' is not a valid package name; rename the file or its folder");
 }
 
 void FNameHolders::FoldNames(std::string& OutFolded, std::vector<std::string_view>& OutNames) const

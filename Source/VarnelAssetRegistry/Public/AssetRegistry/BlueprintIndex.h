@@ -49,7 +49,7 @@ public:
 	FStringView GetText(int32 Text) const;
 	/** The text folded by Unicode::Fold. */
 	FStringView GetFoldedText(int32 Text) const;
-	/** All folded texts one behind the other in ascending order of their indices, a zero byte behind each: for one search over
+	/** All folded texts one after the other in ascending order of their indices, a zero byte after each: for one search over
 	 * all. */
 	FStringView GetFoldedTexts() const;
 	/** Indices, ascending, of the texts that contain Value without regard to case; of all for an empty one. */

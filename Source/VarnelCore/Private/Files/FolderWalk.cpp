@@ -19,7 +19,7 @@ uint64 MakeSortKey(std::string_view Name)
 	return Key;
 }
 
-/** A folder that vanished or became something else since its parent was read is no fault. */
+/** A folder that vanished or became something else since its parent was read is not a fault. */
 bool IsUnreadable(int ErrorNumber)
 {
 	return SecureOpen::ToFileRead(ErrorNumber) == EFileRead::Unreadable;

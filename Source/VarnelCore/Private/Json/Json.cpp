@@ -9,7 +9,7 @@
 
 namespace
 {
-/** Numbers in text, as people write them: see FJsonObject. Too large, and too close to zero for a double, is no number. */
+/** Numbers in text, as people write them: see FJsonObject. Too large, and too close to zero for a double, is not a number. */
 bool ReadDecimal(FStringView Text, double& Out)
 {
 	const bool bHasPlus = Text.starts_with('+');

@@ -60,7 +60,7 @@ struct FJsonDocumentReader
 	enum class EInput : uint8
 	{
 		CopyFirst,
-		KeepInPlace, // has padding behind its end
+		KeepInPlace, // has padding after its end
 	};
 
 	FJsonDocument& Document;

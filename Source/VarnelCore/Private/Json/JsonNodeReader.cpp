@@ -109,7 +109,7 @@ bool FJsonNodeReader::ReadKeyedValue()
 	if (IsInRootObject() && !Options.StopBefore.empty() && Key == Options.StopBefore)
 		return StopEarly();
 	if (Peek() != ':')
-		return IsAtEnd() ? FailUnclosed() : Fail(PeekOffset(), "a ':' is missing behind the key");
+		return IsAtEnd() ? FailUnclosed() : Fail(PeekOffset(), "a ':' is missing after the key");
 	++Cursor;
 	return ReadValue(Key, KeyOffset);
 }
@@ -173,7 +173,7 @@ bool FJsonNodeReader::ReadNumber(FJsonNode& Node)
 	return Accept();
 }
 
-/** The next token without the blanks behind it. */
+/** The next token without the blanks after it. */
 std::string_view FJsonNodeReader::PeekToken() const
 {
 	const uint32 Start = PeekOffset();
@@ -265,12 +265,13 @@ bool FJsonNodeReader::Fail(std::size_t Offset, std::string Why)
 bool FJsonNodeReader::FailTooMany()
 {
 	FaultRule = "too-many-values";
-	return Fail(PeekOffset(), "this is one value more than the " + std::to_string(Options.MaxValues) + " that a text may have");
+	return Fail(
+		PeekOffset(), "this is one value more than the " + std::to_string(Options.MaxValues) + " that a document may have");
 }
 
 bool FJsonNodeReader::FailTrailingComma()
 {
-	return Fail(Tokens.Starts[Cursor - 1], std::string("the ',' before the '") + Peek() + "' must go");
+	return Fail(Tokens.Starts[Cursor - 1], std::string("the ',' before the '") + Peek() + "' must be removed");
 }
 
 bool FJsonNodeReader::FailSeparator(char Closing)

@@ -90,7 +90,7 @@ private:
 	std::vector<FJsonNode>& Nodes;
 	std::vector<uint32>& RepeatedKeys;
 	uint32 Cursor = 0;			// the next token
-	std::size_t NextEscape = 0; // of the text, at or behind the cursor
+	std::size_t NextEscape = 0; // of the text, at or after the cursor
 	char* UnescapedEnd = nullptr;
 	ETextEnd End = ETextEnd::Final;
 	bool bStoppedEarly = false;

@@ -33,7 +33,7 @@ const char* SkipDigits(const char* At, const char* End)
 	return At;
 }
 
-/** Value of the digits behind an 'e', held within bounds that no text can outweigh. */
+/** Value of the digits after an 'e', held within bounds that no text can outweigh. */
 int64 ReadExponent(std::string_view Text)
 {
 	constexpr int64 Bound = 1'000'000'000'000;
@@ -76,7 +76,7 @@ const char* CheckNumberTail(const char* At, const char* End)
 		const char* const Fraction = At + 1;
 		At = SkipDigits(Fraction, End);
 		if (At == Fraction)
-			return "a number needs a digit behind its '.'";
+			return "a number needs a digit after its '.'";
 	}
 	if (At < End && (*At == 'e' || *At == 'E'))
 	{
@@ -97,7 +97,7 @@ bool ReadInteger(std::string_view Token, int64& Out)
 	return std::from_chars(Token.data(), Token.data() + Token.size(), Out).ec == std::errc();
 }
 
-/** The four digits behind "\u", or a negative value. */
+/** The four digits after "\u", or a negative value. */
 int32 ReadFourHexDigits(std::string_view Text)
 {
 	if (Text.size() < 4)
@@ -130,7 +130,7 @@ char UnescapeCharacter(char Character)
 	}
 }
 
-/** Reads one "\u" escape, or two that make a pair, and moves Position behind. False when hexadecimal digits are missing. */
+/** Reads one "\u" escape, or two that make a pair, and moves Position past it. False when hexadecimal digits are missing. */
 bool UnescapeCodePoint(std::string_view Inside, std::size_t& Position, char*& Out)
 {
 	const int32 First = ReadFourHexDigits(Inside.substr(Position + 2));
@@ -163,7 +163,7 @@ std::string DescribeControlCharacter(char Character)
 	return Text;
 }
 
-/** Moves At from the opening quote behind the closing one; false, with Broken filled, where there is none. */
+/** Moves At from the opening quote past the closing one; false, with Broken filled, where there is none. */
 bool SkipString(std::string_view Text, std::size_t& At, FBrokenString& Broken)
 {
 	const std::size_t Start = At++;
@@ -198,9 +198,9 @@ const char* ReadNumber(std::string_view Token, FNumber& Out)
 	const char* const Digits = Token.data() + (Token.front() == '-' ? 1 : 0);
 	const char* const At = SkipDigits(Digits, End);
 	if (At == Digits)
-		return "a number needs a digit behind its '-'";
+		return "a number needs a digit after its '-'";
 	if (*Digits == '0' && At - Digits > 1)
-		return "a number must not start with a needless 0";
+		return "a number must not have a leading zero";
 	Out.bIsInteger = At == End && ReadInteger(Token, Out.Integer);
 	if (Out.bIsInteger)
 		return nullptr;
@@ -280,9 +280,9 @@ std::string DescribeNoValue(std::string_view Rest)
 	if (Word == "NaN" || Word == "Infinity")
 		return "JSON has no " + Word + "; write a number or null";
 	if (IsLetter(First))
-		return "'" + Word + "' is no JSON value; write true, false or null, and texts in double quotes";
+		return "'" + Word + "' is not a JSON value; write true, false or null, and strings in double quotes";
 	if (First == '\'')
-		return "a text needs double quotes";
+		return "a string needs double quotes";
 	if (First == '/' || First == '#')
 		return "JSON has no comments";
 	if (First == '+')

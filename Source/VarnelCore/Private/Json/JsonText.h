@@ -45,7 +45,7 @@ struct FEscapeFault
 };
 
 /**
- * Writes what stands between the quotes of a string without its escapes, at most as many bytes as it has, and moves Out behind
+ * Writes what stands between the quotes of a string without its escapes, at most as many bytes as it has, and moves Out past
  * them. A lone surrogate becomes U+FFFD. False at the first escape that is none.
  */
 bool Unescape(std::string_view Inside, char*& Out, FEscapeFault& Fault);
@@ -64,6 +64,6 @@ struct FBrokenString
  */
 FBrokenString FindTokens(std::string_view Text, std::vector<uint32>& Tokens);
 
-/** Why the token at the start of Rest is no value, as a sentence for people. Rest is not empty. */
+/** Why the token at the start of Rest is not a value, as a sentence for people. Rest is not empty. */
 std::string DescribeNoValue(std::string_view Rest);
 }

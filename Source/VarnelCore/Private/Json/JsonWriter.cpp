@@ -6,7 +6,7 @@
 
 namespace
 {
-/** What becomes of a byte in a string: 0 stays, 1 is not ASCII, 'u' is written by its number, others stand behind a backslash. */
+/** What becomes of a byte in a string: 0 stays, 1 is not ASCII, 'u' is written by its number, others follow a backslash. */
 struct FEscapeTable
 {
 	char KindOf[256] = {};

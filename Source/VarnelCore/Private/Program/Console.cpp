@@ -57,7 +57,7 @@ bool IsBlank(char Character)
 	return Character == ' ' || ('\t' <= Character && Character <= '\r');
 }
 
-/** Position behind the word that starts at Start. */
+/** Position after the word that starts at Start. */
 std::size_t FindWordEnd(FStringView Line, std::size_t Start)
 {
 	bool bQuoted = false;

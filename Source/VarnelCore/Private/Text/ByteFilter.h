@@ -31,7 +31,7 @@ struct FByteFilter
 	std::size_t FarthestOffset() const { return Offsets[0] > Offsets[1] ? Offsets[0] : Offsets[1]; }
 };
 
-/** Bit i stands for the position i bytes behind the start of the block. */
+/** Bit i stands for the position i bytes after the start of the block. */
 struct FBlockHits
 {
 	uint64 Candidates = 0; // the needle may start here
@@ -40,8 +40,8 @@ struct FBlockHits
 
 /**
  * Goes through blocks of 64 positions, from Block on and as long as they start at or before LastBlock, to the first with a hit.
- * Blocks behind the first lie at addresses that are multiples of 64, so the second may overlap the first. Returns its start and
- * fills Hits, or returns the start of the first block behind LastBlock. Reads up to FarthestOffset() + 64 bytes from the start of
+ * Blocks after the first lie at addresses that are multiples of 64, so the second may overlap the first. Returns its start and
+ * fills Hits, or returns the start of the first block after LastBlock. Reads up to FarthestOffset() + 64 bytes from the start of
  * each block.
  */
 using FNextHit = std::size_t (*)(

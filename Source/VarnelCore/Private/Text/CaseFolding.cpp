@@ -99,7 +99,7 @@ class TFoldedPiece
 {
 public:
 	/**
-	 * Holds the beginning of the folded text and moves At behind what that stands for. Where it stops depends on the folded text
+	 * Holds the beginning of the folded text and moves At past what that stands for. Where it stops depends on the folded text
 	 * alone, so equal texts come in equal pieces.
 	 */
 	std::string_view Take(const char*& At, const char* End)

@@ -126,10 +126,10 @@ inline const FFoldTable& GetFoldTable()
 	return Table;
 }
 
-/** Replaces Variants by a folded code point and, behind it, all others that fold to it. */
+/** Replaces Variants by a folded code point and, after it, all others that fold to it. */
 void FindFoldVariants(char32_t Folded, std::vector<char32_t>& Variants);
 
-/** Moves A and B behind what is equal in both after folding. Ill-formed bytes equal themselves. */
+/** Moves A and B past what is equal in both after folding. Ill-formed bytes equal themselves. */
 void SkipCommonFolded(const char*& A, const char* EndA, const char*& B, const char* EndB);
 
 /** First position at or after From where Text goes on with Needle, ignoring case; for texts too short to prepare a finder for. */

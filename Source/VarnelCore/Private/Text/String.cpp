@@ -35,7 +35,7 @@ std::size_t BytesOfCodePoints(FStringView Text, int32 Count)
 	return Position;
 }
 
-/** Whether Text goes on with Prefix at Position; moves Position behind it when it does. */
+/** Whether Text goes on with Prefix at Position; moves Position past it when it does. */
 bool SkipPrefix(FStringView Text, std::size_t& Position, FStringView Prefix, ESearchCase Case)
 {
 	FStringView Rest = Text.substr(Position);

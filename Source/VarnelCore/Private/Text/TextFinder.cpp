@@ -26,7 +26,7 @@ private:
 	struct FSlowResult
 	{
 		std::size_t Found;
-		std::size_t Resume; // behind the last shifting letter: what starts earlier has been looked at
+		std::size_t Resume; // after the last shifting letter: what starts earlier has been looked at
 	};
 
 	void PrepareExact(std::vector<FByteClass>& Classes);
@@ -199,7 +199,7 @@ std::size_t FPreparedNeedle::NextBlockWithHit(std::string_view Text, std::size_t
 	}
 	if (Position >= Text.size())
 		return Text.size();
-	// Fewer bytes are left than one look takes in, so they are looked at in a copy with room behind it. Being aligned, it is
+	// Fewer bytes are left than one look takes in, so they are looked at in a copy with room after it. Being aligned, it is
 	// gone through in two blocks at most.
 	alignas(FByteFilter::BlockSize) char Rest[2 * FByteFilter::BlockSize + FByteFilter::MaxOffset] = {};
 	const std::size_t NumBytes = Text.size() - Position;

@@ -272,7 +272,7 @@ std::function<void()> FGameThread::TakeTask(uint64 Before)
 
 int32 FGameThread::Pump()
 {
-	// Tasks leave the queue one by one, so that a task that itself runs the loop meets the ones behind it, in order.
+	// Tasks leave the queue one by one, so that a task that itself runs the loop meets the ones after it, in order.
 	const uint64 Before = [this]
 	{
 		const std::lock_guard Guard(Lock);

@@ -24,7 +24,7 @@ std::array<FJsonRef, N> TakeMembers(const FJsonRef& Object, const std::array<FSt
 	return Members;
 }
 
-/** A member that must be a text with something in it; empty and a diagnostic otherwise. */
+/** A member that must be a string with something in it; empty and a diagnostic otherwise. */
 FStringView RequireText(const FJsonRef& Object, const FJsonRef& Member, const char* Key, FPropertyReader& Reader)
 {
 	if (Member && Member.IsString() && !Member.Text().empty())

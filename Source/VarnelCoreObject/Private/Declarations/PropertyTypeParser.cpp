@@ -115,7 +115,7 @@ TUniquePtr<FProperty> FTypeParser::ParseType(int32 Level)
 	for (const FPlainType& Plain : PlainTypes)
 		if (Plain.Word == Word)
 			return Plain.Make(Name);
-	return Fail(Word.empty() ? FString("a type is missing") : "'" + FString(Word) + "' is no type");
+	return Fail(Word.empty() ? FString("a type is missing") : "'" + FString(Word) + "' is not a type");
 }
 
 /** Behind "Word<". */
@@ -132,7 +132,7 @@ TUniquePtr<FProperty> FTypeParser::ParseTypeOf(FStringView Word, int32 Level)
 		return ParseStruct();
 	if (Word == "enum" || Word == "byte")
 		return ParseEnum(Word);
-	return Fail("'" + FString(Word) + "' is no type that has types or classes in <>");
+	return Fail("'" + FString(Word) + "' is not a type that takes types or classes in <>");
 }
 
 TUniquePtr<FProperty> FTypeParser::ParseContainer(FStringView Word, int32 Level)
@@ -225,7 +225,7 @@ bool FTypeParser::Take(char Character)
 
 TUniquePtr<FProperty> FTypeParser::Fail(const FString& Reason)
 {
-	Error = FJsonFaults::Quote(Text) + " is no usable type: " + Reason;
+	Error = FJsonFaults::Quote(Text) + " cannot be used: " + Reason;
 	return nullptr;
 }
 }

@@ -98,7 +98,7 @@ bool FScriptDeclarations::TakeName(FScriptFile& File, const FJsonRef& Owner, con
 		return false;
 	const FString Quoted = FJsonFaults::Quote(Out);
 	if (!IsDeclarableName(Out))
-		File.Faults.Error(Json.Offset(), "bad-name", Quoted + " is no name for a class, structure or enumeration");
+		File.Faults.Error(Json.Offset(), "bad-name", Quoted + " is not a valid name for a class, structure or enumeration");
 	else if (Places.Contains(PathIn(File, Out)))
 		File.Faults.Error(Json.Offset(), "repeated-name", "the module declares " + Quoted + " already, so this one is left out");
 	else if (StaticFindObjectFast(nullptr, &File.Package, FName(Out)))

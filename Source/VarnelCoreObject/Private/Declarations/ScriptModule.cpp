@@ -38,7 +38,7 @@ UPackage* FModulePackages::Open(const FScriptModuleFile& Module, FDiagnosticSink
 	};
 	const FString PackageName = "/Script/" + Module.ModuleName;
 	if (!FPackageName::IsValidLongPackageName(PackageName) || Module.ModuleName.Contains("/"))
-		return Fail("bad-name", FJsonFaults::Quote(Module.ModuleName) + " is no name for a module");
+		return Fail("bad-name", FJsonFaults::Quote(Module.ModuleName) + " is not a valid module name");
 	if (!Modules.Add(Module.ModuleName))
 		return Fail("repeated-module",
 			"there is a module " + FJsonFaults::Quote(Module.ModuleName) + " already, so this file is left out");

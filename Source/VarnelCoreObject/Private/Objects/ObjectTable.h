@@ -27,7 +27,7 @@ public:
 	static int32 GetIndex(const UObject& Object) { return Object.TableIndex; }
 	static UObject* GetFirstChild(const UObject& Object) { return Object.FirstChild; }
 	static UObject* GetNextSibling(const UObject& Object) { return Object.NextSibling; }
-	/** Lists children of Outer behind its other ones, in the order given. */
+	/** Lists children of Outer after its other ones, in the order given. */
 	static void MoveToEnd(UObject& Outer, const std::vector<UObject*>& Children);
 	/** Classes and structures in the order in which they were made. */
 	const std::vector<UStruct*>& GetTypes() const { return Types; }

@@ -129,8 +129,8 @@ bool FPackageName::IsValidLongPackageName(FStringView Text)
 }
 
 /**
- * Names may hold quotes. The path inside the form begins at a slash behind a quote, and nothing before it can be mistaken for
- * that: the name of a class has no slash, and the path of a class has none behind its dot.
+ * Names may hold quotes. The path inside the form begins at a slash after a quote, and nothing before it can be mistaken for
+ * that: the name of a class has no slash, and the path of a class has none after its dot.
  */
 FStringView FPackageName::ExportTextPathToObjectPath(FStringView Text)
 {

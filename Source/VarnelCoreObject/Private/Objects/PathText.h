@@ -11,14 +11,14 @@ bool IsObjectName(FStringView Text);
 bool IsTopLevelPath(FStringView Text);
 /** A path inside a package: "Asset", "Asset:Sub", "Asset:Sub.Deeper". */
 bool IsInnerPath(FStringView Text);
-/** The path of any object: "/Package/Path.Asset", or that with ":Sub.Deeper" behind it. */
+/** The path of any object: "/Package/Path.Asset", or that with ":Sub.Deeper" after it. */
 bool IsObjectPath(FStringView Text);
 
 /** Lies below "/Script", where the program and script modules declare classes: in memory or nowhere, never in a file. */
 bool IsScriptPath(FStringView Path);
 /** Text before the first dot of a path that is one: "/Game/A.A:Sub" gives "/Game/A". */
 FStringView PackageOf(FStringView ObjectPath);
-/** The segment behind the last separator of an inner path: "Asset:Sub.Deeper" gives "Deeper". */
+/** The segment after the last separator of an inner path: "Asset:Sub.Deeper" gives "Deeper". */
 FStringView LastSegment(FStringView InnerPath);
 /** The inner path of the outer: "Asset:Sub.Deeper" gives "Asset:Sub", "Asset" gives "". */
 FStringView OuterOf(FStringView InnerPath);

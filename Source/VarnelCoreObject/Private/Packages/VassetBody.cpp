@@ -163,13 +163,13 @@ bool FVassetBody::IsUsable(const FListedObject& Item)
 {
 	if (!PathText::IsInnerPath(Item.Path))
 		Faults.Error(Item.PathOffset, "bad-path",
-			FJsonFaults::Quote(Item.Path) + " is no path inside a package such as 'Asset:Sub.Deeper'");
+			FJsonFaults::Quote(Item.Path) + " is not a path inside a package such as 'Asset:Sub.Deeper'");
 	else if (Item.Depth > Json::MaxPackageDepth)
 		Faults.Error(Item.PathOffset, "bad-path",
 			"objects may lie at most " + FString::FromInt(Json::MaxPackageDepth) + " levels inside one another");
 	else if (!PathText::IsTopLevelPath(Item.ClassPath))
 		Faults.Error(Item.ClassOffset, "bad-class",
-			FJsonFaults::Quote(Item.ClassPath) + " is no class path such as '/Script/Engine.DataTable'");
+			FJsonFaults::Quote(Item.ClassPath) + " is not a class path such as '/Script/Engine.DataTable'");
 	else
 		return true;
 	return false;

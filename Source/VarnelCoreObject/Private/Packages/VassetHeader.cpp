@@ -115,12 +115,12 @@ bool FVassetHeaderReader::IsUsableAsset(const FJsonRef& Json, const FPackageHead
 		return false;
 	};
 	if (!PathText::IsObjectName(Asset.Name))
-		return Fail("name", "bad-name", FJsonFaults::Quote(Asset.Name) + " is no name for an asset");
+		return Fail("name", "bad-name", FJsonFaults::Quote(Asset.Name) + " is not a valid asset name");
 	if (!PathText::IsTopLevelPath(Asset.Class))
 		return Fail(
-			"class", "bad-class", FJsonFaults::Quote(Asset.Class) + " is no class path such as '/Script/Engine.DataTable'");
+			"class", "bad-class", FJsonFaults::Quote(Asset.Class) + " is not a class path such as '/Script/Engine.DataTable'");
 	if (!Asset.Outer.empty() && !(PathText::IsObjectPath(Asset.Outer) && IsInThisPackage(Asset.Outer)))
-		return Fail("outer", "bad-outer", FJsonFaults::Quote(Asset.Outer) + " is no path of an object in this package");
+		return Fail("outer", "bad-outer", FJsonFaults::Quote(Asset.Outer) + " does not name an object in this package");
 	if (!AssetPlaces.insert({FAssetKey{Asset.Outer, Asset.Name}, Header->Assets.size()}).second)
 		return Fail("name", "repeated-asset", FJsonFaults::Quote(Asset.Name) + " is an asset of this package already");
 	return true;
@@ -172,7 +172,7 @@ void FVassetHeaderReader::ReadDependency(const FJsonRef& Json)
 		return;
 	if (!FPackageName::IsValidLongPackageName(Dependency.Package))
 		return Faults->Error(Package.Offset(), "bad-package",
-			FJsonFaults::Quote(Dependency.Package) + " is no long package name such as '/Game/AI/BT_Guard'");
+			FJsonFaults::Quote(Dependency.Package) + " is not a long package name such as '/Game/AI/BT_Guard'");
 	bool bHard = true;
 	bool bGame = true;
 	Faults->AcceptBool(Hard, bHard);

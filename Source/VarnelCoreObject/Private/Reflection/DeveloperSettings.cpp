@@ -63,7 +63,7 @@ void FSectionReader::ApplyValue(const FProperty& Property, const FConfigLine& Li
 		Report(Line, 0, "setting-type", "'" + Line.Key + "' is not a list; write " + Line.Key + "=Value");
 	else if (!Property.ReadText(Property.ContainerPtrToValuePtr<void>(Defaults), Line.Value))
 		Report(Line, Line.ValueColumn, "setting-type",
-			"'" + Line.Value + "' is no value of type " + Property.GetTypeText() + " for '" + Line.Key + "'");
+			"'" + Line.Value + "' is not a value of type " + Property.GetTypeText() + " for '" + Line.Key + "'");
 }
 
 void FSectionReader::Report(const FConfigLine& Line, int32 Column, const char* Rule, FString Text)
@@ -111,6 +111,6 @@ void LoadDeveloperSettings(const FConfigFile& File, const FString& FileName, FDi
 			FSectionReader(*Class, FileName, Diagnostics).Apply(Lines);
 		else if (Diagnostics)
 			Diagnostics->Add({FileName, Lines.IsEmpty() ? 0 : Lines[0].Line, 0, EDiagnosticSeverity::Warning,
-				"there are no settings [" + Section + "]; what stands there is ignored", "unknown-section"});
+				"there are no settings [" + Section + "]; its entries are ignored", "unknown-section"});
 	}
 }

@@ -7,7 +7,7 @@
 #include <array>
 
 /**
- * Reads members of one JSON project file and reports what is wrong with them, with their places. Silent when nobody listens. The
+ * Reads members of one JSON project file and reports what is wrong with them, with their places. Silent when none listens. The
  * first faults of a file are told, then one line says that there are more: places are found by counting lines, and a long list
  * helps nobody.
  */
@@ -50,7 +50,7 @@ public:
 	/** True also for a value that is absent, which leaves Out alone. */
 	bool AcceptText(const FJsonRef& Value, std::string_view& Out);
 	bool AcceptBool(const FJsonRef& Value, bool& Out);
-	/** The value is there and of that type. One that is absent is no fault. */
+	/** The value is there and of that type. One that is absent is not a fault. */
 	bool IsArray(const FJsonRef& Value);
 	bool IsObject(const FJsonRef& Value);
 

@@ -19,6 +19,6 @@ namespace OrivaneClassLookupUtils
 int32 FindBlueprintsByNativeParent(const FString& NativeParentClassPath, TArray<FString>& OutBlueprintPaths, bool bRegistryOnly);
 /** The native parent tag of one Blueprint; false (and Out unchanged) without one. */
 bool GetBlueprintNativeParent(const FString& BlueprintObjectPath, FString& OutNativeParentClassPath);
-/** Strips the export form Class'...'; empty when the rest is no object path. */
+/** Strips the export form Class'...'; empty when the rest is not an object path. */
 FString NormalizeClassPath(const FString& In);
 }

@@ -26,8 +26,8 @@ public:
 	/** Executed once for each search that reports; unbound unless a console wants to show what was found. */
 	static void SetOnFinished(TDelegate<void(const FReport&)> OnFinished);
 
-	/** The words that a command understands ("term=", "path="); empty for a name that is no search command's. */
+	/** The words that a command understands ("term=", "path="); empty for a name that is not a search command's. */
 	static TArray<FString> GetWords(const FString& Command);
-	/** What a command searches for with these words; an unset term and all families for a name that is no search command's. */
+	/** What a command searches for with these words; an unset term and all families for a name that is not a search command's. */
 	static FAssetSearchParams ReadParams(const FString& Command, const TArray<FString>& Words);
 };

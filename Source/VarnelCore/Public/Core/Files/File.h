@@ -48,7 +48,7 @@ bool SaveStringToFile(FStringView Text, const FString& Path);
  * The same for a file that the user has named, which may be anything. A regular or missing file is replaced by rename; a link is
  * followed, and stays; a device, pipe or socket is opened and written, waiting for a reader where there is none, until a stop is
  * requested (Core/StopToken.h). No folder is created, and no link of the opened project leads out of it. False with a reason that
- * can stand behind the file's name and a colon: what was there is as it was, unless it is no regular file.
+ * can follow the file's name and a colon: what was there is as it was, unless it is not a regular file.
  */
 bool WriteUserFile(FStringView Text, const FString& Path, FString& OutError);
 }
@@ -67,9 +67,9 @@ FString ProjectIntermediateDir();
  * (EILSEQ): nothing below it can be opened or created then. */
 bool SetProjectDir(const FString& Dir);
 
-/** Text behind the last dot of the file name, without the dot; empty when there is none. */
+/** Text after the last dot of the file name, without the dot; empty when there is none. */
 FStringView GetExtension(FStringView Path);
-/** Text behind the last slash. */
+/** Text after the last slash. */
 FStringView GetCleanFilename(FStringView Path);
 /** File name without its extension. */
 FStringView GetBaseFilename(FStringView Path);

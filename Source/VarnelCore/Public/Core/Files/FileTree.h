@@ -28,7 +28,7 @@ struct FFileStamp
 enum class EFileRead : uint8
 {
 	Ok,
-	Missing,	// gone, or no regular file, or behind a symbolic link
+	Missing,	// gone, or no regular file, or reached through a symbolic link
 	Unreadable, // permissions or an I/O error
 	TooLarge,
 };
@@ -55,7 +55,7 @@ class FFileTree
 {
 public:
 	/** Folders that cannot be read are left out and named in GetUnreadableFolders. A missing root gives an empty tree, as
-	 * does one that lies behind a symbolic link below the opened project. Any depth.
+	 * does one that is reached through a symbolic link below the opened project. Any depth.
 	 */
 	static FFileTree List(FStringView Root, const FFileTreeOptions& Options);
 

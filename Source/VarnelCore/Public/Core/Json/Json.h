@@ -54,7 +54,7 @@ public:
 	bool TryGetNumber(int32& Out) const;
 	bool TryGetNumber(int64& Out) const;
 	bool TryGetBool(bool& Out) const;
-	/** Null when this is no array / no object. */
+	/** Null when this is not an array / an object. */
 	const FJsonArray* AsArray() const;
 	TSharedPtr<FJsonObject> AsObject() const;
 	/** The number as it was read or set: an integer that fits 64 bits keeps all its digits. */

@@ -23,7 +23,7 @@ enum class EJsonNode : uint8
 struct FJsonNode
 {
 	EJsonNode Type = EJsonNode::Null;
-	uint32 Next = 0;		// index of the node behind this one and its children
+	uint32 Next = 0;		// index of the node after this one and its children
 	uint32 Offset = 0;		// of the value's first byte in the file
 	uint32 KeyOffset = 0;	// of the key's quote, members of objects only
 	uint32 NumChildren = 0; // of arrays and objects
@@ -120,7 +120,7 @@ public:
 	 */
 	bool Parse(std::string_view Text, const FJsonReadOptions& Options = {});
 	/**
-	 * Parses a buffer without changing or copying it; it has Capacity bytes, of which at least GetPadding() stand behind Size
+	 * Parses a buffer without changing or copying it; it has Capacity bytes, of which at least GetPadding() follow Size
 	 * with any content, and outlives the document's use.
 	 */
 	bool ParseInPlace(char* Data, std::size_t Size, std::size_t Capacity, const FJsonReadOptions& Options = {});

@@ -4,7 +4,7 @@
 #include "Core/Base/Delegate.h"
 #include "Core/Text/String.h"
 
-/** Body of a console command, given the words behind the command's name. Game thread. */
+/** Body of a console command, given the words after the command's name. Game thread. */
 using FConsoleCommandWithArgsDelegate = TDelegate<void(const TArray<FString>& Args)>;
 
 /** A command that can be typed at the console. Immutable. */

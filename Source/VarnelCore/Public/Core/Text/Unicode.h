@@ -19,11 +19,11 @@ bool IsValidUtf8(std::string_view Bytes);
 std::string RepairUtf8(std::string_view Bytes);
 /** Appends the UTF-8 form; surrogates and values above U+10FFFF append U+FFFD. */
 void AppendUtf8(std::string& Out, char32_t CodePoint);
-/** Decodes the code point at Position (valid UTF-8) and moves Position behind it. */
+/** Decodes the code point at Position (valid UTF-8) and moves Position past it. */
 char32_t DecodeNext(std::string_view Text, std::size_t& Position);
 int32 CountCodePoints(std::string_view Text);
 /** Where the code point starts that the byte at Position lies in: a text that is cut there stays well-formed. The text's end for
- * positions at or behind it. */
+ * positions at or after it. */
 std::size_t FloorToCodePoint(std::string_view Text, std::size_t Position);
 /** UTF-16 code units to UTF-8; lone surrogates become U+FFFD, an odd last byte too. */
 std::string Utf16ToUtf8(std::string_view Bytes, bool bBigEndian);

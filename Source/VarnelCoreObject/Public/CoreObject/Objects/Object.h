@@ -19,7 +19,7 @@ UPackage* FindPackage(FName PackageName, bool bCreate = false);
 
 /**
  * Base of everything that lives in a package. Objects are created by NewObject and owned by their package; native constructors
- * set native defaults, properties that script and Blueprint classes add lie behind the native part of the same allocation. Game
+ * set native defaults, properties that script and Blueprint classes add follow the native part of the same allocation. Game
  * thread only.
  */
 class UObject

@@ -26,7 +26,7 @@ uint64 GetTypeHash(const FTopLevelAssetPath& Path);
 struct FSoftObjectPath
 {
 	FTopLevelAssetPath Asset;
-	FString SubPath; // behind the ":", "" for the asset itself
+	FString SubPath; // after the ":", "" for the asset itself
 
 	FSoftObjectPath() = default;
 	FSoftObjectPath(FTopLevelAssetPath InAsset, FString InSubPath) : Asset(InAsset), SubPath(std::move(InSubPath)) {}

@@ -16,19 +16,19 @@ struct FMountPoint
 	FString Folder; // absolute, with a trailing slash
 };
 
-/** False for a root that is mounted already, which keeps its first folder, for "/Script" and for what is no single name behind a
- * slash. */
+/** False for a root that is mounted already, which keeps its first folder, for "/Script" and for what is not a single name after
+ * a slash. */
 bool MountRoot(const FString& Root, const FString& Folder);
 void UnmountAll();
 const TArray<FMountPoint>& GetMountPoints();
 
 /** Text before the first ".", or all of it: "/Game/A.A" gives "/Game/A". */
 FString ObjectPathToPackageName(FStringView ObjectPath);
-/** Text behind the last "/": "/Game/UI/W_Menu" gives "W_Menu". */
+/** Text after the last "/": "/Game/UI/W_Menu" gives "W_Menu". */
 FStringView GetShortName(FStringView PackageName);
 /** Longest long package name, bytes: what a path may take on the systems this runs on. */
 constexpr std::size_t MaxLongPackageNameBytes = 4096;
-/** "/Root/..." with a segment behind the root, no empty segment, none of \ : * ? " < > | . and no control character, not longer
+/** "/Root/..." with a segment after the root, no empty segment, none of \ : * ? " < > | . and no control character, not longer
  * than MaxLongPackageNameBytes. */
 bool IsValidLongPackageName(FStringView Text);
 

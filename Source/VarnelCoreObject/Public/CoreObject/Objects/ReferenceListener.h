@@ -15,7 +15,7 @@ struct FForeignReference
 	FDiagnostic At; // file, line and column; for whoever finds the reference broken to complete
 };
 
-/** Told of every such reference while packages load, for a check of all packages; null: nobody listens. Must not load. */
+/** Told of every such reference while packages load, for a check of all packages; null: none listens. Must not load. */
 void SetReferenceListener(std::function<void(const FForeignReference&)> Listener);
 /** What SetReferenceListener was given. */
 const std::function<void(const FForeignReference&)>& GetReferenceListener();

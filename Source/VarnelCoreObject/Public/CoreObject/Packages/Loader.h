@@ -32,7 +32,7 @@ struct FPackageFile
  * Failed loads are forgotten. */
 using FPackageLocator = std::function<TOptional<FPackageFile>(FName PackageName)>;
 void SetPackageLocator(FPackageLocator Locator);
-/** Receives what goes wrong while packages load; null: nobody listens. */
+/** Receives what goes wrong while packages load; null: none listens. */
 void SetLoadDiagnostics(FDiagnosticSink* Sink);
 
 /**

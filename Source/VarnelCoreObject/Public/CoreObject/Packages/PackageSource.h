@@ -85,7 +85,7 @@ class IPackageReader
 public:
 	virtual ~IPackageReader() = default;
 
-	/** Spare bytes that Bytes should have as capacity behind its size to save a copy. */
+	/** Spare bytes that Bytes should have as capacity after its size to save a copy. */
 	virtual std::size_t GetPadding() const { return 0; }
 	/** False where nothing of the header can be used: the file is then skipped. Faults go to Diagnostics (may be null) under
 	 * FileName. */

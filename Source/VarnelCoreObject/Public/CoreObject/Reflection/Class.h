@@ -104,11 +104,11 @@ private:
 };
 
 /**
- * Lays out own properties behind the parent's, of the given types and of all those that they lead to. Called when their last
+ * Lays out own properties after the parent's, of the given types and of all those that they lead to. Called when their last
  * properties were added; types that are linked stay as they are. Where parents and structures held by value lead in a ring, every
  * member of it loses the parent or the value that leads on, so that it does not matter where one begins; the same becomes of what
  * would take too many levels or bytes. A property that a parent has too is dropped. Returns the types that were linked, each
- * behind its parent and, but for rings, behind the structures that its properties mention.
+ * after its parent and, but for rings, after the structures that its properties mention.
  */
 std::vector<UStruct*> LinkTypes(const std::vector<UStruct*>& Types);
 

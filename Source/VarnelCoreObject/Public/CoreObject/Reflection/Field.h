@@ -116,7 +116,7 @@ public:
 	virtual bool ReadValue(void* Value, const FJsonRef& Json, FPropertyReader& Reader) const = 0;
 	/**
 	 * Reads plain text, as settings files and the keys of map objects write values. False, and the storage untouched, where the
-	 * text is no such value or the type has no plain form.
+	 * text is not such a value or the type has no plain form.
 	 */
 	virtual bool ReadText(void* Value, FStringView Text) const;
 	/** Equal as elements of sets and keys of maps: texts compare without regard to case. */

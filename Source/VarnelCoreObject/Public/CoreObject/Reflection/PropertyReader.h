@@ -15,7 +15,7 @@ class FPropertyReader
 {
 public:
 	/** Package may be null where nothing of a package is read; references without a leading slash are faults then. Diagnostics
-	 * null: nobody listens. */
+	 * null: none listens. */
 	FPropertyReader(UPackage* InPackage, const FJsonDocument& InDocument, FString InFileName, FDiagnosticSink* InDiagnostics);
 
 	/**
@@ -36,7 +36,7 @@ public:
 	 * has its own already. */
 	void FinishDeclarations(UStruct& Struct);
 	/**
-	 * Entries { "name", "display"? } of an enumeration, stored as "Enumeration::name" with values from 0 on, and behind them the
+	 * Entries { "name", "display"? } of an enumeration, stored as "Enumeration::name" with values from 0 on, and after them the
 	 * maximum entry "Enumeration::Enumeration_MAX", displayed without the prefix, also where an entry has that name already.
 	 * Faulty and repeated entries are left out.
 	 */
@@ -46,8 +46,8 @@ public:
 	bool ReadObjectPath(const FJsonRef& Json, FSoftObjectPath& Out);
 	/**
 	 * The reference to the object at such a path, unresolved where the object lies in another package. None and a diagnostic
-	 * where it is no object that the property may refer to. One of another package is kept all the same: it reads as null once
-	 * it is resolved.
+	 * where it is not an object that the property may refer to. One of another package is kept all the same: it reads as null
+	 * once it is resolved.
 	 */
 	TOptional<FObjectPtr> ReadReference(const FJsonRef& Json, const FObjectPropertyBase& Property);
 	/** Reports references into the package being read that no object was made for. Called once all its objects are made. */

@@ -344,3 +344,18 @@ TEST(GameThread, NoPostIsLost)
 	EXPECT_TRUE(bAllHere);
 	EXPECT_FALSE(bOtherIsGameThread);
 }
+
+TEST(GameThread, IsAnyThreadUntilOneIsBound)
+{
+	FGameThread Loop;
+	const auto MayActElsewhere = [&]
+	{
+		bool bMayAct = false;
+		std::jthread([&] { bMayAct = Loop.MayActAsGameThread(); }).join();
+		return bMayAct;
+	};
+	EXPECT_TRUE(Loop.MayActAsGameThread() && MayActElsewhere());
+	Loop.BindToThisThread();
+	EXPECT_TRUE(Loop.MayActAsGameThread());
+	EXPECT_FALSE(MayActElsewhere());
+}

@@ -2,19 +2,16 @@
 
 #include "Core/Text/Unicode.h"
 #include "Json/JsonNodeReader.h"
+#include "Json/JsonTokenFinder.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <simdjson.h>
 
-/**
- * What lives from parse to parse. Of the library only the vector search for tokens is used: its result is a list of offsets that
- * one loop turns into nodes. The library's own tree walkers neither give offsets nor report every fault.
- */
+/** What lives from parse to parse. */
 struct FJsonDocument::FParser
 {
-	std::unique_ptr<simdjson::internal::dom_parser_implementation> TokenFinder;
+	FJsonTokenFinder TokenFinder;
 	std::vector<uint32> SlowTokens; // of texts that the token finder refuses
 	std::unique_ptr<char[]> Copy;	// of the text, with padding
 	std::size_t CopyCapacity = 0;
@@ -132,20 +129,7 @@ private:
 	bool FindTokens(FJsonTokens& Out)
 	{
 		Out.Text = Document.Source.substr(SizeOfMark(Document.Source));
-		auto& Finder = Document.Parser->TokenFinder;
-		if (!Finder && simdjson::get_active_implementation()->create_dom_parser_implementation(0, 1, Finder) != simdjson::SUCCESS)
-			return false;
-		const std::size_t Size = Out.Text.size();
-		const std::size_t Capacity = std::min(std::max(Size + 1, Finder->capacity() * 3 / 2), simdjson::SIMDJSON_MAXSIZE_BYTES);
-		if (Finder->capacity() <= Size && Finder->allocate(Capacity, 1) != simdjson::SUCCESS)
-			return false;
-		const auto* const Bytes = reinterpret_cast<const uint8_t*>(Out.Text.data());
-		if (Finder->stage1(Bytes, Size, simdjson::stage1_mode::regular) != simdjson::SUCCESS)
-			return false;
-		Finder->structural_indexes[Finder->n_structural_indexes] = static_cast<uint32>(Size);
-		Out.Starts = Finder->structural_indexes.get();
-		Out.Num = Finder->n_structural_indexes;
-		return true;
+		return Document.Parser->TokenFinder.Find(Out.Text, Out.Starts, Out.Num);
 	}
 
 	void FindTokensSlowly(FJsonTokens& Out)
@@ -214,7 +198,7 @@ bool FJsonDocument::ParseInPlace(char* Data, std::size_t Size, std::size_t Capac
 
 std::size_t FJsonDocument::GetPadding()
 {
-	return simdjson::SIMDJSON_PADDING;
+	return FJsonTokenFinder::GetPadding();
 }
 
 std::size_t FJsonDocument::GetMemory() const
@@ -222,7 +206,7 @@ std::size_t FJsonDocument::GetMemory() const
 	std::size_t NumBytes = Nodes.capacity() * sizeof(FJsonNode) + RepeatedKeys.capacity() * sizeof(uint32);
 	if (!Parser)
 		return NumBytes;
-	NumBytes += Parser->TokenFinder ? Parser->TokenFinder->capacity() * sizeof(uint32) : 0;
+	NumBytes += Parser->TokenFinder.GetNumBytes();
 	NumBytes += Parser->SlowTokens.capacity() * sizeof(uint32) + Parser->CopyCapacity;
 	return NumBytes + Parser->NodeBuffers.UnescapedCapacity + Parser->NodeBuffers.Keys.GetNumBytes();
 }

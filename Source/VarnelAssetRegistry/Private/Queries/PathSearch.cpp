@@ -100,7 +100,7 @@ uint32 FPathSearch::FindPackagesIn(FRowRange Packages)
 	return Packages.End;
 }
 
-/** Behind the last package whose name begins like that of the given one; these lie side by side, but only without regard to case.
+/** After the last package whose name begins like that of the given one; these lie side by side, but only without regard to case.
  */
 uint32 FPathSearch::FindEndOfPrefix(uint32 Package, std::size_t PrefixBytes) const
 {

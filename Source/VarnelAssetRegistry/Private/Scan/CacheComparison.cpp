@@ -9,9 +9,7 @@ namespace
 class FComparer
 {
 public:
-	FComparer(const FListedFiles& InFiles, FCacheComparison& InOut) : Files(InFiles), Tables(InOut.Image->GetTables()), Out(InOut)
-	{
-	}
+	explicit FComparer(FCacheComparison& InOut) : Tables(InOut.Image->GetTables()), Out(InOut) {}
 
 	void Compare(const FListedFiles::FRoot& Root, FRowRange Known);
 
@@ -20,7 +18,6 @@ private:
 	int CompareWithKnown(std::string_view Path, std::string_view RootName, uint32 Known) const;
 	void Match(const FListedFiles::FRoot& Root, int32 Listed, uint32 Known);
 
-	const FListedFiles& Files;
 	const FRegistryTables& Tables;
 	FCacheComparison& Out;
 };
@@ -88,7 +85,7 @@ FCacheComparison CompareWithListed(TSharedPtr<const FRegistryImage> Image, const
 		return Out;
 	}
 	Out.FileOfPackage.assign(Out.Image->NumPackages(), NoId);
-	FComparer Comparer(Files, Out);
+	FComparer Comparer(Out);
 	for (const FListedFiles::FRoot& Root : Files.GetRoots())
 		Comparer.Compare(Root, FindRootFiles(Out.Image->GetTables(), Root));
 	Out.NumRemoved = static_cast<uint32>(std::count(Out.FileOfPackage.begin(), Out.FileOfPackage.end(), NoId));

@@ -33,7 +33,7 @@ public:
 	uint8 GetSource(uint32 File) const;
 	/** End of the name, from the dot on, as long as its source says. */
 	std::string_view GetExtension(uint32 File) const;
-	/** For people: relative to the project folder where it lies in there. Repaired where it is no UTF-8. */
+	/** For people: relative to the project folder where it lies in there. Repaired where it is not UTF-8. */
 	FString GetDisplayName(uint32 File) const;
 
 private:

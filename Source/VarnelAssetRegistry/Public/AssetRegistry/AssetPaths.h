@@ -46,7 +46,7 @@ public:
 	int32 NumFolders() const;
 	int32 GetFolder(int32 Asset) const;
 	FStringView GetFolderPath(int32 Folder) const;
-	/** Behind the assets at the start of a range, which is not empty, that lie in the folder of its first one. */
+	/** The end of the assets at the start of a range, which is not empty, that lie in the folder of its first one. */
 	int32 FindEndOfFolder(FRange Assets) const;
 
 	int32 NumClasses() const;

@@ -11,19 +11,21 @@ struct FEscapeTable
 {
 	char KindOf[256] = {};
 
+	constexpr void Set(char Byte, char Kind) { KindOf[static_cast<uint8>(Byte)] = Kind; }
+
 	constexpr FEscapeTable()
 	{
 		for (int32 Byte = 0; Byte < 0x20; ++Byte)
 			KindOf[Byte] = 'u';
 		for (int32 Byte = 0x80; Byte < 0x100; ++Byte)
 			KindOf[Byte] = 1;
-		KindOf['\b'] = 'b';
-		KindOf['\f'] = 'f';
-		KindOf['\n'] = 'n';
-		KindOf['\r'] = 'r';
-		KindOf['\t'] = 't';
-		KindOf['"'] = '"';
-		KindOf['\\'] = '\\';
+		Set('\b', 'b');
+		Set('\f', 'f');
+		Set('\n', 'n');
+		Set('\r', 'r');
+		Set('\t', 't');
+		Set('"', '"');
+		Set('\\', '\\');
 	}
 };
 

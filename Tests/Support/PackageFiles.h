@@ -3,6 +3,7 @@
 #include "Core/Program/Diagnostics.h"
 #include "CoreObject/Packages/Loader.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -15,7 +16,7 @@ protected:
 	{
 		std::string Text;
 		EFileRead Outcome = EFileRead::Ok;
-		int32 NumReads = 0;
+		std::atomic<int32> NumReads = 0; // by threads that parse ahead too
 	};
 
 	FPackageFiles();

@@ -81,7 +81,10 @@ TEST_F(Loader, RemembersFailedLoadsUntilPackagesAreUnloaded)
 	{
 		FDiagnosticSink Sink;
 		SetLoadDiagnostics(&Sink);
-		FFile& File = Files["/Game/Bad"] = {Case.Text, Case.Outcome, 0};
+		FFile& File = Files["/Game/Bad"];
+		File.Text = Case.Text;
+		File.Outcome = Case.Outcome;
+		File.NumReads = 0;
 		EXPECT_EQ(LoadPackage("/Game/Bad"), nullptr);
 		EXPECT_EQ(LoadPackage("/game/bad"), nullptr);
 		EXPECT_EQ(FindPackage("/Game/Bad"), nullptr);

@@ -60,7 +60,7 @@ protected:
 	void ExpectOneReadOfEach()
 	{
 		for (auto& [Name, File] : Files)
-			EXPECT_EQ(std::exchange(File.NumReads, 0), 1) << Name;
+			EXPECT_EQ(File.NumReads.exchange(0), 1) << Name;
 	}
 
 	std::vector<std::string> Names; // as they will be asked for

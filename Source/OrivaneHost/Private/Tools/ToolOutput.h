@@ -23,7 +23,8 @@ private:
 /** What the commands that call a tool and print its answer share. */
 namespace ToolOutput
 {
-/** A field's text, fit for a terminal and for nothing else: control characters are escaped. "" when there is none. */
+/** A field's text for people to read: control characters are escaped, so nothing is to be looked up by it. "" when there is none.
+ */
 FString GetPrintable(const FJsonObject& Object, const char* Key);
 /** A field's elements; none when there is no such array. */
 const FJsonArray& GetArray(const FJsonObject& Object, const char* Key);

@@ -12,6 +12,7 @@
 #include "Engine/UserDefinedStruct.h"
 
 #include <algorithm>
+#include <vector>
 
 // Each in a file of its own, which says what it reports. Nobody calls them but through their rows.
 FAssetFamily::FSearch SearchBlueprints, SearchTextFiles, SearchBehaviorTrees, SearchBlackboards, SearchEnums, SearchStructs,
@@ -129,20 +130,35 @@ const TArray<FAssetFamily::FType>& GetTypesWithoutFamily()
 	return Types;
 }
 
-template <class TTest>
-const FAssetFamily::FType* FindType(TTest&& Test)
+template <class TVisit>
+void ForEachType(TVisit&& Visit)
 {
-	const auto FindAmong = [&](const TArray<FAssetFamily::FType>& Types)
-	{
-		const auto Found = std::find_if(Types.begin(), Types.end(), Test);
-		return Found == Types.end() ? nullptr : &*Found;
-	};
 	for (const FAssetFamily& Family : GetAssetFamilies())
 	{
-		if (const FAssetFamily::FType* Type = FindAmong(Family.Types))
-			return Type;
+		for (const FAssetFamily::FType& Type : Family.Types)
+			Visit(Type);
 	}
-	return FindAmong(GetTypesWithoutFamily());
+	for (const FAssetFamily::FType& Type : GetTypesWithoutFamily())
+		Visit(Type);
+}
+
+struct FClassType
+{
+	FName ClassName;
+	const char* Type;
+};
+
+/** The types of all classes side by side: walks over graphs ask for every package they meet. */
+std::vector<FClassType> ListClassTypes()
+{
+	std::vector<FClassType> ClassTypes;
+	ForEachType(
+		[&](const FAssetFamily::FType& Type)
+		{
+			for (const FName ClassName : Type.ClassNames)
+				ClassTypes.push_back({ClassName, Type.Name});
+		});
+	return ClassTypes;
 }
 }
 
@@ -170,15 +186,25 @@ TArray<FString> GetAssetFamilyNames()
 
 FString AssetTypeFromClassName(FName ClassName)
 {
-	const FAssetFamily::FType* Type =
-		FindType([&](const FAssetFamily::FType& Each) { return Each.ClassNames.Contains(ClassName); });
-	return Type ? Type->Name : "uasset";
+	static const std::vector<FClassType> ClassTypes = ListClassTypes();
+	for (const FClassType& Each : ClassTypes)
+	{
+		if (Each.ClassName == ClassName)
+			return Each.Type;
+	}
+	return "uasset";
 }
 
 FString GetAssetTypeColor(const FString& AssetType)
 {
-	const FAssetFamily::FType* Type = FindType([&](const FAssetFamily::FType& Each) { return AssetType == Each.Name; });
-	return Type ? Type->Color : ColorOfOthers;
+	FString Color = ColorOfOthers;
+	ForEachType(
+		[&](const FAssetFamily::FType& Type)
+		{
+			if (AssetType == Type.Name)
+				Color = Type.Color;
+		});
+	return Color;
 }
 
 FString GetAssetTypeGroup(const FString& AssetClass)

@@ -5,6 +5,8 @@
 #include "Quellar/Search/AssetSearchService.h"
 #include "Tools/ArgumentTable.h"
 
+DEFINE_LOG_CATEGORY(LogAssetPathSearchOperation); // kept for callers: nothing here can fail
+
 void FAssetPathSearchOperation::Execute(const FJsonObject& Args, Orivane::FToolResult& Result)
 {
 	FAssetPathSearchParams Params;

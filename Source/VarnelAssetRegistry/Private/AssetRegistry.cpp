@@ -158,11 +158,6 @@ void FAssetRegistry::GetAssets(const FARFilter& Filter, TArray<FAssetData>& OutA
 		bSkipARFilteredAssets);
 }
 
-void FAssetRegistry::GetAllAssets(TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets) const
-{
-	GetAssets({.bIncludeOnlyOnDiskAssets = bIncludeOnlyOnDiskAssets}, OutAssets, false);
-}
-
 void FAssetRegistry::EnumerateAssets(
 	const FARFilter& Filter, const std::function<bool(const FAssetData&)>& Visit, bool bSkipARFilteredAssets) const
 {
@@ -207,11 +202,6 @@ void FAssetRegistry::GetAssetsByPackageName(
 		if (!IsHidden(*Current->Image, Asset, bSkipARFilteredAssets))
 			OutAssets.Add(Current->MakeAssetData(Asset));
 	}
-}
-
-bool FAssetRegistry::HasPackage(FName PackageName) const
-{
-	return State->Take()->Names.FindPackage(PackageName) != NoId;
 }
 
 FName FAssetRegistry::FindPackage(FStringView LongName) const
@@ -261,19 +251,4 @@ void FAssetRegistry::GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TAr
 	uint32 Class = Current->Image->FindClass(ClassPath.ToString());
 	while (Class != NoId && (Class = Parents[Class]) != NoId)
 		OutAncestors.Add(Current->Names.GetClass(Class));
-}
-
-void FAssetRegistry::GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const
-{
-	const auto Current = State->Take();
-	const uint32 Class = Current->Image->FindClass(ClassPath.ToString());
-	if (Class == NoId)
-	{
-		OutDerived.Add(ClassPath);
-		return;
-	}
-	std::vector<uint32> Classes;
-	Current->Image->GatherDerivedClasses(Class, Classes);
-	for (const uint32 Derived : Classes)
-		OutDerived.Add(Current->Names.GetClass(Derived));
 }

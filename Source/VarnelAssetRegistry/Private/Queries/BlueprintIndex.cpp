@@ -123,16 +123,3 @@ FStringView FBlueprintIndexView::GetText(int32 Text) const
 {
 	return Snapshot->Image->GetTables().GetText(EZone::Entries, ToRow(Text));
 }
-
-FStringView FBlueprintIndexView::GetFoldedText(int32 Text) const
-{
-	return Snapshot->Image->GetTables().GetFolded(EZone::Entries, ToRow(Text));
-}
-
-FStringView FBlueprintIndexView::GetFoldedTexts() const
-{
-	if (!Snapshot)
-		return {};
-	const FRegistryTables& Tables = Snapshot->Image->GetTables();
-	return FTextRun(Tables, true, EZone::Entries, {0, Tables.NumTexts(EZone::Entries)}).Bytes;
-}

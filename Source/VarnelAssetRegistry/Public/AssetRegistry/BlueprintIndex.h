@@ -47,11 +47,6 @@ public:
 
 	int32 NumTexts() const;
 	FStringView GetText(int32 Text) const;
-	/** The text folded by Unicode::Fold. */
-	FStringView GetFoldedText(int32 Text) const;
-	/** All folded texts one after the other in ascending order of their indices, a zero byte after each: for one search over
-	 * all. */
-	FStringView GetFoldedTexts() const;
 	/** Indices, ascending, of the texts that contain Value without regard to case; of all for an empty one. */
 	std::vector<uint32> FindTexts(FStringView Value) const;
 	/** Entries of Blueprints that have the text as their text or comment, ascending, each once. Valid as long as the view. */

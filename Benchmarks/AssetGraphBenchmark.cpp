@@ -35,7 +35,7 @@ const std::vector<FString>& GetRoots()
 	static const std::vector<FString> Roots = []
 	{
 		TArray<FAssetData> Assets;
-		OrivaneAssetRegistryUtils::GetAssetRegistry()->GetAllAssets(Assets);
+		OrivaneAssetRegistryUtils::GetAssetRegistry()->GetAssets({}, Assets, false);
 		std::mt19937 Random(Seed);
 		std::vector<FString> Drawn;
 		for (int32 Index = 0; Index < NumExplorations; ++Index)

@@ -356,11 +356,8 @@ std::string RenderAnswers(const FAssetRegistry& Registry, const FModel& Model)
 	for (const std::string& Class : Classes)
 	{
 		TArray<FTopLevelAssetPath> Found;
-		Registry.GetDerivedClasses(FTopLevelAssetPath(Class), Found);
-		Out += Class + " above " + RenderClasses(Found);
-		Found.Empty();
 		Registry.GetAncestorClasses(FTopLevelAssetPath(Class), Found);
-		Out += " below " + RenderClasses(Found) + "\n";
+		Out += Class + " below " + RenderClasses(Found) + "\n";
 		for (const char* Folder : {"/Game", "/Game/a", "/Game/b"})
 			Out += RenderAssets(Registry,
 					   {.PackagePaths = {Folder},

@@ -122,11 +122,6 @@ void FAssetRegistry::GetAssets(const FARFilter& Filter, TArray<FAssetData>& OutA
 		bSkipARFilteredAssets);
 }
 
-void FAssetRegistry::GetAllAssets(TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets) const
-{
-	GetAssets({.bIncludeOnlyOnDiskAssets = bIncludeOnlyOnDiskAssets}, OutAssets, false);
-}
-
 void FAssetRegistry::EnumerateAssets(
 	const FARFilter& Filter, const std::function<bool(const FAssetData&)>& Visit, bool bSkipARFilteredAssets) const
 {
@@ -168,11 +163,6 @@ void FAssetRegistry::GetAssetsByPackageName(
 		if (!bSkipARFilteredAssets || !Current->IsFiltered(Asset))
 			OutAssets.Add(Current->MakeAssetData(Asset));
 	}
-}
-
-bool FAssetRegistry::HasPackage(FName PackageName) const
-{
-	return FindRow(*Live->Take(), PackageName).Row != NoId;
 }
 
 FName FAssetRegistry::FindPackage(FStringView LongName) const
@@ -221,19 +211,4 @@ void FAssetRegistry::GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TAr
 	uint32 Class = Current->FindClass(ClassPath.ToString());
 	while (Class != NoId && (Class = Current->GetParentClass(Class)) != NoId)
 		OutAncestors.Add(Current->GetClassPath(Class));
-}
-
-void FAssetRegistry::GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const
-{
-	const auto Current = Live->Take();
-	const uint32 Class = Current->FindClass(ClassPath.ToString());
-	if (Class == NoId)
-	{
-		OutDerived.Add(ClassPath);
-		return;
-	}
-	std::vector<uint32> Classes;
-	Current->GatherDerivedClasses(Class, Classes);
-	for (const uint32 Derived : Classes)
-		OutDerived.Add(Current->GetClassPath(Derived));
 }

@@ -149,15 +149,6 @@ bool UMaterialInterface::GetVectorParameterValue(const FMaterialParameterInfo& P
 	return Value.has_value();
 }
 
-bool UMaterialInterface::GetTextureParameterValue(const FMaterialParameterInfo& Parameter, UObject*& Out) const
-{
-	const TOptional<FObjectPtr> Value =
-		FindValue(Parameter, &UMaterialInterface::TextureParameters, &UMaterialInterface::GetTextureParameterLine);
-	if (Value)
-		Out = Value->Get();
-	return Value.has_value();
-}
-
 bool UMaterialInterface::ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader)
 {
 	static const FFloatProperty Scalar{FName(ValueKey)};

@@ -156,7 +156,7 @@ TEST(AssetQuery, AnEmptyRegistryAnswers)
 	EXPECT_EQ(RenderAssets(Registry, {}), "");
 	EXPECT_EQ(RenderAssets(Registry, {.PackagePaths = {"/Game"}, .bRecursivePaths = true}), "");
 	EXPECT_EQ(RenderAssets(Registry, {.ClassPaths = {FTopLevelAssetPath("/Script/Engine.Base")}}), "");
-	EXPECT_FALSE(Registry.HasPackage("/Game/A"));
+	EXPECT_TRUE(Registry.FindPackage("/Game/A").IsNone());
 	EXPECT_EQ(RenderDependencies(Registry, "/Game/A"), "unknown");
 	EXPECT_EQ(Registry.GetBlueprintIndex().NumBlueprints(), 0);
 }

@@ -50,7 +50,7 @@ TEST(BlueprintIndex, BelongsToTheFirstBlueprintOfAPackage)
 		"Health] ");
 }
 
-TEST(BlueprintIndex, HoldsEveryTextOnceAndFolded)
+TEST(BlueprintIndex, HoldsEveryTextOnce)
 {
 	FRegistryProject Project;
 	Project.Package("A",

@@ -33,7 +33,7 @@ TEST(PackageGraph, IsKnownInBothDirections)
 		EXPECT_EQ(RenderDependencies(Project.Registry, Case.Package), Case.Dependencies);
 		EXPECT_EQ(RenderReferencers(Project.Registry, Case.Package), Case.Referencers);
 	}
-	EXPECT_FALSE(Project.Registry.HasPackage("/Game/Gone")) << "only what has a file is a package";
+	EXPECT_TRUE(Project.Registry.FindPackage("/Game/Gone").IsNone()) << "only what has a file is a package";
 	EXPECT_EQ(Project.Registry.NumDependencies(), 9);
 }
 

@@ -303,11 +303,11 @@ TEST(RegistryCache, RootsMayComeAndGo)
 	Project.ScanCached();
 	Project.ExtraRoots = {{"/Lamp", Project.Folder.Path("Plugins/Lamp/Content/")}};
 	EXPECT_EQ(Project.ScanCached().NumParsed, 1 + 2) << "the new root's file, and those with spellings of their own";
-	EXPECT_TRUE(Project.Registry.HasPackage("/Lamp/L"));
+	EXPECT_FALSE(Project.Registry.FindPackage("/Lamp/L").IsNone());
 	EXPECT_EQ(Project.ScanCached().NumParsed, 0);
 	Project.ExtraRoots = {{"/Light", Project.Folder.Path("Plugins/Lamp/Content/")}};
 	EXPECT_EQ(Project.ScanCached().NumParsed, 1 + 2) << "another name is another root";
-	EXPECT_FALSE(Project.Registry.HasPackage("/Lamp/L"));
+	EXPECT_TRUE(Project.Registry.FindPackage("/Lamp/L").IsNone());
 	EXPECT_EQ(RenderReferencers(Project.Registry, "/Game/A"), "/Game/B(hard game) /Game/BP(soft game) /Light/L(hard game)");
 	Project.ExtraRoots = {};
 	EXPECT_EQ(Project.ScanCached().NumParsed, 0 + 2);

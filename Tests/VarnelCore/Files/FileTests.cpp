@@ -310,12 +310,3 @@ TEST(Paths, CombineAndFullForms)
 	EXPECT_EQ(FPaths::ConvertRelativePathToFull("x/../y").ToStdString(), Current + "/y");
 	EXPECT_EQ(FPaths::ConvertRelativePathToFull(".").ToStdString(), Current);
 }
-
-TEST(Paths, SafeRelativePaths)
-{
-	for (const char* Path : {"a", "a/b.md", "..a/b..", "Ü/...", " "})
-		EXPECT_TRUE(FPaths::IsSafeRelativePath(Path)) << Path;
-	for (const char* Path : {"", "/", "/a", "a/", "a//b", ".", "a/.", "..", "a/../b", "..\\a", "a\nb", "a\x7F"})
-		EXPECT_FALSE(FPaths::IsSafeRelativePath(Path)) << Path;
-	EXPECT_FALSE(FPaths::IsSafeRelativePath(FStringView("a\0b", 3)));
-}

@@ -48,7 +48,6 @@ TEST(ProjectFolder, NoPathLeavesTheFolder)
 	{
 		std::string Content;
 		EXPECT_EQ(Folder.Read(Case.Given, Content, NoLimit), Case.Expected);
-		EXPECT_EQ(Folder.IsFile(Case.Given), Case.Expected == EFileRead::Ok);
 		EXPECT_EQ(Content.empty(), Case.Expected != EFileRead::Ok);
 	}
 }

@@ -94,19 +94,18 @@ TEST(Config, AppliesLinesToLists)
 	for (const auto& Case : Traced(Cases))
 	{
 		const FConfigFile File = FConfigFile::Parse(std::string("[S]\n") + Case.Given, "Game.ini", nullptr);
-		ASSERT_NE(File.FindSection("s"), nullptr);
-		EXPECT_EQ(Join(FConfigFile::ApplyToArray(*File.FindSection("s"), "K", {"d", "e"})), Case.Expected);
+		ASSERT_TRUE(File.GetSections().Contains("s"));
+		EXPECT_EQ(Join(FConfigFile::ApplyToArray(*File.GetSections().Find("s"), "K", {"d", "e"})), Case.Expected);
 	}
 }
 
 TEST(Config, FindsTheLastValue)
 {
 	const FConfigFile File = FConfigFile::Parse("[S]\nA=1\n+A=2\na=3\n-A=4\n", "Game.ini", nullptr);
-	const FConfigLine* Line = FConfigFile::FindValue(*File.FindSection("S"), "A");
+	const FConfigLine* Line = FConfigFile::FindValue(*File.GetSections().Find("S"), "A");
 	ASSERT_NE(Line, nullptr);
 	EXPECT_EQ(Line->Value.View(), "3");
-	EXPECT_EQ(FConfigFile::FindValue(*File.FindSection("S"), "B"), nullptr);
-	EXPECT_EQ(File.FindSection("T"), nullptr);
+	EXPECT_EQ(FConfigFile::FindValue(*File.GetSections().Find("S"), "B"), nullptr);
 }
 
 TEST(Diagnostics, PrintOnlyTheirParts)

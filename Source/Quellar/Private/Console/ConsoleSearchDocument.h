@@ -4,7 +4,7 @@
 
 enum class EConsoleSearchForm : uint8
 {
-	Summary,  // one line's worth an asset
+	Summary,  // one line's worth an asset; no command asks for it, kept for callers
 	Detailed, // assets with their hits, below their asset types
 };
 

@@ -27,7 +27,7 @@ public:
 	FSoftObjectPath GetSoftObjectPath() const;
 	/** False when the asset has no such tag; keys compare without regard to case. */
 	bool GetTagValue(FStringView Key, FString& OutValue) const;
-	/** Tags in file order. */
+	/** Tags in file order. Kept for callers. */
 	TArray<std::pair<FString, FString>> GetTags() const;
 	/** The asset's object, loading its package if need be; null when it cannot be had. Game thread. */
 	UObject* GetAsset() const;

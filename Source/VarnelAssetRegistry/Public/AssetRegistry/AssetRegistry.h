@@ -107,14 +107,12 @@ public:
 
 	// IAssetRegistry
 	void GetAssets(const FARFilter& Filter, TArray<FAssetData>& OutAssets, bool bSkipARFilteredAssets) const override;
-	void GetAllAssets(TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets) const override;
 	void EnumerateAssets(
 		const FARFilter& Filter, const std::function<bool(const FAssetData&)>& Visit, bool bSkipARFilteredAssets) const override;
 	FAssetData GetAssetByObjectPath(
 		const FSoftObjectPath& ObjectPath, bool bIncludeOnlyOnDiskAssets, bool bSkipARFilteredAssets) const override;
 	void GetAssetsByPackageName(FName PackageName, TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets,
 		bool bSkipARFilteredAssets) const override;
-	bool HasPackage(FName PackageName) const override;
 	FName FindPackage(FStringView LongName) const override;
 	bool GetDependencies(FName PackageName, TArray<FPackageDependency>& OutDependencies) const override;
 	bool GetReferencers(FName PackageName, TArray<FPackageDependency>& OutReferencers) const override;
@@ -122,7 +120,6 @@ public:
 	int32 GetNumReferencers(FName PackageName) const override;
 	FPackageGraphView GetPackageGraph() const override;
 	void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const override;
-	void GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const override;
 	FAssetPathView GetAssetPaths() const override;
 	FBlueprintIndexView GetBlueprintIndex() const override;
 

@@ -36,9 +36,8 @@ class IAssetRegistry
 public:
 	virtual ~IAssetRegistry() = default;
 
-	/** Appends the assets that pass the filter. */
+	/** Appends the assets that pass the filter; an empty filter passes all. */
 	virtual void GetAssets(const FARFilter& Filter, TArray<FAssetData>& OutAssets, bool bSkipARFilteredAssets = true) const = 0;
-	virtual void GetAllAssets(TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets = false) const = 0;
 	/** Visits what GetAssets would append, until Visit returns false. */
 	virtual void EnumerateAssets(const FARFilter& Filter, const std::function<bool(const FAssetData&)>& Visit,
 		bool bSkipARFilteredAssets = true) const = 0;
@@ -47,7 +46,6 @@ public:
 		const FSoftObjectPath& ObjectPath, bool bIncludeOnlyOnDiskAssets = false, bool bSkipARFilteredAssets = true) const = 0;
 	virtual void GetAssetsByPackageName(FName PackageName, TArray<FAssetData>& OutAssets, bool bIncludeOnlyOnDiskAssets = false,
 		bool bSkipARFilteredAssets = true) const = 0;
-	virtual bool HasPackage(FName PackageName) const = 0;
 	/** The package of that long name, in the registry's spelling; None when no file holds one. For texts that callers give:
 	 * making an FName of such a text keeps it for good, looking it up does not. */
 	virtual FName FindPackage(FStringView LongName) const = 0;
@@ -67,8 +65,6 @@ public:
 
 	/** Classes above a class path, nearest first, as far as they are known. */
 	virtual void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const = 0;
-	/** The class itself and all classes derived from it. */
-	virtual void GetDerivedClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutDerived) const = 0;
 
 	/** The object paths of all assets, for searches; empty for a registry that keeps no such columns. */
 	virtual FAssetPathView GetAssetPaths() const { return {}; }

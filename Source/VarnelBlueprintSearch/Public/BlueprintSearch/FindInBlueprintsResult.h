@@ -54,7 +54,7 @@ public:
 	FString GetDisplayString() const;
 	/** What kind of thing the entry is, as its package says it ("Var", "Node"); a Blueprint's class without its package. */
 	FString GetCategory() const;
-	/** "" without one. */
+	/** "" without one. Kept for callers. */
 	FString GetCommentText() const;
 	/** Null for a Blueprint. */
 	const FFindInBlueprintsResult* GetParent() const;

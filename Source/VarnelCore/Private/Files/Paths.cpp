@@ -58,11 +58,6 @@ FString ResolveLinks(const FString& Path)
 	return realpath(*Path, Resolved) ? FString(Resolved) : Path;
 }
 
-bool HasControlCharacter(FStringView Text)
-{
-	return std::any_of(Text.begin(), Text.end(), [](char Byte) { return static_cast<uint8>(Byte) < 0x20 || Byte == 0x7F; });
-}
-
 FFileHandle OpenFollowingLinks(const FString& Path, int Flags)
 {
 	return FFileHandle(open(*Path, Flags | O_CLOEXEC));
@@ -187,16 +182,4 @@ FString FPaths::ConvertRelativePathToFull(FStringView Path)
 	for (const FStringView Segment : Kept)
 		(Result += '/') += Segment;
 	return Result.IsEmpty() ? FString("/") : Result;
-}
-
-bool FPaths::IsSafeRelativePath(FStringView Path)
-{
-	if (Path.find('\\') != FStringView::npos || HasControlCharacter(Path))
-		return false;
-	for (const FStringView Segment : SplitAtSlashes(Path))
-	{
-		if (Segment.empty() || Segment == "." || Segment == "..")
-			return false;
-	}
-	return true;
 }

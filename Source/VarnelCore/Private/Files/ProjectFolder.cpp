@@ -36,8 +36,3 @@ bool FProjectFolder::GetFolderStamp(FStringView RelativePath, FFileStamp& Out) c
 {
 	return LookAt(RelativePath, Out) == DT_DIR;
 }
-
-bool FProjectFolder::IsFile(FStringView RelativePath) const
-{
-	return IsOpen() && SecureOpen::IsRegularFile(SecureOpen::OpenBeneath(Handle.Get(), RelativePath, SecureOpen::ToLookAt));
-}

@@ -162,18 +162,6 @@ int32 FString::Find(FStringView Needle, ESearchCase Case, int32 Start) const
 	return Found == NotFound ? INDEX_NONE : From + Unicode::CountCodePoints(View().substr(FromByte, Found - FromByte));
 }
 
-int32 FString::FindLast(FStringView Needle, ESearchCase Case) const
-{
-	for (std::size_t Start = Data.size();; Start = Unicode::FloorToCodePoint(Data, Start - 1))
-	{
-		std::size_t Position = Start;
-		if (SkipPrefix(Data, Position, Needle, Case))
-			return Unicode::CountCodePoints(View().substr(0, Start));
-		if (Start == 0)
-			return INDEX_NONE;
-	}
-}
-
 FString FString::ToLower() const
 {
 	return ConvertCodePoints<Unicode::ToLower>(Data);

@@ -25,7 +25,6 @@ public:
 	bool IsHeard() const { return Sink && NumReported <= MaxReports; }
 	const FJsonDocument& GetDocument() const { return Document; }
 	const FString& GetFileName() const { return FileName; }
-	FDiagnosticSink* GetSink() const { return Sink; }
 
 	void Error(uint32 Offset, FString Rule, FString Text)
 	{

@@ -52,7 +52,7 @@ class UNiagaraSystem : public UObject
 public:
 	static UClass* StaticClass();
 
-	/** Null where the system has none. Loads its package if need be. */
+	/** Null where the system has none. Loads its package if need be. Kept for callers. */
 	UObject* GetEffectType() const { return EffectType; }
 	const TArray<FNiagaraEmitterHandle>& GetEmitterHandles() const { return EmitterHandles; }
 	const TArray<FNiagaraUserParameter>& GetUserParameters() const { return UserParameters; }

@@ -19,5 +19,5 @@ TArray<FAssetData> FindAssetsByClasses(const TArray<UClass*>& Classes, bool bSor
 FAssetData GetAssetByPath(const FString& ObjectPath);
 }
 
-/** Whether the registry knows an asset at that object path. */
+/** Whether the registry knows an asset at that object path. Kept for callers. */
 bool RegistryHasAsset(const FString& ObjectPath);

@@ -34,15 +34,15 @@ public:
 	/** Ends the search, should there be one, waits for its threads, and executes its callback with what was found so far. */
 	void Abandon();
 
-	/** A search exists and has not ended. */
+	/** A search exists and has not ended. Kept for callers. */
 	bool IsSearchInProgress() const;
-	/** From 0 to 1, 0 without a search; always set. */
+	/** From 0 to 1, 0 without a search; always set. Kept for callers. */
 	TOptional<float> GetPercentCompleteSearch() const;
 	/** The Blueprints that the last search found. Written by the polling thread: to be read when the callback has been executed
-	 * and no other search been made. */
+	 * and no other search been made. Kept for callers. */
 	const TArray<TSharedPtr<FFindInBlueprintsResult>>& GetItemsFound() const { return ItemsFound; }
 	void ClearResults();
-	/** The version of the index that the last completed search saw; 0 before. */
+	/** The version of the index that the last completed search saw; 0 before. Kept for callers. */
 	int32 GetLastSearchedVersion() const;
 	/** Makes a run that indexes changed files end soon. */
 	void OnCancelCacheAll();

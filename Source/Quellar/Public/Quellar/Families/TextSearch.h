@@ -7,7 +7,7 @@
 bool IsSearchableTextFile(FStringView Path);
 
 /** Whether text contains the term, or in exact mode equals it as a whole; Params gives the term. For callers that have the text:
- * the search itself does not hold whole files. */
+ * the search itself does not hold whole files. Kept for callers. */
 bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params, bool bExact, bool bCaseSensitive);
 
 /** Files that a search of text files would have read and could not, relative to the project. */

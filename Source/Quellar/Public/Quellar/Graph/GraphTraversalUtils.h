@@ -6,9 +6,9 @@
 namespace GraphTraversalUtils
 {
 /** Whether the package has at most MaxFanout dependencies (or referencers), counted before any filter: a hub is shown, but not
- * walked through. */
+ * walked through. Kept for callers. */
 bool ShouldExpandNode(const IAssetRegistry& Registry, const FName& Package, int32 MaxFanout, bool bDependencies);
 
-/** "RuntimeDependency", "RuntimeReferencer", "EditorDependency" or "EditorReferencer". */
+/** "RuntimeDependency", "RuntimeReferencer", "EditorDependency" or "EditorReferencer". Kept for callers. */
 FString BuildRelationString(bool bRuntime, bool bDependency);
 }

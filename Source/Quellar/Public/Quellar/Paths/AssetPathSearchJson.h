@@ -11,6 +11,6 @@ namespace OrivaneToolUtils
  * "files"?: []}. Files below their directory are written relative to it.
  */
 TSharedPtr<FJsonObject> MakeAssetPathSearchJson(const FAssetPathSearchResult& Result, EAssetPathDetailMode DetailMode);
-/** The same as compact text, which replaces Out; for callers that have no use for the object. */
+/** The same as compact text, which replaces Out. Kept for callers. */
 void WriteAssetPathSearchJson(const FAssetPathSearchResult& Result, FString& Out, EAssetPathDetailMode DetailMode);
 }

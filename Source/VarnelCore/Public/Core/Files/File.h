@@ -19,7 +19,7 @@ public:
 
 	/** Regular files below Root whose file name matches Wildcard, absolute, in ascending byte order. "*.*" and "*" match every
 	 * name; else "*" stands for any text and "?" for one code point, without regard to case. Names that are not valid UTF-8 are
-	 * left out. */
+	 * left out. Kept for callers. */
 	virtual void FindFilesRecursive(TArray<FString>& OutFiles, const FString& Root, const FString& Wildcard) = 0;
 	virtual bool FileExists(const FString& Path) = 0;
 	virtual bool DirectoryExists(const FString& Path) = 0;
@@ -34,7 +34,7 @@ namespace FFileHelper
 constexpr uint64 MaxTextFileBytes = 256ull * 1024 * 1024;
 
 /** Reads a text file: UTF-8 and UTF-16 byte-order marks are honoured and dropped, ill-formed text is repaired. False: missing,
- * unreadable, too large. */
+ * unreadable, too large. Kept for callers. */
 bool LoadFileToString(FString& Out, const FString& Path);
 /** Decodes a file's bytes as LoadFileToString does. Text without a mark and without faults is returned as it lies (no copy: the
  * view may point into Bytes or Scratch). */
@@ -78,7 +78,4 @@ FStringView GetPath(FStringView Path);
 FString Combine(FStringView A, FStringView B);
 /** Absolute form relative to the current folder, without a slash at the end; "." and ".." resolved by text alone. */
 FString ConvertRelativePathToFull(FStringView Path);
-/** A path that stays inside the folder it is relative to: not absolute, no "..", no empty or "." segment, no backslash, no
- * control character. */
-bool IsSafeRelativePath(FStringView Path);
 }

@@ -17,8 +17,6 @@ public:
 	bool IsOpen() const { return Handle.IsOpen(); }
 	/** Reads a regular file below the folder. */
 	EFileRead Read(FStringView RelativePath, std::string& Buffer, uint64 MaxBytes) const;
-	/** A regular file below the folder, reached without any symbolic link. */
-	bool IsFile(FStringView RelativePath) const;
 	/** Stamps of a regular file below this folder, and of a folder ("" is this one), reached without any symbolic link. False
 	 * when there is none. */
 	bool GetFileStamp(FStringView RelativePath, FFileStamp& Out) const;

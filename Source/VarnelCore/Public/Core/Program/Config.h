@@ -32,7 +32,6 @@ public:
 	static FConfigFile Parse(FStringView Text, const FString& FileName, FDiagnosticSink* Diagnostics);
 
 	/** The lines of a section, or null. */
-	const TArray<FConfigLine>* FindSection(const FString& Name) const { return Sections.Find(Name); }
 	const TMap<FString, TArray<FConfigLine>>& GetSections() const { return Sections; }
 	/** Applies a section's lines for one array key to its defaults: the first mention replaces them, Set and Append add, Remove
 	 * removes, Clear empties. */

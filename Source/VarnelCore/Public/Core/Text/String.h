@@ -71,8 +71,6 @@ public:
 	bool EndsWith(FStringView Suffix, ESearchCase Case = ESearchCase::IgnoreCase) const;
 	/** First position at or after Start, in code points; INDEX_NONE when there is none. */
 	int32 Find(FStringView Needle, ESearchCase Case = ESearchCase::IgnoreCase, int32 Start = 0) const;
-	/** Last position, in code points; INDEX_NONE when there is none. */
-	int32 FindLast(FStringView Needle, ESearchCase Case = ESearchCase::IgnoreCase) const;
 
 	FString ToLower() const;
 	FString ToUpper() const;

@@ -41,7 +41,7 @@ struct FSoftObjectPath
 	friend bool operator==(const FSoftObjectPath&, const FSoftObjectPath&) = default;
 };
 
-/** Path of a class. */
+/** Path of a class. Kept for callers. */
 struct FSoftClassPath : FSoftObjectPath
 {
 	using FSoftObjectPath::FSoftObjectPath;

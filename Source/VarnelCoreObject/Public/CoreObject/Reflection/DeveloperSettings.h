@@ -9,6 +9,7 @@ class UDeveloperSettings : public UObject
 {
 public:
 	static UClass* StaticClass();
+	/** Where an editor's settings pages show the class. Kept for callers. */
 	const FString& GetCategoryName() const { return CategoryName; }
 	const FString& GetSectionName() const { return SectionName; }
 

@@ -25,7 +25,7 @@ public:
 		FFolderWatchOptions Options;
 		Options.bTimesOnly = Mode == EFolderWatchMode::Times;
 		Options.TimesInterval = {};
-		Options.EnterFolder = [](std::string_view Path) { return Path != "Left"; };
+		Options.EnterFolder = [](std::string_view Path) { return !Path.ends_with("/In/Left"); };
 		if (Adjust)
 			Adjust(Options);
 		Watch = MakeUnique<FFolderWatch>(TArray<FString>{Disk.Path("In")}, std::move(Options));

@@ -92,7 +92,9 @@ FString McpTools::MakeInstructions(const TArray<FMcpTool>& Tools)
 			Text += FString(" ") + Row.Sentence;
 	}
 	return Text +
-		" The project is opened in the background: the first call may wait for it. Answers are capped; a warning in "
+		" The project is opened in the background: the first call may wait for it. Files that change while the server runs are "
+		"read again before the next call, or within a second where the system does not tell of changes. Answers are capped; a "
+		"warning in "
 		"\"messages\" says so, and narrower arguments show the rest.";
 }
 

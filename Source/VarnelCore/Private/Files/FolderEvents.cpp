@@ -135,11 +135,8 @@ FFileHandle FFolderEvents::OpenFolder(std::string_view Path) const
 
 bool FFolderEvents::IsWatched(std::string_view Path) const
 {
-	std::string_view Relative = Path.substr(FindRoot(Path)->Path.size());
-	if (Relative.empty() || !Options.EnterFolder)
-		return true;
-	Relative.remove_suffix(1);
-	return Options.EnterFolder(Relative);
+	Path.remove_suffix(1);
+	return !Options.EnterFolder || Options.EnterFolder(Path);
 }
 
 /** The folder and all below it, each watched before it is listed. Nothing where there is no folder. */

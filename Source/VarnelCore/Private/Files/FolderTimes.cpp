@@ -39,7 +39,8 @@ FFolderTimes::FListing FFolderTimes::List(const std::string& Root) const
 		Listing.Inode = Status.st_ino;
 	}
 	FFileTreeOptions Tree;
-	Tree.EnterFolder = Options.EnterFolder;
+	if (Options.EnterFolder)
+		Tree.EnterFolder = [&](std::string_view Relative) { return Options.EnterFolder(Root + std::string(Relative)); };
 	Tree.bWithStamps = true;
 	Tree.Stop = Options.Stop;
 	Listing.Files = FFileTree::List(Root, Tree);

@@ -29,9 +29,9 @@ enum class EFolderWatchMode : uint8
 
 struct FFolderWatchOptions
 {
-	/** Whether a folder is watched, by its path relative to the root (no slash at the end). Nothing is told of the others.
+	/** Whether a folder below a root is watched, by its absolute path, no slash at the end. Nothing is told of the others.
 	 * Absent: all are. Called from several threads at once. */
-	std::function<bool(std::string_view RelativePath)> EnterFolder;
+	std::function<bool(std::string_view Path)> EnterFolder;
 	bool bTimesOnly = false;
 	/** In the mode Times files are looked at so often at most; in between nothing is told. */
 	std::chrono::steady_clock::duration TimesInterval = std::chrono::seconds(1);

@@ -342,8 +342,9 @@ class Run:
         answer = json.loads(done.stdout)
         return {"messages": answer["messages"], "data": answer["data"]}
 
-    def compare(self):
-        tool, arguments = self.random_call()
+    def compare(self, tool=None, arguments=None):
+        if not tool:
+            tool, arguments = self.random_call()
         if self.watch == "times":
             time.sleep(0.002)  # the interval
         ours, expected = self.server.call(tool, arguments), self.fresh(tool, arguments)
@@ -377,9 +378,10 @@ class Run:
             sys.exit(f"FAILED: without the folder: {messages}")
         shutil.copytree(away, self.project.folder, symlinks=True)
         shutil.rmtree(away)
-        self.compare()
+        self.log.append("the project is a copy of itself")
+        self.compare("asset_search", {"term": "Lamp"})
         self.log.append(self.project.change_package())
-        self.compare()
+        self.compare("asset_search", {"term": "Lamp"})
 
     def run(self):
         edits = 0

@@ -82,7 +82,7 @@ FJsonArray McpTools::MakeList(const TArray<FMcpTool>& Tools)
 	return List;
 }
 
-FString McpTools::MakeInstructions(const TArray<FMcpTool>& Tools)
+FString McpTools::MakeInstructions(const TArray<FMcpTool>& Tools, bool bFollowsFiles)
 {
 	FString Text =
 		"Answers questions about one game project, the one that was named when the server was started. All tools only read.";
@@ -91,9 +91,11 @@ FString McpTools::MakeInstructions(const TArray<FMcpTool>& Tools)
 		if (Find(Tools, Row.Tool))
 			Text += FString(" ") + Row.Sentence;
 	}
-	return Text +
-		" The project is opened in the background: the first call may wait for it. Files that change while the server runs are "
-		"read again before the next call, or within a second where the system does not tell of changes. Answers are capped; a "
+	return Text + " The project is opened in the background: the first call may wait for it." +
+		(bFollowsFiles ? " Files that change while the server runs are read again before the next call, or within a second where "
+						 "the system does not tell of changes."
+					   : " Assets that change while the server runs are not noticed.") +
+		" Answers are capped; a "
 		"warning in "
 		"\"messages\" says so, and narrower arguments show the rest.";
 }

@@ -10,6 +10,7 @@
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Packages/Loader.h"
 #include "OrivaneCore/DefaultExcludedDirectories.h"
+#include "OrivaneToolkit/AssetOperationBase.h"
 #include "Project/PackageMemory.h"
 #include "Project/ProjectChanges.h"
 #include "Project/ProjectFiles.h"
@@ -209,6 +210,7 @@ FString FProject::GetPackageFileName(FName PackageName)
 
 void FProject::Close()
 {
+	FAssetOperationBase::ForgetTextFiles();
 	PackageMemory::Forget();
 	UnloadAllLoadedPackages();
 	SetPackageLocator(nullptr);

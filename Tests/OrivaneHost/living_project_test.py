@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""A running server answers from the files as they are: random edits of a project with random calls between them, every answer compared with
-that of a fresh process. usage: living_project_test.py ORIVANE SAMPLE_PROJECT [--edits N] [--watch events|times]
+"""A running server and a running console answer from the files as they are: random edits of a project with random calls between them, every
+answer compared with that of a fresh process. usage: living_project_test.py ORIVANE SAMPLE_PROJECT [--edits N] [--watch events|times]
 ORIVANE_TEST_SEED repeats a run."""
 
 import argparse
@@ -69,6 +69,33 @@ class Server:
         self.process.stdin.close()
         if self.process.wait(LIMIT) != 0:
             sys.exit("FAILED: the server ended badly")
+
+
+class Console:
+    """One `orivane console` behind a pipe."""
+
+    END = "help help"  # is refused, on standard error
+
+    def __init__(self, command, folder):
+        self.document = folder / "Saved/Quellar/asset_search.json"
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stderr=subprocess.PIPE, stdout=subprocess.DEVNULL)
+
+    def search(self, line):
+        self.process.stdin.write(f"{line}\n{self.END}\n".encode())
+        self.process.stdin.flush()
+        errors = b""
+        while b"no command 'help'" not in errors:
+            if not select.select([self.process.stderr], [], [], LIMIT)[0]:
+                sys.exit("FAILED: the console is silent")
+            data = os.read(self.process.stderr.fileno(), 1 << 20)
+            if not data:
+                sys.exit("FAILED: the console has ended: " + errors.decode(errors="replace"))
+            errors += data
+        return json.loads(self.document.read_text())
+
+    def end(self):
+        self.process.stdin.close()
+        self.process.wait(LIMIT)
 
 
 class Project:
@@ -321,8 +348,10 @@ class Run:
         self.log = []
         self.calls = 0
         # The server keeps a cache, the fresh processes do not: a fault of the cache would be common to them.
-        self.server = Server([arguments.orivane, "mcp", "--project", str(self.project.folder), "--watch", watch, "--watch-interval", "0.001",
-                              "--max-answer-bytes", "8388608"])
+        self.options = ["--project", str(self.project.folder)]
+        living = [*self.options, "--watch", watch, "--watch-interval", "0.001"]
+        self.server = Server([arguments.orivane, "mcp", *living, "--max-answer-bytes", "8388608"])
+        self.console = Console([arguments.orivane, "console", *living], self.project.folder)
 
     def random_call(self):
         term = self.rng.choice(WORDS)
@@ -337,26 +366,36 @@ class Run:
         return tool, {"asset_path": "/Game/" + "/".join(path.parts[1:]), "relation": self.rng.choice(["dependencies", "referencers", "both"]), "depth": 3}
 
     def fresh(self, tool, arguments):
-        done = subprocess.run([self.arguments.orivane, "call", tool, json.dumps(arguments), "--project", str(self.project.folder), "--no-cache"],
+        done = subprocess.run([self.arguments.orivane, "call", tool, json.dumps(arguments), *self.options, "--no-cache"],
                               capture_output=True, timeout=LIMIT, check=False)
         answer = json.loads(done.stdout)
         return {"messages": answer["messages"], "data": answer["data"]}
 
+    def fresh_search(self, line):
+        subprocess.run([self.arguments.orivane, "console", "-c", line, *self.options, "--no-cache"], capture_output=True, timeout=LIMIT, check=False)
+        return json.loads(self.console.document.read_text())
+
     def compare(self, tool=None, arguments=None):
+        if not tool and self.rng.random() < 0.2:
+            line = f"Orivane.AssetSearch term={self.rng.choice(WORDS)} families={','.join(self.rng.sample(FAMILIES, 3))}"
+            return self.compare_answers(line, lambda: self.console.search(line), lambda: self.fresh_search(line))
         if not tool:
             tool, arguments = self.random_call()
+        self.compare_answers(f"{tool} {json.dumps(arguments)}", lambda: self.server.call(tool, arguments), lambda: self.fresh(tool, arguments))
+
+    def compare_answers(self, question, ask, ask_fresh):
         if self.watch == "times":
             time.sleep(0.002)  # the interval
-        ours, expected = self.server.call(tool, arguments), self.fresh(tool, arguments)
+        ours, expected = ask(), ask_fresh()
         self.calls += 1
         if ours == expected:
             return
-        print(f"FAILED: {tool} {json.dumps(arguments)} differs from a fresh process, watch {self.watch}, seed {self.arguments.seed}; the last edits:")
+        print(f"FAILED: {question} differs from a fresh process, watch {self.watch}, seed {self.arguments.seed}; the last edits:")
         print("\n".join(f"  {edit}" for edit in self.log[-12:]))
-        print("server:", json.dumps(ours)[:4000])
+        print("living:", json.dumps(ours)[:4000])
         print("fresh: ", json.dumps(expected)[:4000])
-        again = self.server.call(tool, arguments)
-        print("asked again the server", "answers as the fresh process" if again == expected else "answers the same" if again == ours else "differs again")
+        again = ask()
+        print("asked again it", "answers as the fresh process" if again == expected else "answers the same" if again == ours else "differs again")
         sys.exit(f"kept: {self.scratch}")
 
     def descriptor_goes_and_comes(self):
@@ -399,6 +438,7 @@ class Run:
         self.descriptor_goes_and_comes()
         self.folder_goes_and_comes()
         self.server.end()
+        self.console.end()
         shutil.rmtree(self.scratch)
         print(f"{self.watch}: {edits} edits, {self.calls} answers compared")
 

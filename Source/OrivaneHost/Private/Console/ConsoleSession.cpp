@@ -67,7 +67,7 @@ void RefreshProject()
 		Terminal::PrintError("files were read again, with faults; see: orivane check\n");
 	if (const FString& Trouble = FProject::GetTrouble(); !Trouble.IsEmpty())
 		Terminal::PrintError("the project cannot be opened again after a change: " + Terminal::Sanitize(Trouble) +
-			"; what follows tells of its assets as they were before\n");
+			(FProject::IsOpen() ? "; what follows tells of its assets as they were before\n" : "\n"));
 }
 
 int Fail(const FString& Error)

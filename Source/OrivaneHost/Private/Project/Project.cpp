@@ -280,6 +280,19 @@ bool RefreshSettings(FOpenProject& Project, FDiagnosticSink& Diagnostics)
 	return true;
 }
 
+void TakeChanges(FOpenProject& Project)
+{
+	try
+	{
+		Project.Changes.Add(Project.Watch->Take(), Project.Summary.Folder, Project.Scan.Sources);
+	}
+	catch (...) // out of memory: what was taken is not told again
+	{
+		Project.Changes.bReopen = true;
+		throw;
+	}
+}
+
 bool HavePluginsChanged(const FProjectSummary& Summary)
 {
 	FDiagnosticSink Ignored;
@@ -365,7 +378,7 @@ bool FProject::Refresh(FDiagnosticSink& Diagnostics)
 	if (!Project.Watch && Project.Changes.IsEmpty())
 		return Project.bOpen && RefreshSettings(Project, Diagnostics);
 	if (Project.Watch)
-		Project.Changes.Add(Project.Watch->Take(), Project.Summary.Folder, Project.Scan.Sources);
+		TakeChanges(Project);
 	if (Project.Changes.IsEmpty())
 		return false;
 	if (Project.Changes.bReopen || (Project.Changes.bPlugins && HavePluginsChanged(Project.Summary)))

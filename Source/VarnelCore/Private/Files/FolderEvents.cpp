@@ -71,7 +71,7 @@ FFolderEvents::FFolderEvents(const std::vector<std::string>& InRoots, const FFol
 
 void FFolderEvents::Start()
 {
-	bLost = false;
+	bLost = true; // should memory run out on the way
 	Folders.clear();
 	Watches.clear();
 	Ancestors.clear();
@@ -80,6 +80,7 @@ void FFolderEvents::Start()
 		return Fail("the system gives no events (" + FString::FromExternal(std::strerror(errno)) + ")");
 	for (FRoot& Root : Roots)
 		StartRoot(Root);
+	bLost = Options.Stop.stop_requested();
 }
 
 void FFolderEvents::StartRoot(FRoot& Root)

@@ -9,12 +9,12 @@
 #include "CoreObject/Declarations/ScriptModule.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Packages/Loader.h"
-#include "OrivaneCore/DefaultExcludedDirectories.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Project/PackageMemory.h"
 #include "Project/ProjectChanges.h"
 #include "Project/ProjectFiles.h"
 #include "Project/ProjectRegistry.h"
+#include "Project/ProjectWatch.h"
 #include "Project/UserFolders.h"
 
 #include <cerrno>
@@ -92,37 +92,6 @@ TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>> GetClassParents()
 				Parents.Add({Class.GetStructPathName(), Super->GetStructPathName()});
 		});
 	return Parents;
-}
-
-/** Generated folders of the project's own are not watched, or what the program writes there would be a change. */
-FFolderWatchOptions MakeWatchOptions(const FProjectOptions& Options, const FString& Folder, const FString& EngineContent)
-{
-	TArray<FString> Left;
-	for (const FString& Name : Orivane::Tarnwell::DefaultExcludedDirectories)
-	{
-		if (!EngineContent.StartsWith(Folder + Name + "/", ESearchCase::CaseSensitive))
-			Left.Add(Folder + Name);
-	}
-	FFolderWatchOptions Watch;
-	Watch.EnterFolder = [Left](std::string_view Path)
-	{ return !Left.ContainsByPredicate([Path](const FString& Each) { return Each.View() == Path; }); };
-	Watch.bTimesOnly = Options.Watch == EProjectWatch::Times;
-	Watch.TimesInterval = Options.WatchInterval;
-	Watch.Stop = Options.Stop;
-	return Watch;
-}
-
-/** Null where nothing is to be watched. Before the first look at any of the files. */
-TUniquePtr<FFolderWatch> MakeWatch(const FProjectOptions& Options, const FString& Folder)
-{
-	if (Options.Watch == EProjectWatch::Off)
-		return nullptr;
-	TArray<FString> Roots = {Folder};
-	const FString Engine =
-		Options.EngineContent.IsEmpty() ? FString() : FPaths::ConvertRelativePathToFull(Options.EngineContent) + "/";
-	if (!Engine.IsEmpty() && !Engine.StartsWith(Folder, ESearchCase::CaseSensitive))
-		Roots.Add(Engine);
-	return MakeUnique<FFolderWatch>(Roots, MakeWatchOptions(Options, Folder, Engine));
 }
 
 /** For an opening later: what the first one was given may be gone by then. */
@@ -238,7 +207,7 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	}
 	Summary.Folder = FPaths::ProjectDir();
 	Opened.Options = MakeLastingOptions(Options, Summary.Folder);
-	Opened.Watch = MakeWatch(Options, Summary.Folder);
+	Opened.Watch = MakeProjectWatch(Options, Summary.Folder);
 	if (Options.Watch == EProjectWatch::Events && Opened.Watch->GetMode() != EFolderWatchMode::Events)
 	{
 		OutError = "it cannot be watched by events, because " + Opened.Watch->GetReason() + "; open it with --watch auto";
@@ -398,9 +367,5 @@ const FString& FProject::GetTrouble()
 
 FString FProject::DescribeWatch()
 {
-	const FFolderWatch* const Watch = GetOpenProject().Watch.get();
-	if (!Watch)
-		return "off";
-	return Watch->GetMode() == EFolderWatchMode::Events ? FString("watching (inotify)")
-														: "folder times, because " + Watch->GetReason();
+	return DescribeProjectWatch(GetOpenProject().Watch.get());
 }

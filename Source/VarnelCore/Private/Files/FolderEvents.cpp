@@ -86,9 +86,10 @@ void FFolderEvents::Start()
 void FFolderEvents::StartRoot(FRoot& Root)
 {
 	WatchAncestors(Root.Path);
-	Root.bThere = OpenRoot(Root.Path).IsOpen();
-	if (Root.bThere)
-		WatchTree(Root.Path);
+	WatchTree(Root.Path);
+	Root.bThere = Folders.contains(Root.Path);
+	if (!Root.bThere && OpenRoot(Root.Path).IsOpen())
+		Fail(FString::FromExternal(Root.Path) + " cannot be read");
 }
 
 /** A root moves with any folder above it, which alone is told so. Those that cannot be read cannot be watched. */

@@ -147,9 +147,15 @@ bool FFolderListings::HoldsTextFileBelow(const std::string& Folder) const
 	return bFound;
 }
 
+TUniquePtr<FFolderListings>& GetKept()
+{
+	static TUniquePtr<FFolderListings> Kept;
+	return Kept;
+}
+
 FFolderListings& GetListings(const FString& ProjectDir)
 {
-	static TUniquePtr<FFolderListings> Listings;
+	TUniquePtr<FFolderListings>& Listings = GetKept();
 	if (!Listings || !Listings->IsOf(ProjectDir))
 		Listings = MakeUnique<FFolderListings>(ProjectDir);
 	return *Listings;
@@ -159,6 +165,11 @@ FFolderListings& GetListings(const FString& ProjectDir)
 void SetTextFileRule(FIsTextFile Rule)
 {
 	TextFileRule = Rule;
+}
+
+void ForgetTextFileFolders()
+{
+	GetKept() = nullptr;
 }
 
 bool TextFileExists(const FString& Stem)

@@ -125,15 +125,6 @@ FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FStri
 	return Scan;
 }
 
-/** Brings the registry to what the files are now. False when stopped: it is then what it was. */
-bool ScanPackages(FRegistryScanOptions Scan, std::stop_token Stop, FDiagnosticSink& Diagnostics, FRegistryScanReport& OutReport)
-{
-	const FFindInBlueprintSearchManager::FIndexingRun Indexing(std::move(Stop));
-	Scan.Stop = Indexing.GetStopToken();
-	Scan.Diagnostics = &Diagnostics;
-	return GetProjectRegistry().Scan(Scan, OutReport);
-}
-
 FString MakeShort(const FString& File)
 {
 	const FString& ProjectDir = FPaths::ProjectDir();
@@ -224,7 +215,12 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	MountRoots(Summary, Options.EngineContent);
 
 	GetProjectRegistry().SetClassParents(GetClassParents());
-	if (!ScanPackages(MakeScanOptions(Options, Summary.Folder), Options.Stop, Diagnostics, Summary.Scan))
+	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Options.Stop);
+	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
+	FRegistryScanOptions Scan = MakeScanOptions(Options, Summary.Folder);
+	Scan.Stop = Indexing.GetStopToken();
+	Scan.Diagnostics = &Diagnostics;
+	if (!GetProjectRegistry().Scan(Scan, Summary.Scan))
 	{
 		OutError = "opening was interrupted";
 		return false;
@@ -232,7 +228,6 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	SetPackageLocator(LocatePackage);
 	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
-	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
 	Opened.bOpen = true;
 	GetOpenProject() = std::move(Opened);
 	return true;
@@ -332,7 +327,12 @@ bool Reopen(FDiagnosticSink& Diagnostics)
 
 bool RefreshPackages(FOpenProject& Project, FDiagnosticSink& Diagnostics)
 {
-	if (!ScanPackages(Project.Scan, Project.Options.Stop, Diagnostics, Project.Summary.Scan))
+	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Project.Options.Stop);
+	FRegistryScanOptions Scan = Project.Scan;
+	Scan.Stop = Indexing.GetStopToken();
+	Scan.Diagnostics = &Diagnostics;
+	FRegistryScanReport Report;
+	if (GetProjectRegistry().Update(Scan, Project.Changes.Files, Project.Changes.Folders, Report) == ERegistryUpdate::Stopped)
 		return false;
 	DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
 	RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);

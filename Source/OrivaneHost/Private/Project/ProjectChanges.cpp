@@ -26,10 +26,14 @@ void FProjectChanges::Add(
 void FProjectChanges::AddFile(std::string_view Path, std::string_view ProjectFolder, const TArray<const IPackageSource*>& Sources)
 {
 	FString Package;
+	const auto IsAbove = [Path](const FPackageName::FMountPoint& Mount) { return Path.starts_with(Mount.Folder.View()); };
 	const auto IsPackage = [Path](const IPackageSource* Source) { return Source->IsPackageFile(Path); };
-	if (Unicode::IsValidUtf8(Path) && Sources.ContainsByPredicate(IsPackage) &&
-		FPackageName::TryConvertPackageFileToLongPackageName(Path, Package))
-		Packages.Add(FName(Package));
+	if (FPackageName::GetMountPoints().ContainsByPredicate(IsAbove) && Sources.ContainsByPredicate(IsPackage))
+	{
+		Files.emplace_back(Path);
+		if (Unicode::IsValidUtf8(Path) && FPackageName::TryConvertPackageFileToLongPackageName(Path, Package))
+			Packages.Add(FName(Package));
+	}
 	if (!Path.starts_with(ProjectFolder))
 		return;
 	Path.remove_prefix(ProjectFolder.size());
@@ -41,10 +45,14 @@ void FProjectChanges::AddFolder(std::string_view Path, std::string_view ProjectF
 {
 	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
 	{
-		if (Path.starts_with(Mount.Folder.View()) && Unicode::IsValidUtf8(Path))
-			PackageFolders.Add(Mount.Root + "/" + FString(Path.substr(Mount.Folder.View().size())));
-		else if (Mount.Folder.View().starts_with(Path))
+		const bool bInside = Path.starts_with(Mount.Folder.View());
+		if (!bInside && !Mount.Folder.View().starts_with(Path))
+			continue;
+		Folders.emplace_back(Path);
+		if (!bInside)
 			PackageFolders.Add(Mount.Root + "/");
+		else if (Unicode::IsValidUtf8(Path))
+			PackageFolders.Add(Mount.Root + "/" + FString(Path.substr(Mount.Folder.View().size())));
 	}
 	if (!Path.starts_with(ProjectFolder))
 		return;

@@ -125,15 +125,6 @@ FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FStri
 	return Scan;
 }
 
-/** Brings the registry to what the files are now. False when stopped: it is then what it was. */
-bool ScanPackages(FRegistryScanOptions Scan, std::stop_token Stop, FDiagnosticSink& Diagnostics, FRegistryScanReport& OutReport)
-{
-	const FFindInBlueprintSearchManager::FIndexingRun Indexing(std::move(Stop));
-	Scan.Stop = Indexing.GetStopToken();
-	Scan.Diagnostics = &Diagnostics;
-	return GetProjectRegistry().Scan(Scan, OutReport);
-}
-
 FString MakeShort(const FString& File)
 {
 	const FString& ProjectDir = FPaths::ProjectDir();
@@ -224,7 +215,11 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	MountRoots(Summary, Options.EngineContent);
 
 	GetProjectRegistry().SetClassParents(GetClassParents());
-	if (!ScanPackages(MakeScanOptions(Options, Summary.Folder), Options.Stop, Diagnostics, Summary.Scan))
+	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Options.Stop);
+	FRegistryScanOptions Scan = MakeScanOptions(Options, Summary.Folder);
+	Scan.Stop = Indexing.GetStopToken();
+	Scan.Diagnostics = &Diagnostics;
+	if (!GetProjectRegistry().Scan(Scan, Summary.Scan))
 	{
 		OutError = "opening was interrupted";
 		return false;
@@ -330,13 +325,20 @@ bool Reopen(FDiagnosticSink& Diagnostics)
 	return Project.bOpen;
 }
 
-bool RefreshPackages(FOpenProject& Project, FDiagnosticSink& Diagnostics)
+ERegistryUpdate RefreshPackages(const FOpenProject& Project, FDiagnosticSink& Diagnostics)
 {
-	if (!ScanPackages(Project.Scan, Project.Options.Stop, Diagnostics, Project.Summary.Scan))
-		return false;
-	DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
-	RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);
-	return true;
+	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Project.Options.Stop);
+	FRegistryScanOptions Scan = Project.Scan;
+	Scan.Stop = Indexing.GetStopToken();
+	Scan.Diagnostics = &Diagnostics;
+	FRegistryScanReport Report;
+	const ERegistryUpdate Done = GetProjectRegistry().Update(Scan, Project.Changes.Files, Project.Changes.Folders, Report);
+	if (Done == ERegistryUpdate::Updated)
+	{
+		DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
+		RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);
+	}
+	return Done;
 }
 }
 
@@ -354,10 +356,13 @@ bool FProject::Refresh(FDiagnosticSink& Diagnostics)
 		return Reopen(Diagnostics);
 	if (Project.Changes.bSettings)
 		ReadSettings(Project, Project.Summary.Folder, Diagnostics);
-	if (Project.Changes.HasPackages() && !RefreshPackages(Project, Diagnostics))
+	const ERegistryUpdate Packages =
+		Project.Changes.HasPackages() ? RefreshPackages(Project, Diagnostics) : ERegistryUpdate::Unchanged;
+	if (Packages == ERegistryUpdate::Stopped)
 		return false;
+	const bool bRead = Project.Changes.bSettings || Packages == ERegistryUpdate::Updated;
 	Project.Changes = {};
-	return true;
+	return bRead;
 }
 
 const FString& FProject::GetTrouble()

@@ -26,10 +26,12 @@ void FProjectChanges::Add(
 void FProjectChanges::AddFile(std::string_view Path, std::string_view ProjectFolder, const TArray<const IPackageSource*>& Sources)
 {
 	FString Package;
-	const auto IsPackage = [Path](const IPackageSource* Source) { return Source->IsPackageFile(Path); };
-	if (Unicode::IsValidUtf8(Path) && Sources.ContainsByPredicate(IsPackage) &&
-		FPackageName::TryConvertPackageFileToLongPackageName(Path, Package))
-		Packages.Add(FName(Package));
+	if (Sources.ContainsByPredicate([Path](const IPackageSource* Source) { return Source->IsPackageFile(Path); }))
+	{
+		Files.emplace_back(Path);
+		if (Unicode::IsValidUtf8(Path) && FPackageName::TryConvertPackageFileToLongPackageName(Path, Package))
+			Packages.Add(FName(Package));
+	}
 	if (!Path.starts_with(ProjectFolder))
 		return;
 	Path.remove_prefix(ProjectFolder.size());
@@ -39,6 +41,7 @@ void FProjectChanges::AddFile(std::string_view Path, std::string_view ProjectFol
 
 void FProjectChanges::AddFolder(std::string_view Path, std::string_view ProjectFolder)
 {
+	Folders.emplace_back(Path);
 	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
 	{
 		if (Path.starts_with(Mount.Folder.View()) && Unicode::IsValidUtf8(Path))

@@ -13,8 +13,11 @@ struct FProjectChanges
 	bool bSettings = false;
 	TSet<FName> Packages;			// whose files changed
 	TArray<FString> PackageFolders; // "/Game/UI/", with everything below
+	// For the registry, as they were told.
+	std::vector<std::string> Files;
+	std::vector<std::string> Folders;
 
-	bool HasPackages() const { return !Packages.IsEmpty() || !PackageFolders.IsEmpty(); }
+	bool HasPackages() const { return !Files.empty() || !Folders.empty(); }
 	bool IsEmpty() const { return !bReopen && !bPlugins && !bSettings && !HasPackages(); }
 	bool Concerns(FName Package) const;
 	/** Files that mean nothing, such as texts, which are read whenever they are searched, add nothing. Paths as the mount points

@@ -216,7 +216,6 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 
 	GetProjectRegistry().SetClassParents(GetClassParents());
 	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Options.Stop);
-	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
 	FRegistryScanOptions Scan = MakeScanOptions(Options, Summary.Folder);
 	Scan.Stop = Indexing.GetStopToken();
 	Scan.Diagnostics = &Diagnostics;
@@ -228,6 +227,7 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	SetPackageLocator(LocatePackage);
 	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
+	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
 	Opened.bOpen = true;
 	GetOpenProject() = std::move(Opened);
 	return true;
@@ -325,18 +325,20 @@ bool Reopen(FDiagnosticSink& Diagnostics)
 	return Project.bOpen;
 }
 
-bool RefreshPackages(FOpenProject& Project, FDiagnosticSink& Diagnostics)
+ERegistryUpdate RefreshPackages(const FOpenProject& Project, FDiagnosticSink& Diagnostics)
 {
 	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Project.Options.Stop);
 	FRegistryScanOptions Scan = Project.Scan;
 	Scan.Stop = Indexing.GetStopToken();
 	Scan.Diagnostics = &Diagnostics;
 	FRegistryScanReport Report;
-	if (GetProjectRegistry().Update(Scan, Project.Changes.Files, Project.Changes.Folders, Report) == ERegistryUpdate::Stopped)
-		return false;
-	DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
-	RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);
-	return true;
+	const ERegistryUpdate Done = GetProjectRegistry().Update(Scan, Project.Changes.Files, Project.Changes.Folders, Report);
+	if (Done == ERegistryUpdate::Updated)
+	{
+		DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
+		RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);
+	}
+	return Done;
 }
 }
 
@@ -354,10 +356,13 @@ bool FProject::Refresh(FDiagnosticSink& Diagnostics)
 		return Reopen(Diagnostics);
 	if (Project.Changes.bSettings)
 		ReadSettings(Project, Project.Summary.Folder, Diagnostics);
-	if (Project.Changes.HasPackages() && !RefreshPackages(Project, Diagnostics))
+	const ERegistryUpdate Packages =
+		Project.Changes.HasPackages() ? RefreshPackages(Project, Diagnostics) : ERegistryUpdate::Unchanged;
+	if (Packages == ERegistryUpdate::Stopped)
 		return false;
+	const bool bRead = Project.Changes.bSettings || Packages == ERegistryUpdate::Updated;
 	Project.Changes = {};
-	return true;
+	return bRead;
 }
 
 const FString& FProject::GetTrouble()

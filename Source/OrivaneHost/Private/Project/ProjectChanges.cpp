@@ -26,9 +26,7 @@ void FProjectChanges::Add(
 void FProjectChanges::AddFile(std::string_view Path, std::string_view ProjectFolder, const TArray<const IPackageSource*>& Sources)
 {
 	FString Package;
-	const auto IsAbove = [Path](const FPackageName::FMountPoint& Mount) { return Path.starts_with(Mount.Folder.View()); };
-	const auto IsPackage = [Path](const IPackageSource* Source) { return Source->IsPackageFile(Path); };
-	if (FPackageName::GetMountPoints().ContainsByPredicate(IsAbove) && Sources.ContainsByPredicate(IsPackage))
+	if (Sources.ContainsByPredicate([Path](const IPackageSource* Source) { return Source->IsPackageFile(Path); }))
 	{
 		Files.emplace_back(Path);
 		if (Unicode::IsValidUtf8(Path) && FPackageName::TryConvertPackageFileToLongPackageName(Path, Package))
@@ -43,16 +41,13 @@ void FProjectChanges::AddFile(std::string_view Path, std::string_view ProjectFol
 
 void FProjectChanges::AddFolder(std::string_view Path, std::string_view ProjectFolder)
 {
+	Folders.emplace_back(Path);
 	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
 	{
-		const bool bInside = Path.starts_with(Mount.Folder.View());
-		if (!bInside && !Mount.Folder.View().starts_with(Path))
-			continue;
-		Folders.emplace_back(Path);
-		if (!bInside)
-			PackageFolders.Add(Mount.Root + "/");
-		else if (Unicode::IsValidUtf8(Path))
+		if (Path.starts_with(Mount.Folder.View()) && Unicode::IsValidUtf8(Path))
 			PackageFolders.Add(Mount.Root + "/" + FString(Path.substr(Mount.Folder.View().size())));
+		else if (Mount.Folder.View().starts_with(Path))
+			PackageFolders.Add(Mount.Root + "/");
 	}
 	if (!Path.starts_with(ProjectFolder))
 		return;

@@ -13,7 +13,7 @@ struct FProjectChanges
 	bool bSettings = false;
 	TSet<FName> Packages;			// whose files changed
 	TArray<FString> PackageFolders; // "/Game/UI/", with everything below
-	// Where these packages lie: absolute, folders with a slash at the end
+	// For the registry, as they were told.
 	std::vector<std::string> Files;
 	std::vector<std::string> Folders;
 

@@ -41,6 +41,7 @@ expect "a number that is none" 2 'max-total-hits' "$orivane" search x --max-tota
 expect "a time that is not a number" 2 "time-limit: 'nan' is not a time from 0.001 to 86400 seconds" "$orivane" search x --time-limit nan
 expect "more time than there is" 2 "deadline: '1e30' is not a time" "$orivane" mcp --deadline 1e30
 expect "memory for nothing" 2 'object-memory' "$orivane" search x --object-memory 0
+expect "a way to notice changes that is none" 2 "watch: 'sometimes' is none of: auto, events, times, off" "$orivane" mcp --watch sometimes
 expect "no command" 2 'orivane --help' "$orivane"
 expect "help has examples" 0 'Examples:' "$orivane" search --help
 expect "version" 0 '^[0-9]+\.[0-9]+\.[0-9]+$' "$orivane" --version
@@ -103,6 +104,7 @@ done
 expect "nor is the current folder" 3 'is not valid UTF-8' env --chdir="$scratch/odd/bad"$'\xff' "$orivane" search BB_
 [ "$(find "$scratch/odd" -mindepth 1 -maxdepth 1 | wc -l)" -eq 2 ] || { echo "FAILED: something was made beside the project"; failures=$((failures + 1)); }
 expect "info counts" 0 'packages' "$orivane" info --project "$project"
+expect "info tells how changes would be noticed" 0 '^changes +(watching \(inotify\)|folder times, because )' "$orivane" info --project "$project"
 expect "info as JSON" 0 '^\{"name":"Lantern"' "$orivane" info --json --project "$project"
 expect "the sample is clean" 0 '0 error' "$orivane" check --project "$project"
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <new>
+#include <stdexcept>
 #include <stop_token>
 #include <thread>
 
@@ -152,6 +153,31 @@ TEST_F(ToolExecutor, ACallThatNeverCompletesIsAnsweredAndTheNextOneWorks)
 	EXPECT_EQ(Answers, "a: Tool 'sequential' did not complete within 3 s") << "the late completion is dropped";
 	Sequential->Complete("b");
 	EXPECT_EQ(Answers, "a: Tool 'sequential' did not complete within 3 s | b: done") << "waiting did not count";
+}
+
+TEST_F(ToolExecutor, PreparesACallWhenItIsItsTurn)
+{
+	const auto CallPrepared = [this](const char* Id, std::function<void()> BeforeStart)
+	{
+		Executor->Call({Id, "sequential", "{}"}, {.TimeLimit = 1s, .ExplainTimeOut = {}, .BeforeStart = std::move(BeforeStart)},
+			[this, Id](FToolResult& Result)
+			{ Answers += std::string(Id) + ": " + Result.GetMessages()[0].Text.ToStdString() + "; "; });
+	};
+	const auto Note = [this]
+	{
+		Sequential->Started += "+";
+		Now += 2s; // does not count
+	};
+	CallPrepared("a", Note);
+	CallPrepared("b", [] { throw std::runtime_error("no memory"); });
+	CallPrepared("c", Note);
+	Pump();
+	EXPECT_EQ(Sequential->Started, "+a") << "not before the call that is waited for is done";
+	Sequential->Complete("a");
+	Pump();
+	EXPECT_EQ(Sequential->Started, "+a+c");
+	Sequential->Complete("c");
+	EXPECT_EQ(Answers, "a: done; b: Tool 'sequential' failed: no memory; c: done; ");
 }
 
 TEST_F(ToolExecutor, TimeOutsSayWhy)

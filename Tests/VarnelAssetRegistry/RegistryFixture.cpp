@@ -126,6 +126,7 @@ void FRegistryProject::SetClassParents(const FClassParents& ChildAndParent)
 	for (const auto& [Child, Parent] : ChildAndParent)
 		Paths.Add({FTopLevelAssetPath(Child), FTopLevelAssetPath(Parent)});
 	Registry.SetClassParents(Paths);
+	Parents = Paths;
 }
 
 FRegistryScanOptions FRegistryProject::MakeOptions() const
@@ -135,6 +136,7 @@ FRegistryScanOptions FRegistryProject::MakeOptions() const
 	Options.Roots.Append(ExtraRoots);
 	Options.Sources.Add(&Source);
 	Options.ProjectFolder = Folder.Path() + "/";
+	Options.FoldAt = FoldAt;
 	Options.CacheFolders.Add(Folder.Path("Intermediate") + "/");
 	return Options;
 }
@@ -162,6 +164,22 @@ FRegistryScanReport FRegistryProject::Scan(FRegistryScanOptions Options)
 	for (const FDiagnostic& Diagnostic : Sink.GetSorted())
 		Faults += Diagnostic.File.ToStdString() + " [" + Diagnostic.Rule.ToStdString() + "]\n";
 	return Report;
+}
+
+FRegistryScanReport FRegistryProject::Update(const std::vector<std::string>& Files, const std::vector<std::string>& Folders)
+{
+	FRegistryScanReport Report;
+	EXPECT_NE(Registry.Update(MakeOptions(), Files, Folders, Report), ERegistryUpdate::Stopped);
+	return Report;
+}
+
+FRegistryProject::FFresh::FFresh(const FRegistryProject& Project)
+{
+	FRegistryScanOptions Options = Project.MakeOptions();
+	Options.Cache = ERegistryCache::Ignore;
+	Registry.SetClassParents(Project.Parents);
+	FRegistryScanReport Report;
+	EXPECT_TRUE(Registry.Scan(Options, Report));
 }
 
 std::string FRegistryProject::Dump() const

@@ -52,6 +52,15 @@ public:
 	FRegistryScanReport ScanCached();
 	FRegistryScanReport Scan(FRegistryScanOptions Options);
 
+	/** After files have changed; absolute paths. */
+	FRegistryScanReport Update(const std::vector<std::string>& Files, const std::vector<std::string>& Folders = {});
+	/** A registry that reads everything of a project anew. */
+	struct FFresh
+	{
+		explicit FFresh(const FRegistryProject& Project);
+		FAssetRegistry Registry;
+	};
+
 	/** The whole registry as text. */
 	std::string Dump() const;
 	/** Faults of the last scan, one a line. */
@@ -61,9 +70,10 @@ public:
 	FLineSource Source;
 	FAssetRegistry Registry;
 	TArray<FRegistryRoot> ExtraRoots;
+	int32 FoldAt = 512;
 
 private:
-	FClassParents Parents;
+	TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>> Parents;
 	std::string Faults;
 };
 

@@ -130,7 +130,7 @@ TEST(StreamSearch, CountsWhatLookingAtEveryEntryCounts)
 		{
 			int32 NumMatches = 0;
 			const auto [Begin, End] = Index.GetEntries(Blueprint);
-			for (int32 Number = Begin; Number < End && !Index.IsRegistryFiltered(Blueprint); ++Number)
+			for (int32 Number = Begin; Number < End && !Index.IsHidden(Blueprint); ++Number)
 			{
 				const FBlueprintIndexView::FEntry Entry = Index.GetEntry(Number);
 				const auto Matches = [&](int32 Text)

@@ -78,6 +78,11 @@ void FAssetOperationBase::SetTextFileRule(FIsTextFile Rule)
 	::SetTextFileRule(Rule);
 }
 
+void FAssetOperationBase::ForgetTextFiles()
+{
+	ForgetTextFileFolders();
+}
+
 FString FAssetOperationBase::SerializeJson(const TSharedPtr<FJsonObject>& Object)
 {
 	return Object ? Json::Write(*Object) : FString("{}");

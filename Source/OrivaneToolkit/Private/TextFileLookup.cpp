@@ -160,9 +160,15 @@ bool FFolderListings::HoldsTextFileBelow(const std::string& Folder) const
 	return bFound;
 }
 
+TUniquePtr<FFolderListings>& GetKept()
+{
+	static TUniquePtr<FFolderListings> Kept;
+	return Kept;
+}
+
 FFolderListings& GetListings(const FString& ProjectDir)
 {
-	static TUniquePtr<FFolderListings> Listings;
+	TUniquePtr<FFolderListings>& Listings = GetKept();
 	if (!Listings || !Listings->IsOf(ProjectDir))
 		Listings = MakeUnique<FFolderListings>(ProjectDir);
 	return *Listings;
@@ -183,6 +189,11 @@ void BeginLookingOnce()
 void EndLookingOnce()
 {
 	--LookingOnce.Depth;
+}
+
+void ForgetTextFileFolders()
+{
+	GetKept() = nullptr;
 }
 
 bool TextFileExists(const FString& Stem)

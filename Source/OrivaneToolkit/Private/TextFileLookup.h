@@ -3,6 +3,8 @@
 #include "OrivaneToolkit/AssetOperationBase.h"
 
 void SetTextFileRule(FIsTextFile Rule);
+/** What is kept of folders is that of the project's folder as it was opened first. */
+void ForgetTextFileFolders();
 /**
  * Whether the project holds a text file whose path relative to the project, cut at its first dot, equals Stem without regard to
  * case, whichever of several folders that differ in case it lies in. No link is followed. Answers are always those of the file

@@ -229,7 +229,7 @@ private:
 
 void FToolExecutor::Run(const FCallPtr& Call)
 {
-	if (!Start(Call))
+	if (!Prepare(Call) || !Start(Call))
 		return;
 	// Taken out of the call: a tool that keeps its completion, and with it the call, must not keep itself alive.
 	const TSharedPtr<ITool> Tool = std::move(Call->Tool);
@@ -238,6 +238,27 @@ void FToolExecutor::Run(const FCallPtr& Call)
 		return Execute(*Tool, Call, Result);
 	Result->AddErrorMessage(DescribeUnknownTool(Call->Command, GetToolNames()));
 	Answer(Call, *Result);
+}
+
+bool FToolExecutor::Prepare(const FCallPtr& Call)
+{
+	{
+		std::lock_guard Guard(Lock);
+		if (!OpenCalls.contains(Call->Id))
+			return false;
+	}
+	try
+	{
+		if (Call->Options.BeforeStart)
+			Call->Options.BeforeStart();
+	}
+	catch (const std::exception& Failure)
+	{
+		if (Close(Call))
+			DeliverError(Call, DescribeToolFailure(Call->Command, DescribeFailure(Failure)));
+		return false;
+	}
+	return true;
 }
 
 bool FToolExecutor::Start(const FCallPtr& Call)

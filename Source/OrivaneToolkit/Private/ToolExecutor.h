@@ -72,7 +72,8 @@ private:
 	void Dispatch(const FCallPtr& Call);
 	void DispatchNextSequential();
 	void Run(const FCallPtr& Call);
-	/** False when somebody has answered it already. */
+	/** These are false when somebody has answered it already. */
+	bool Prepare(const FCallPtr& Call);
 	bool Start(const FCallPtr& Call);
 	void Execute(ITool& Tool, const FCallPtr& Call, const TSharedPtr<FToolResult>& Result);
 	/** Takes the call off the books; false when somebody else has done so. */

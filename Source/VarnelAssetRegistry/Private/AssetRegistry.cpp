@@ -3,64 +3,29 @@
 #include "AssetRegistry/BlueprintIndex.h"
 #include "Core/Text/Unicode.h"
 #include "Queries/RegistryDump.h"
+#include "Queries/RegistryOverlay.h"
 #include "Queries/RegistryQuery.h"
-#include "Queries/RegistrySnapshot.h"
-#include "Scan/RegistryScan.h"
-
-#include <mutex>
+#include "Scan/LiveRegistry.h"
 
 namespace
 {
-bool IsHidden(const FRegistryImage& Image, uint32 Asset, bool bSkipARFilteredAssets)
+bool AppendNeighbours(
+	const FRegistrySnapshot& Snapshot, const FRegistrySnapshot::FNeighbours& Neighbours, TArray<FPackageDependency>& Out)
 {
-	return bSkipARFilteredAssets && Image.IsFiltered(Asset);
-}
-
-bool AppendNeighbours(const FRegistrySnapshot& State, FName PackageName, std::span<const uint32> First,
-	std::span<const uint32> Neighbours, std::span<const uint8> Flags, TArray<FPackageDependency>& Out)
-{
-	const uint32 Node = State.Names.FindNode(PackageName);
-	if (Node == NoId)
-		return false;
-	const FRowRange Range = FRegistryTables::RangeOf(First, Node);
-	Out.Reserve(Out.Num() + static_cast<int32>(Range.Num()));
-	for (uint32 Edge = Range.Begin; Edge < Range.End; ++Edge)
-		Out.Add({State.Names.GetNode(Neighbours[Edge]), Flags[Edge]});
+	Out.Reserve(Out.Num() + static_cast<int32>(Neighbours.Nodes.size()));
+	for (std::size_t Edge = 0; Edge < Neighbours.Nodes.size(); ++Edge)
+		Out.Add({Snapshot.GetNodeName(Neighbours.Nodes[Edge]), Neighbours.Flags[Edge]});
 	return true;
 }
 
-int32 CountNeighbours(const FRegistrySnapshot& State, FName PackageName, std::span<const uint32> First)
+FRegistrySnapshot::FRow FindRow(const FRegistrySnapshot& Snapshot, FName Name)
 {
-	const uint32 Node = State.Names.FindNode(PackageName);
-	return Node == NoId ? 0 : static_cast<int32>(FRegistryTables::RangeOf(First, Node).Num());
+	const uint32 Node = Snapshot.FindNode(Name);
+	return Node == NoId ? FRegistrySnapshot::FRow{*Snapshot.Base, NoId} : Snapshot.FindPackage(Node);
 }
 }
 
-struct FAssetRegistry::FState
-{
-	using FSnapshotPtr = TSharedPtr<const FRegistrySnapshot>;
-
-	/** A query works on what it took here, whatever a scan does meanwhile. */
-	FSnapshotPtr Take() const
-	{
-		const std::lock_guard Guard(Lock);
-		return Current;
-	}
-	void Set(FSnapshotPtr New)
-	{
-		const std::lock_guard Guard(Lock);
-		Current.swap(New); // the old one is freed behind the lock
-	}
-
-	std::mutex ScanLock; // one scan at a time; guards ClassParents
-	FRegistryScan::FClassParents ClassParents;
-
-private:
-	mutable std::mutex Lock;
-	FSnapshotPtr Current = MakeShared<FRegistrySnapshot>(FRegistryImage::MakeEmpty(), FRegistryScanOptions());
-};
-
-FAssetRegistry::FAssetRegistry() : State(MakeUnique<FState>())
+FAssetRegistry::FAssetRegistry() : Live(MakeUnique<FLiveRegistry>())
 {
 }
 
@@ -68,82 +33,81 @@ FAssetRegistry::~FAssetRegistry() = default;
 
 bool FAssetRegistry::Scan(const FRegistryScanOptions& Options, FRegistryScanReport& OutReport)
 {
-	const std::lock_guard Guard(State->ScanLock);
-	TSharedPtr<const FRegistryImage> Image = FRegistryScan(Options, State->ClassParents, OutReport).Run();
-	if (!Image)
-		return false;
-	State->Set(MakeShared<FRegistrySnapshot>(std::move(Image), Options));
-	return true;
+	return Live->Scan(Options, OutReport);
+}
+
+ERegistryUpdate FAssetRegistry::Update(const FRegistryScanOptions& Options, std::span<const std::string> Files,
+	std::span<const std::string> Folders, FRegistryScanReport& OutReport)
+{
+	return Live->Update(Options, Files, Folders, OutReport);
 }
 
 void FAssetRegistry::SetClassParents(const TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>>& ChildAndParent)
 {
-	const std::lock_guard Guard(State->ScanLock);
-	State->ClassParents = ChildAndParent;
+	FRegistryScan::FClassParents Parents = ChildAndParent;
 	// The cache must not depend on the order in which a program happens to list its classes.
-	State->ClassParents.StableSort(
+	Parents.StableSort(
 		[](const auto& A, const auto& B) { return Unicode::CompareFolded(A.first.ToString(), B.first.ToString()) < 0; });
+	Live->SetClassParents(std::move(Parents));
 }
 
 int32 FAssetRegistry::NumPackages() const
 {
-	return static_cast<int32>(State->Take()->Image->NumPackages());
+	return static_cast<int32>(Live->Take()->NumPackages());
 }
 
 int32 FAssetRegistry::NumAssets() const
 {
-	return static_cast<int32>(State->Take()->Image->NumAssets());
+	return static_cast<int32>(Live->Take()->NumAssets());
 }
 
 int64 FAssetRegistry::NumDependencies() const
 {
-	return static_cast<int64>(State->Take()->Image->GetTables().DependencyTargets.size());
+	return Live->Take()->NumDependencies();
 }
 
 int64 FAssetRegistry::GetImageBytes() const
 {
-	return static_cast<int64>(State->Take()->Image->GetBytes().size());
+	const auto Current = Live->Take();
+	const std::size_t NumOverlay = Current->Overlay ? Current->Overlay->Part->Image->GetBytes().size() : 0;
+	return static_cast<int64>(Current->Base->Image->GetBytes().size() + NumOverlay);
 }
 
 TArray<std::pair<FTopLevelAssetPath, int32>> FAssetRegistry::CountAssetsByClass() const
 {
-	const auto Current = State->Take();
-	TArray<std::pair<FTopLevelAssetPath, int32>> Counts;
-	for (uint32 Class = 0; Class < Current->Image->NumClasses(); ++Class)
+	const auto Current = Live->Take();
+	const std::vector<int32> Counts = Current->CountAssetsByClass();
+	TArray<std::pair<FTopLevelAssetPath, int32>> Result;
+	for (uint32 Class = 0; Class < Counts.size(); ++Class)
 	{
-		if (const uint32 Num = FRegistryTables::RangeOf(Current->Image->GetTables().FirstClassAssets, Class).Num(); Num > 0)
-			Counts.Add({Current->Names.GetClass(Class), static_cast<int32>(Num)});
+		if (Counts[Class] > 0)
+			Result.Add({Current->GetClassPath(Class), Counts[Class]});
 	}
-	return Counts;
+	Result.StableSort(
+		[](const auto& A, const auto& B) { return Unicode::CompareFolded(A.first.ToString(), B.first.ToString()) < 0; });
+	return Result;
 }
 
 FString FAssetRegistry::GetPackageFileName(FName PackageName, const IPackageSource*& OutSource) const
 {
-	const auto Current = State->Take();
-	const uint32 Package = Current->Names.FindPackage(PackageName);
-	OutSource = nullptr;
-	if (Package == NoId)
-		return {};
-	const FRegistryTables& Tables = Current->Image->GetTables();
-	const uint32 File = Tables.PackageFiles[Package];
-	if (const int32 Source = Tables.FileSources[File]; Current->Sources.IsValidIndex(Source))
-		OutSource = Current->Sources[Source];
-	return Current->RootFolders[Current->Image->GetRootOfFile(File)] + Current->Image->GetRelativePath(File);
+	const auto Current = Live->Take();
+	const FRegistrySnapshot::FRow Package = FindRow(*Current, PackageName);
+	return Package.Part.GetFileName(Package.Row, OutSource);
 }
 
 FAssetPathView FAssetRegistry::GetAssetPaths() const
 {
-	return FAssetPathView(State->Take());
+	return FAssetPathView(Live->Take());
 }
 
 FBlueprintIndexView FAssetRegistry::GetBlueprintIndex() const
 {
-	return FBlueprintIndexView(State->Take());
+	return FBlueprintIndexView(Live->Take());
 }
 
 void FAssetRegistry::Dump(const std::function<void(FStringView Line)>& Write) const
 {
-	DumpRegistry(*State->Take()->Image, Write);
+	DumpRegistry(*Live->Take()->Base->Image, Write);
 }
 
 void FAssetRegistry::GetAssets(const FARFilter& Filter, TArray<FAssetData>& OutAssets, bool bSkipARFilteredAssets) const
@@ -161,28 +125,28 @@ void FAssetRegistry::GetAssets(const FARFilter& Filter, TArray<FAssetData>& OutA
 void FAssetRegistry::EnumerateAssets(
 	const FARFilter& Filter, const std::function<bool(const FAssetData&)>& Visit, bool bSkipARFilteredAssets) const
 {
-	const auto Current = State->Take();
-	VisitAssets(*Current->Image, Current->Names, Filter,
+	const auto Current = Live->Take();
+	VisitAssets(*Current, Filter,
 		[&](uint32 Asset)
-		{ return IsHidden(*Current->Image, Asset, bSkipARFilteredAssets) || Visit(Current->MakeAssetData(Asset)); });
+		{ return (bSkipARFilteredAssets && Current->IsFiltered(Asset)) || Visit(Current->MakeAssetData(Asset)); });
 }
 
 FAssetData FAssetRegistry::GetAssetByObjectPath(const FSoftObjectPath& ObjectPath, bool, bool bSkipARFilteredAssets) const
 {
-	const auto Current = State->Take();
-	const uint32 Package = Current->Names.FindPackage(ObjectPath.Asset.PackageName);
-	if (Package == NoId || !ObjectPath.IsValid())
+	const auto Current = Live->Take();
+	const FRegistrySnapshot::FRow Package = FindRow(*Current, ObjectPath.Asset.PackageName);
+	if (Package.Row == NoId || !ObjectPath.IsValid())
 		return {};
-	const FRegistryImage& Image = *Current->Image;
-	const FRowRange Assets = FRegistryTables::RangeOf(Image.GetTables().FirstAssets, Package);
+	const FRegistryImage& Image = *Package.Part.Image;
+	const FRowRange Assets = FRegistryTables::RangeOf(Image.GetTables().FirstAssets, Package.Row);
 	for (uint32 Asset = Assets.Begin; Asset < Assets.End; ++Asset)
 	{
 		const bool bInside = Image.GetTables().AssetOuters[Asset] != NoId;
-		if (bInside == ObjectPath.SubPath.IsEmpty() || IsHidden(Image, Asset, bSkipARFilteredAssets))
+		if (bInside == ObjectPath.SubPath.IsEmpty() || (bSkipARFilteredAssets && Image.IsFiltered(Asset)))
 			continue;
 		if (!bInside && !Unicode::EqualsFolded(Image.GetAssetName(Asset), ObjectPath.Asset.AssetName.View()))
 			continue;
-		FAssetData Data = Current->MakeAssetData(Asset);
+		FAssetData Data = Package.Part.MakeAssetData(Asset);
 		if (!bInside || Data.GetSoftObjectPath() == ObjectPath)
 			return Data;
 	}
@@ -192,63 +156,59 @@ FAssetData FAssetRegistry::GetAssetByObjectPath(const FSoftObjectPath& ObjectPat
 void FAssetRegistry::GetAssetsByPackageName(
 	FName PackageName, TArray<FAssetData>& OutAssets, bool, bool bSkipARFilteredAssets) const
 {
-	const auto Current = State->Take();
-	const uint32 Package = Current->Names.FindPackage(PackageName);
-	if (Package == NoId)
-		return;
-	const FRowRange Assets = FRegistryTables::RangeOf(Current->Image->GetTables().FirstAssets, Package);
+	const auto Current = Live->Take();
+	const FRowRange Assets = Current->GetAssets(FindRow(*Current, PackageName));
 	for (uint32 Asset = Assets.Begin; Asset < Assets.End; ++Asset)
 	{
-		if (!IsHidden(*Current->Image, Asset, bSkipARFilteredAssets))
+		if (!bSkipARFilteredAssets || !Current->IsFiltered(Asset))
 			OutAssets.Add(Current->MakeAssetData(Asset));
 	}
 }
 
 FName FAssetRegistry::FindPackage(FStringView LongName) const
 {
-	const auto Current = State->Take();
-	const uint32 Package = Current->Image->FindPackage(LongName);
-	return Package == NoId ? FName() : Current->Names.GetNode(Package);
+	const auto Current = Live->Take();
+	const uint32 Node = Current->FindNode(LongName);
+	return Node == NoId || Current->FindPackage(Node).Row == NoId ? FName() : Current->GetNodeName(Node);
 }
 
 bool FAssetRegistry::GetDependencies(FName PackageName, TArray<FPackageDependency>& OutDependencies) const
 {
-	const auto Current = State->Take();
-	const FRegistryTables& Tables = Current->Image->GetTables();
-	return AppendNeighbours(
-		*Current, PackageName, Tables.FirstDependencies, Tables.DependencyTargets, Tables.DependencyFlags, OutDependencies);
+	const auto Current = Live->Take();
+	const uint32 Node = Current->FindNode(PackageName);
+	return Node != NoId && AppendNeighbours(*Current, Current->GetDependencies(Node), OutDependencies);
 }
 
 bool FAssetRegistry::GetReferencers(FName PackageName, TArray<FPackageDependency>& OutReferencers) const
 {
-	const auto Current = State->Take();
-	const FRegistryTables& Tables = Current->Image->GetTables();
-	return AppendNeighbours(
-		*Current, PackageName, Tables.FirstReferencers, Tables.ReferencerSources, Tables.ReferencerFlags, OutReferencers);
+	const auto Current = Live->Take();
+	const uint32 Node = Current->FindNode(PackageName);
+	return Node != NoId && AppendNeighbours(*Current, Current->GetReferencers(Node), OutReferencers);
 }
 
 int32 FAssetRegistry::GetNumDependencies(FName PackageName) const
 {
-	const auto Current = State->Take();
-	return CountNeighbours(*Current, PackageName, Current->Image->GetTables().FirstDependencies);
+	const auto Current = Live->Take();
+	const uint32 Node = Current->FindNode(PackageName);
+	return Node == NoId ? 0 : static_cast<int32>(Current->GetDependencies(Node).Nodes.size());
 }
 
 int32 FAssetRegistry::GetNumReferencers(FName PackageName) const
 {
-	const auto Current = State->Take();
-	return CountNeighbours(*Current, PackageName, Current->Image->GetTables().FirstReferencers);
+	const auto Current = Live->Take();
+	const uint32 Node = Current->FindNode(PackageName);
+	return Node == NoId ? 0 : static_cast<int32>(Current->GetReferencers(Node).Nodes.size());
 }
 
 FPackageGraphView FAssetRegistry::GetPackageGraph() const
 {
-	return FPackageGraphView(State->Take());
+	return FPackageGraphView(Live->Take());
 }
 
 void FAssetRegistry::GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const
 {
-	const auto Current = State->Take();
-	const std::span<const uint32> Parents = Current->Image->GetTables().ClassParents;
-	uint32 Class = Current->Image->FindClass(ClassPath.ToString());
-	while (Class != NoId && (Class = Parents[Class]) != NoId)
-		OutAncestors.Add(Current->Names.GetClass(Class));
+	const auto Current = Live->Take();
+	uint32 Class = Current->FindClass(ClassPath.ToString());
+	while (Class != NoId && (Class = Current->GetParentClass(Class)) != NoId)
+		OutAncestors.Add(Current->GetClassPath(Class));
 }

@@ -21,8 +21,9 @@ std::vector<uint32> SortUses(const FBlueprintIndexView& Index, const std::vector
 	{
 		if (Progress.bStop)
 			return {};
-		const std::span<const uint32> Uses = Index.GetUses(Text);
-		Entries.insert(Entries.end(), Uses.begin(), Uses.end());
+		const auto [Numbers, First] = Index.GetUses(Text);
+		for (const uint32 Number : Numbers)
+			Entries.push_back(First + Number);
 	}
 	std::sort(Entries.begin(), Entries.end());
 	Entries.erase(std::unique(Entries.begin(), Entries.end()), Entries.end());
@@ -37,8 +38,9 @@ std::vector<uint32> MarkUses(const FBlueprintIndexView& Index, const std::vector
 	{
 		if (Progress.bStop)
 			return {};
-		for (const uint32 Entry : Index.GetUses(Text))
-			Marks[Entry / WordBits] |= uint64{1} << Entry % WordBits;
+		const auto [Numbers, First] = Index.GetUses(Text);
+		for (const uint32 Number : Numbers)
+			Marks[(First + Number) / WordBits] |= uint64{1} << (First + Number) % WordBits;
 		Progress.Done = TextsDone + (EntriesDone - TextsDone) * static_cast<float>(++NumDone) / static_cast<float>(Texts.size());
 	}
 	std::vector<uint32> Entries;
@@ -54,7 +56,7 @@ std::vector<uint32> GatherEntries(const FBlueprintIndexView& Index, const std::v
 {
 	std::size_t NumUses = 0;
 	for (const uint32 Text : Texts)
-		NumUses += Index.GetUses(Text).size();
+		NumUses += Index.GetUses(Text).Numbers.size();
 	return NumUses > static_cast<std::size_t>(Index.NumEntries()) / EntriesPerSortedMatch ? MarkUses(Index, Texts, Progress)
 																						  : SortUses(Index, Texts, Progress);
 }
@@ -71,26 +73,47 @@ int32 FindNextBlueprint(const FBlueprintIndexView& Index, int32 Earlier, uint32 
 	return Index.FindBlueprint(Entry);
 }
 
-void GroupByBlueprint(FIndexMatches& Matches, FSearchProgress& Progress)
+/** Entries of one Blueprint among those found. */
+struct FGroup
 {
-	std::vector<uint32> Found;
-	Found.swap(Matches.Entries);
+	int32 Blueprint;
+	std::size_t Begin;
+	std::size_t End;
+};
+
+std::vector<FGroup> GroupByBlueprint(
+	const FBlueprintIndexView& Index, const std::vector<uint32>& Found, const FSearchProgress& Progress)
+{
+	std::vector<FGroup> Groups;
 	int32 Blueprint = INDEX_NONE;
 	for (std::size_t At = 0; At < Found.size();)
 	{
-		if (Matches.Blueprints.size() % BlueprintsPerLook == 0 && Progress.bStop)
-			return;
-		Blueprint = FindNextBlueprint(Matches.Index, Blueprint, Found[At]);
-		const auto End = static_cast<uint32>(Matches.Index.GetEntries(Blueprint).End);
+		if (Groups.size() % BlueprintsPerLook == 0 && Progress.bStop)
+			return {};
+		Blueprint = FindNextBlueprint(Index, Blueprint, Found[At]);
+		const auto End = static_cast<uint32>(Index.GetEntries(Blueprint).End);
 		const std::size_t Begin = At++;
 		while (At < Found.size() && Found[At] < End)
 			++At;
-		if (Matches.Index.IsRegistryFiltered(Blueprint))
-			continue;
-		Matches.Blueprints.push_back(Blueprint);
+		if (!Index.IsHidden(Blueprint))
+			Groups.push_back({Blueprint, Begin, At});
+	}
+	return Groups;
+}
+
+/** Takes the entries in registry order of their Blueprints. */
+void TakeEntries(FIndexMatches& Matches, const std::vector<uint32>& Found, std::vector<FGroup> Groups)
+{
+	const auto ComesBefore = [&Matches](const FGroup& A, const FGroup& B)
+	{ return Matches.Index.GetOrder(A.Blueprint) < Matches.Index.GetOrder(B.Blueprint); };
+	if (!Matches.Index.IsInRegistryOrder())
+		std::sort(Groups.begin(), Groups.end(), ComesBefore);
+	for (const FGroup& Group : Groups)
+	{
+		Matches.Blueprints.push_back(Group.Blueprint);
 		Matches.FirstEntries.push_back(Matches.Entries.size());
-		Matches.Entries.insert(Matches.Entries.end(), Found.begin() + static_cast<std::ptrdiff_t>(Begin),
-			Found.begin() + static_cast<std::ptrdiff_t>(At));
+		Matches.Entries.insert(Matches.Entries.end(), Found.begin() + static_cast<std::ptrdiff_t>(Group.Begin),
+			Found.begin() + static_cast<std::ptrdiff_t>(Group.End));
 	}
 	Matches.FirstEntries.push_back(Matches.Entries.size());
 }
@@ -112,9 +135,9 @@ TSharedPtr<FIndexMatches> FindIndexMatches(const FBlueprintIndexView& Index, FSt
 	Matches->Index = Index;
 	const std::vector<uint32> Texts = Index.FindTexts(Value);
 	Progress.Done = TextsDone;
-	Matches->Entries = GatherEntries(Index, Texts, Progress);
+	const std::vector<uint32> Found = GatherEntries(Index, Texts, Progress);
 	Progress.Done = EntriesDone;
-	GroupByBlueprint(*Matches, Progress);
+	TakeEntries(*Matches, Found, GroupByBlueprint(Index, Found, Progress));
 	if (Progress.bStop)
 		return nullptr;
 	Matches->MakeResults();

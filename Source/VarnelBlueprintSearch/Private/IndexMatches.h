@@ -8,7 +8,7 @@
 struct FIndexMatches : std::enable_shared_from_this<FIndexMatches>
 {
 	FBlueprintIndexView Index;
-	std::vector<uint32> Entries;			 // ascending
+	std::vector<uint32> Entries;			 // Blueprint after Blueprint, ascending in each
 	std::vector<int32> Blueprints;			 // those with at least one, in registry order
 	std::vector<std::size_t> FirstEntries;	 // by Blueprint, into Entries, and the end
 	TUniquePtr<FImaginaryFiBData[]> Results; // by Blueprint

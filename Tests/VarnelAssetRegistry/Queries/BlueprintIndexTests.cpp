@@ -14,8 +14,8 @@ std::string Render(const FBlueprintIndexView& Index)
 	std::string Text;
 	for (int32 Blueprint = 0; Blueprint < Index.NumBlueprints(); ++Blueprint)
 	{
-		Text += Index.GetBlueprint(Blueprint).GetObjectPathString().ToStdString() +
-			(Index.IsRegistryFiltered(Blueprint) ? "(filtered)[" : "[");
+		Text +=
+			Index.GetBlueprint(Blueprint).GetObjectPathString().ToStdString() + (Index.IsHidden(Blueprint) ? "(filtered)[" : "[");
 		const auto [Begin, End] = Index.GetEntries(Blueprint);
 		for (int32 Number = Begin; Number < End; ++Number)
 		{
@@ -97,7 +97,7 @@ std::string RenderUses(const FBlueprintIndexView& Index, FStringView Value)
 	for (const uint32 Found : Index.FindTexts(Value))
 	{
 		Text.append(Text.empty() ? "" : "; ").append(Index.GetText(static_cast<int32>(Found)));
-		for (const uint32 Entry : Index.GetUses(Found))
+		for (const uint32 Entry : Index.GetUses(Found).Numbers)
 		{
 			const FAssetData Blueprint = Index.GetBlueprint(Index.FindBlueprint(Entry));
 			Text += " " + Blueprint.AssetName.ToString().ToStdString() + "/" + std::to_string(Entry);
@@ -151,6 +151,7 @@ TEST(BlueprintIndex, FindsWhatLookingAtEveryTextFinds)
 		const std::string Value = MakeText(static_cast<std::size_t>(Round) % 12);
 		EXPECT_EQ(Index.FindTexts(Value), FindTextsOneByOne(Index, Value)) << "value '" << Value << "'";
 	}
-	const std::string Across("Var\0", 4); // texts lie with a zero byte between them
+	const std::string Across = Unicode::Fold(Index.GetText(0)) + std::string("\0", 1) +
+		Unicode::Fold(Index.GetText(1)); // with the zero byte between two texts
 	EXPECT_EQ(Index.FindTexts(Across), FindTextsOneByOne(Index, Across));
 }

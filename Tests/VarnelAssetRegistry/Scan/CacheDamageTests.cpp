@@ -29,15 +29,15 @@ void FillProject(const FRegistryProject& Project)
 	}
 }
 
-std::size_t AskBlueprintIndex(const TSharedPtr<const FRegistryImage>& Image)
+std::size_t AskBlueprintIndex(const TSharedPtr<const FRegistrySnapshot>& Snapshot)
 {
-	const FBlueprintIndexView Index(MakeShared<FRegistrySnapshot>(Image, FRegistryScanOptions()));
+	const FBlueprintIndexView Index(Snapshot);
 	std::size_t NumBytes = 0;
 	for (const char* Value : {"", "al", "health", "health3", "value"})
 	{
 		for (const uint32 Text : Index.FindTexts(Value))
 		{
-			for (const uint32 Entry : Index.GetUses(Text))
+			for (const uint32 Entry : Index.GetUses(Text).Numbers)
 				NumBytes += Index.GetBlueprint(Index.FindBlueprint(Entry)).GetObjectPathString().View().size();
 		}
 	}
@@ -48,8 +48,9 @@ std::size_t AskBlueprintIndex(const TSharedPtr<const FRegistryImage>& Image)
 void AskEverything(const TSharedPtr<const FRegistryImage>& ImagePtr)
 {
 	const FRegistryImage& Image = *ImagePtr;
-	const FRegistryNames Names(Image);
-	std::size_t NumBytes = AskBlueprintIndex(ImagePtr);
+	const auto Snapshot = MakeShared<FRegistrySnapshot>(MakeShared<FRegistryPart>(ImagePtr, FRegistryScanOptions()));
+	const FRegistryNames& Names = Snapshot->Base->Names;
+	std::size_t NumBytes = AskBlueprintIndex(Snapshot);
 	DumpRegistry(Image, [&NumBytes](FStringView Line) { NumBytes += Line.size(); });
 	std::vector<uint32> Derived;
 	for (uint32 Class = 0; Class < Image.NumClasses(); ++Class)
@@ -67,7 +68,7 @@ void AskEverything(const TSharedPtr<const FRegistryImage>& ImagePtr)
 		{.ClassPaths = {Blueprint}, .bRecursiveClasses = true}, {.PackageNames = {"/Game/F1/BP_1", "/Game/F2/BP_2"}},
 		{.PackagePaths = {"/Game"}, .ClassPaths = {Blueprint}, .bRecursivePaths = true}};
 	for (const FARFilter& Filter : Filters)
-		VisitAssets(Image, Names, Filter, [&NumBytes](uint32 Asset) { return NumBytes += Asset, true; });
+		VisitAssets(*Snapshot, Filter, [&NumBytes](uint32 Asset) { return NumBytes += Asset, true; });
 	for (const char* Term : {"bp_1", "bp_37", "Inner", "a", "y:i", "/Game/F1/BP_1.BP_1"})
 		FPathSearch(Image, {.Text = Term}, [&NumBytes](FRowRange Assets) { NumBytes += Assets.Num(); }).Run();
 	EXPECT_GT(NumBytes, 0u);

@@ -4,6 +4,7 @@
 #include "Support/Cases.h"
 #include "Support/Seed.h"
 
+#include <cstring>
 #include <random>
 
 namespace
@@ -90,6 +91,39 @@ TEST_F(PackageEviction, GoesByLastUseReferencesAndPins)
 			UnpinPackage(FName(FStringView(std::string("/Game/") + Case.Pins)));
 		UnloadAllLoadedPackages();
 	}
+}
+
+TEST_F(PackageEviction, WhatChangedGoesWithWhatRefersToIt)
+{
+	for (const char* Name : {"A", "Leaf"})
+		AddNode(Name);
+	AddNode("Middle", "Leaf");
+	AddNode("Top", "Middle");
+	AddNode("X", "Y");
+	AddNode("Y", "X");
+	AddNode("Lacks", "Missing");
+	const std::string All = "A Lacks Leaf Middle Top X Y";
+	const TCase<> Cases[] = {
+		{"nothing", "", "A Lacks Leaf Middle Top X Y"},
+		{"what nobody refers to", "Top", "A Lacks Leaf Middle X Y"},
+		{"through others, in any case, pinned or not", "LEAF", "A Lacks X Y"},
+		{"a cycle", "X", "A Lacks Leaf Middle Top"},
+		{"what was missed", "Missing", "A Leaf Middle Top X Y"},
+	};
+	PinPackage("/Game/Top");
+	for (const auto& [Why, Changed, Kept] : Traced(Cases))
+	{
+		Load(All);
+		const int32 NumDropped = DropLoadedPackages([&](FName Name) { return Name == FName(FString("/Game/") + Changed); });
+		EXPECT_EQ(ListLoaded(), Kept);
+		EXPECT_EQ(NumDropped, std::count(All.begin(), All.end(), ' ') - std::count(Kept, Kept + std::strlen(Kept), ' '));
+	}
+	UnpinPackage("/Game/Top");
+	EXPECT_FALSE(LoadPackage("/Game/Late"));
+	AddNode("Late");
+	EXPECT_FALSE(LoadPackage("/Game/Late")) << "known to fail";
+	DropLoadedPackages([](FName) { return false; });
+	EXPECT_TRUE(LoadPackage("/Game/Late"));
 }
 
 TEST_F(PackageEviction, HoldsClassesAndTypesOfWhatStays)

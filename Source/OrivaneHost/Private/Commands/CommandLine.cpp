@@ -250,6 +250,18 @@ void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 		->excludes(NoCache);
 }
 
+/** For commands that stay while files change. */
+void AddWatchOptions(CLI::App& App, FProjectOptions& Out)
+{
+	Out.Watch = EProjectWatch::Auto;
+	const TWords<EProjectWatch> Words = {{"auto", EProjectWatch::Auto}, {"events", EProjectWatch::Events},
+		{"times", EProjectWatch::Times}, {"off", EProjectWatch::Off}};
+	AddChoice(App, "--watch", Words, Out.Watch,
+		"How changed files are noticed: events of the system, times of the files, auto (events where there are any), off [auto]")
+		->type_name("HOW");
+	AddSeconds(App, "--watch-interval", Out.WatchInterval, "Least time between two looks at the times of the files");
+}
+
 CLI::App* AddCommand(CLI::App& Program, const char* Name, const char* Help, const char* Footer)
 {
 	CLI::App* Command = Program.add_subcommand(Name, Help);
@@ -324,6 +336,7 @@ void AddConsole(CLI::App& Program, FConsoleArguments& Out)
 	AddTexts(*Command, "-c,--command", Out.Lines, "Run this line and exit (may be repeated)")->type_name("LINE")->delimiter('\0');
 	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Wait this long for a search, then go on");
 	AddProjectOptions(*Command, Out.Project);
+	AddWatchOptions(*Command, Out.Project);
 }
 
 void AddInfo(CLI::App& Program, FInfoArguments& Out)
@@ -358,6 +371,7 @@ void AddMcp(CLI::App& Program, FMcpArguments& Out)
 	Command->add_flag_callback(
 		"--without-path-search", [&Out] { Out.bPathSearch = false; }, "Do not offer the tool asset_path_search");
 	AddProjectOptions(*Command, Out.Project);
+	AddWatchOptions(*Command, Out.Project);
 }
 
 std::vector<std::string> GetOptionWords(const CLI::App& App)

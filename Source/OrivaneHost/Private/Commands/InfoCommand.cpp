@@ -160,6 +160,7 @@ TSharedPtr<FJsonObject> MakeInfoJson(const FDiagnosticSink& Diagnostics)
 	Info->SetObjectField("counts", MakeCountsJson());
 	Info->SetObjectField("settings", MakeSettingsJson());
 	Info->SetObjectField("scan", MakeScanJson(Summary));
+	Info->SetStringField("changes", FProject::DescribeWatch());
 	Info->SetNumberField("errors", Diagnostics.NumErrors());
 	Info->SetNumberField("warnings", Diagnostics.NumWarnings());
 	return Info;
@@ -205,7 +206,9 @@ int RunInfo(const FInfoArguments& Arguments)
 	const FHeadlessEngine Engine;
 	FDiagnosticSink Diagnostics;
 	int ExitCode = EExitCode::Found;
-	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
+	FProjectOptions Options = Arguments.Project;
+	Options.Watch = EProjectWatch::Auto; // tells how a server would notice changes
+	if (!OpenProjectForCommand(Options, Diagnostics, true, ExitCode))
 		return ExitCode;
 	if (Arguments.bDumpRegistry)
 	{

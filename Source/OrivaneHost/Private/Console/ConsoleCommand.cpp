@@ -91,7 +91,10 @@ int RunConsole(const FConsoleArguments& Arguments)
 	const FHeadlessEngine Engine;
 	FDiagnosticSink Diagnostics;
 	int ExitCode = EExitCode::Found;
-	if (!OpenProjectForCommand(Arguments.Project, Diagnostics, true, ExitCode))
+	FProjectOptions Options = Arguments.Project;
+	if (Arguments.Lines.Num() == 1)
+		Options.Watch = EProjectWatch::Off; // it is over before a file can change
+	if (!OpenProjectForCommand(Options, Diagnostics, true, ExitCode))
 		return ExitCode;
 	FConsoleSession Session(Arguments.TimeLimit);
 	if (!Arguments.Lines.IsEmpty())

@@ -60,6 +60,16 @@ FString Summarize(const FAssetSearchResult& Found)
 	return Text;
 }
 
+void RefreshProject()
+{
+	FDiagnosticSink Faults;
+	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
+		Terminal::PrintError("files were read again, with faults; see: orivane check\n");
+	if (const FString& Trouble = FProject::GetTrouble(); !Trouble.IsEmpty())
+		Terminal::PrintError("the project cannot be opened again after a change: " + Terminal::Sanitize(Trouble) +
+			(FProject::IsOpen() ? "; what follows tells of its assets as they were before\n" : "\n"));
+}
+
 int Fail(const FString& Error)
 {
 	Terminal::PrintError(Terminal::Sanitize(Error) + "\n");
@@ -68,11 +78,11 @@ int Fail(const FString& Error)
 }
 
 const FConsoleSession::FOwnWord FConsoleSession::OwnWords[] = {
-	{"help", "List the commands, or describe one: help Orivane.AssetSearch", &FConsoleSession::RunHelp},
-	{"load", "Keep packages in memory: load /Game/FX, or one package (particle systems are searched there)",
+	{"help", "List the commands, or describe one: help Orivane.AssetSearch", false, &FConsoleSession::RunHelp},
+	{"load", "Keep packages in memory: load /Game/FX, or one package (particle systems are searched there)", true,
 		&FConsoleSession::RunLoad},
-	{"unload", "Remove packages from memory: unload /Game/FX", &FConsoleSession::RunUnload},
-	{"exit", "Leave the console (also Ctrl-D)", &FConsoleSession::RunExit},
+	{"unload", "Remove packages from memory: unload /Game/FX", true, &FConsoleSession::RunUnload},
+	{"exit", "Leave the console (also Ctrl-D)", false, &FConsoleSession::RunExit},
 };
 
 FConsoleSession::FConsoleSession(std::chrono::milliseconds InTimeLimit) : TimeLimit(InTimeLimit)
@@ -102,12 +112,12 @@ int FConsoleSession::Run(const FString& Line)
 	{
 		if (Words[0] != Own.Name)
 			continue;
+		if (Own.bReadsProject)
+			RefreshProject();
 		Words.RemoveAt(0);
 		return (this->*Own.Run)(Words);
 	}
-	FDiagnosticSink Faults;
-	if (FProject::RefreshSettings(Faults) && !Faults.GetSorted().IsEmpty())
-		Terminal::PrintError("the settings were read again, with faults; see: orivane check\n");
+	RefreshProject();
 	const int ExitCode = RunCommand(Line, Words);
 	EvictLoadedPackages(); // back below --object-memory, as between an agent's calls
 	return ExitCode;

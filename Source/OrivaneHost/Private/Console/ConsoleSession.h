@@ -33,6 +33,7 @@ private:
 	{
 		const char* Name;
 		const char* Help;
+		bool bReadsProject;
 		int (FConsoleSession::*Run)(const TArray<FString>& Args);
 	};
 	static const FOwnWord OwnWords[];

@@ -139,7 +139,9 @@ int RunMcp(const FMcpArguments& Arguments)
 		RegisterPathSearchTool();
 	const auto Host = MakeShared<FMcpProjectHost>(FOrivaneToolkitModule::GetToolExecutor(), Arguments.TimeLimit);
 	const auto Server = MakeShared<FMcpServer>(Host,
-		FMcpServerOptions{.Deadline = Arguments.Deadline, .MaxAnswerBytes = Arguments.MaxAnswerBytes},
+		FMcpServerOptions{.Deadline = Arguments.Deadline,
+			.MaxAnswerBytes = Arguments.MaxAnswerBytes,
+			.bFollowsFiles = Arguments.Project.Watch != EProjectWatch::Off},
 		[&Stdio](std::string Line) { Stdio.Write(std::move(Line)); });
 
 	std::stop_source Ended;

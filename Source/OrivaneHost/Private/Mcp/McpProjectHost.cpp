@@ -20,11 +20,22 @@ TSharedPtr<FJsonObject> MakeAnyObjectSchema()
 	return Schema;
 }
 
-void RefreshSettings()
+void RefreshProject()
 {
 	FDiagnosticSink Faults;
-	if (FProject::RefreshSettings(Faults) && !Faults.GetSorted().IsEmpty())
-		Log::Write(LogMcp, ELogVerbosity::Warning, "the settings were read again, with faults; see: orivane check");
+	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
+		Log::Write(LogMcp, ELogVerbosity::Warning, "files were read again, with faults; see: orivane check");
+}
+
+/** The answer with a remark on the project behind it. */
+Orivane::FToolResult WithTrouble(Orivane::FToolResult Result, const FString& Trouble, bool bOpen)
+{
+	const FString Text = "The project cannot be opened again after a change: " + Trouble;
+	if (bOpen)
+		Result.AddWarningMessage(Text + "; this answer tells of its assets as they were before");
+	else
+		Result.AddErrorMessage(Text);
+	return Result;
 }
 
 TArray<FString> ListNarrowingArguments(const FToolDeclaration& Tool)
@@ -102,24 +113,42 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 /** The executor answers on other threads or later, so an answer finds the executor's id stored: it waits for the lock. */
 void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 {
-	AsyncTask(ENamedThreads::GameThread, RefreshSettings); // goes before the tool, which is queued after it
-	Call.ExecutorId = Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut},
-		[WeakThis = weak_from_this(), Number](Orivane::FToolResult& Result)
-		{
-			if (const auto This = WeakThis.lock())
-				This->OnCallAnswered(Number, Result);
-		});
+	const auto BeforeStart = [WeakThis = weak_from_this(), Number]
+	{
+		if (const auto This = WeakThis.lock())
+			This->PrepareCall(Number);
+	};
+	Call.ExecutorId =
+		Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut, .BeforeStart = BeforeStart},
+			[WeakThis = weak_from_this(), Number](Orivane::FToolResult& Result)
+			{
+				if (const auto This = WeakThis.lock())
+					This->OnCallAnswered(Number, Result);
+			});
+}
+
+/** Objects go only when no tool may hold them. */
+void FMcpProjectHost::PrepareCall(FMcpCallNumber Number)
+{
+	if (!Executor->IsAnyToolRunning())
+		RefreshProject();
+	std::lock_guard Guard(Lock);
+	if (const auto Found = Calls.find(Number); Found != Calls.end())
+	{
+		Found->second.Trouble = FProject::GetTrouble();
+		Found->second.bProjectOpen = FProject::IsOpen();
+	}
 }
 
 void FMcpProjectHost::OnCallAnswered(FMcpCallNumber Number, const Orivane::FToolResult& Result)
 {
-	FOnAnswer OnAnswer;
+	FCall Call;
 	{
 		std::lock_guard Guard(Lock);
 		const auto Found = Calls.find(Number);
 		if (Found == Calls.end())
 			return;
-		OnAnswer = std::move(Found->second.OnAnswer);
+		Call = std::move(Found->second);
 		Calls.erase(Found);
 	}
 	// Objects stay for the next call as far as memory allows. A task of its own, before that call's: the tool that has just
@@ -130,7 +159,10 @@ void FMcpProjectHost::OnCallAnswered(FMcpCallNumber Number, const Orivane::FTool
 			if (!Executor->IsAnyToolRunning())
 				EvictLoadedPackages();
 		});
-	OnAnswer(Result);
+	if (Call.Trouble.IsEmpty())
+		Call.OnAnswer(Result);
+	else
+		Call.OnAnswer(WithTrouble(Result, Call.Trouble, Call.bProjectOpen));
 }
 
 void FMcpProjectHost::CancelCall(FMcpCallNumber Number)

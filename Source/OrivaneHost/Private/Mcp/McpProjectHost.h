@@ -14,7 +14,8 @@ DECLARE_LOG_CATEGORY(LogMcp);
 
 /**
  * Serves the registered tools to the protocol server. Calls that come before the project is open wait for it; when it cannot be
- * opened, each is answered with the reason. Made with MakeShared on the game thread, when the modules run.
+ * opened, each is answered with the reason. Files that have changed are read again before a tool starts. Made with MakeShared on
+ * the game thread, when the modules run.
  */
 class FMcpProjectHost final : public IMcpToolHost, public std::enable_shared_from_this<FMcpProjectHost>
 {
@@ -47,9 +48,12 @@ private:
 		Orivane::FToolCommand Command;
 		FOnAnswer OnAnswer;
 		Orivane::FToolCallId ExecutorId = 0; // once the project is open
+		FString Trouble;					 // of the project when the tool started, see FProject
+		bool bProjectOpen = true;			 // then
 	};
 
 	void Dispatch(FMcpCallNumber Number, FCall& Call);
+	void PrepareCall(FMcpCallNumber Number);
 	void OnCallAnswered(FMcpCallNumber Number, const Orivane::FToolResult& Result);
 	void Fail(const FCall& Call) const;
 

@@ -179,7 +179,7 @@ void FMcpServer::Initialize(const FRequest& Request)
 	Result->SetStringField("protocolVersion", McpEra::NegotiateLegacyVersion(Version));
 	Result->SetObjectField("capabilities", MakeCapabilities());
 	Result->SetObjectField("serverInfo", McpEra::MakeServerInfo());
-	Result->SetStringField("instructions", McpTools::MakeInstructions(Tools));
+	Result->SetStringField("instructions", McpTools::MakeInstructions(Tools, Options.bFollowsFiles));
 	Answer(Request, Result);
 }
 
@@ -193,7 +193,7 @@ void FMcpServer::Discover(const FRequest& Request)
 	const auto Result = McpEra::MakeResult(Request.Era);
 	Result->SetArrayField("supportedVersions", McpEra::GetModernVersions());
 	Result->SetObjectField("capabilities", MakeCapabilities());
-	Result->SetStringField("instructions", McpTools::MakeInstructions(Tools));
+	Result->SetStringField("instructions", McpTools::MakeInstructions(Tools, Options.bFollowsFiles));
 	McpEra::AddCacheHints(Request.Era, *Result);
 	Answer(Request, Result);
 }

@@ -19,6 +19,7 @@ struct FMcpServerOptions
 	std::chrono::milliseconds Deadline = std::chrono::seconds(50);
 	/** Of the answer to one call, line and all; never more than MaxMcpLineBytes. */
 	int64 MaxAnswerBytes = 2 * 1024 * 1024;
+	bool bFollowsFiles = true; // clients are told that changes of files are noticed
 	std::function<FMcpTime()> Now = &std::chrono::steady_clock::now;
 };
 

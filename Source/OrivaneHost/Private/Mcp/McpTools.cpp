@@ -82,7 +82,7 @@ FJsonArray McpTools::MakeList(const TArray<FMcpTool>& Tools)
 	return List;
 }
 
-FString McpTools::MakeInstructions(const TArray<FMcpTool>& Tools)
+FString McpTools::MakeInstructions(const TArray<FMcpTool>& Tools, bool bFollowsFiles)
 {
 	FString Text =
 		"Answers questions about one game project, the one that was named when the server was started. All tools only read.";
@@ -91,8 +91,12 @@ FString McpTools::MakeInstructions(const TArray<FMcpTool>& Tools)
 		if (Find(Tools, Row.Tool))
 			Text += FString(" ") + Row.Sentence;
 	}
-	return Text +
-		" The project is opened in the background: the first call may wait for it. Answers are capped; a warning in "
+	return Text + " The project is opened in the background: the first call may wait for it." +
+		(bFollowsFiles ? " Files that change while the server runs are read again before the next call, or within a second where "
+						 "the system does not tell of changes."
+					   : " Assets that change while the server runs are not noticed.") +
+		" Answers are capped; a "
+		"warning in "
 		"\"messages\" says so, and narrower arguments show the rest.";
 }
 

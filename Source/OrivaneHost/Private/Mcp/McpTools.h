@@ -8,7 +8,7 @@ namespace McpTools
 /** The "tools" of a tools/list answer. */
 FJsonArray MakeList(const TArray<FMcpTool>& Tools);
 /** What an agent should know before it picks a tool, below 2 KB; names the tool to begin with. */
-FString MakeInstructions(const TArray<FMcpTool>& Tools);
+FString MakeInstructions(const TArray<FMcpTool>& Tools, bool bFollowsFiles = true);
 /** Null for a name that is not listed; case matters. */
 const FMcpTool* Find(const TArray<FMcpTool>& Tools, FStringView Name);
 /** "asset_search, explore_asset_graph" */

@@ -13,6 +13,20 @@ TSet<FName>& GetKept()
 	return Kept;
 }
 
+TArray<PackageMemory::FRequest>& GetAsked()
+{
+	static TArray<PackageMemory::FRequest> Asked;
+	return Asked;
+}
+
+/** Whatever a request did the first time, it does again, and better, when it is made again. */
+void NoteRequest(bool bLoad, const FString& Path)
+{
+	GetAsked().RemoveAll([&](const PackageMemory::FRequest& Request)
+		{ return Request.bLoad == bLoad && Request.Path.Equals(Path, ESearchCase::CaseSensitive); });
+	GetAsked().Add({.bLoad = bLoad, .Path = Path});
+}
+
 bool IsFolder(const FString& Path)
 {
 	return Path.View().ends_with('/');
@@ -46,6 +60,26 @@ bool FindPackages(const FString& Path, TArray<FName>& OutPackages, FString& OutE
 	return !OutPackages.IsEmpty();
 }
 
+/** What the requests come to: the keys, in the order of loading. */
+TMap<FName, bool> FindWanted(const TArray<PackageMemory::FRequest>& Requests, TArray<FString>& OutMissing)
+{
+	TMap<FName, bool> Wanted;
+	for (const PackageMemory::FRequest& Request : Requests)
+	{
+		const TArray<FName> Packages = FindPackages(Request.Path);
+		if (Request.bLoad && Packages.IsEmpty())
+			OutMissing.Add(Request.Path);
+		for (const FName Package : Packages)
+		{
+			if (Request.bLoad)
+				Wanted.Add(Package, true);
+			else
+				Wanted.Remove(Package);
+		}
+	}
+	return Wanted;
+}
+
 /** The path names an object of a package, and the package, which is in memory, has none of that name. */
 bool LacksObject(const FString& Path)
 {
@@ -61,6 +95,7 @@ bool PackageMemory::Load(
 	TArray<FName> Packages;
 	if (!FindPackages(Path, Packages, OutError))
 		return false;
+	NoteRequest(true, Path);
 	if (Progress)
 		Progress->NumTotal += Packages.Num();
 	for (const FName Package : Packages)
@@ -88,6 +123,7 @@ bool PackageMemory::Unload(const FString& Path, int32& OutNumUnloaded, FString& 
 	TArray<FName> Packages;
 	if (!FindPackages(Path, Packages, OutError))
 		return false;
+	NoteRequest(false, Path);
 	TArray<UObject*> InMemory;
 	TSet<FName> Named;
 	for (const FName Package : Packages)
@@ -110,11 +146,35 @@ bool PackageMemory::Unload(const FString& Path, int32& OutNumUnloaded, FString& 
 	return true;
 }
 
+const TArray<PackageMemory::FRequest>& PackageMemory::GetRequests()
+{
+	return GetAsked();
+}
+
+void PackageMemory::Renew(const TArray<FRequest>& Requests, FLoaded& OutLoaded, TArray<FString>& OutMissing, std::stop_token Stop)
+{
+	const TMap<FName, bool> Wanted = FindWanted(Requests, OutMissing);
+	TArray<FRequest> Asked = Requests; // may be the list that is forgotten
+	Forget();
+	GetAsked() = std::move(Asked);
+	for (const auto& [Package, bWanted] : Wanted)
+	{
+		if (Stop.stop_requested())
+			return;
+		const bool bLoaded = LoadPackage(Package) != nullptr;
+		if (bLoaded && GetKept().Add(Package))
+			PinPackage(Package);
+		++OutLoaded.NumPackages;
+		OutLoaded.NumFailed += bLoaded ? 0 : 1;
+	}
+}
+
 void PackageMemory::Forget()
 {
 	for (const FName Package : GetKept())
 		UnpinPackage(Package);
 	GetKept().Empty();
+	GetAsked().Empty();
 }
 
 int32 PackageMemory::Num()

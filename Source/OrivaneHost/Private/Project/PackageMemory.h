@@ -30,7 +30,21 @@ bool Load(
 /** Removes from memory what a path names, whoever brought it there, and counts it. False, with a sentence, when the project has
  * nothing there. */
 bool Unload(const FString& Path, int32& OutNumUnloaded, FString& OutError);
-/** Lets go of all packages; does not unload them. */
+
+/** What the user has asked for. */
+struct FRequest
+{
+	bool bLoad = true; // else unload
+	FString Path;
+};
+/** All that found something since the project was opened, as far as it still matters, in order. */
+const TArray<FRequest>& GetRequests();
+/**
+ * After packages have come, changed or gone: loads and keeps what it would be if the requests were made now, one after the other,
+ * and lets go of what else it kept. OutMissing: paths to load of which the project has nothing any more; they stay requested.
+ */
+void Renew(const TArray<FRequest>& Requests, FLoaded& OutLoaded, TArray<FString>& OutMissing, std::stop_token Stop = {});
+/** Lets go of all packages and forgets the requests; does not unload anything. */
 void Forget();
 int32 Num();
 }

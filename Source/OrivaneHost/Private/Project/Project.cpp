@@ -2,20 +2,25 @@
 
 #include "BlueprintSearch/FindInBlueprintSearchManager.h"
 #include "Core/Base/Checksum.h"
+#include "Core/Base/Failure.h"
 #include "Core/Files/File.h"
 #include "Core/Files/ProjectFolder.h"
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Declarations/ScriptModule.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Packages/Loader.h"
+#include "OrivaneToolkit/AssetOperationBase.h"
 #include "Project/PackageMemory.h"
+#include "Project/ProjectChanges.h"
 #include "Project/ProjectFiles.h"
 #include "Project/ProjectRegistry.h"
+#include "Project/ProjectWatch.h"
 #include "Project/UserFolders.h"
 
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <unistd.h>
 
 namespace
@@ -23,9 +28,14 @@ namespace
 struct FOpenProject
 {
 	bool bOpen = false;
+	FProjectOptions Options;   // as they are to be used again
+	FRegistryScanOptions Scan; // the same
 	FProjectSummary Summary;
 	TOptional<FFileStamp> SettingsStamp; // taken before the settings were read
 	bool bSettingsSettled = false;		 // a later change of the file gives another stamp
+	TUniquePtr<FFolderWatch> Watch;		 // null: off
+	FProjectChanges Changes;			 // not dealt with yet
+	FString Trouble;
 };
 
 /** The stamp first: what is written after it shows in the next comparison. */
@@ -84,7 +94,18 @@ TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>> GetClassParents()
 	return Parents;
 }
 
-FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FString& Folder, FDiagnosticSink& Diagnostics)
+/** For an opening later: what the first one was given may be gone by then. */
+FProjectOptions MakeLastingOptions(const FProjectOptions& Options, const FString& Folder)
+{
+	FProjectOptions Lasting = Options;
+	Lasting.Path = Options.Path.IsEmpty() ? Folder : FPaths::ConvertRelativePathToFull(Options.Path);
+	Lasting.Progress = nullptr;
+	if (Lasting.Cache == ERegistryCache::Rebuild)
+		Lasting.Cache = ERegistryCache::Use; // it is new now
+	return Lasting;
+}
+
+FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FString& Folder)
 {
 	FRegistryScanOptions Scan;
 	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
@@ -96,7 +117,6 @@ FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FStri
 		Scan.CacheFolders.Add(std::move(UserFolder));
 	Scan.Cache = Options.Cache;
 	Scan.NumThreads = Options.NumThreads;
-	Scan.Diagnostics = &Diagnostics;
 	if (Options.Progress)
 	{
 		Scan.NumDone = &Options.Progress->NumDone;
@@ -150,6 +170,7 @@ FString FProject::GetPackageFileName(FName PackageName)
 
 void FProject::Close()
 {
+	FAssetOperationBase::ForgetTextFiles();
 	PackageMemory::Forget();
 	UnloadAllLoadedPackages();
 	SetPackageLocator(nullptr);
@@ -165,7 +186,8 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	checkGameThread();
 	Close();
 	const auto Start = std::chrono::steady_clock::now();
-	FProjectSummary Summary;
+	FOpenProject Opened;
+	FProjectSummary& Summary = Opened.Summary;
 	if (!ProjectFiles::FindDescriptor(Options.Path, Summary.Folder, Summary.DescriptorFile, OutError))
 		return false;
 	if (!FPaths::SetProjectDir(Summary.Folder))
@@ -175,9 +197,15 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 		return false;
 	}
 	Summary.Folder = FPaths::ProjectDir();
+	Opened.Options = MakeLastingOptions(Options, Summary.Folder);
+	Opened.Watch = MakeProjectWatch(Options, Summary.Folder);
+	if (Options.Watch == EProjectWatch::Events && Opened.Watch->GetMode() != EFolderWatchMode::Events)
+	{
+		OutError = "it cannot be watched by events, because " + Opened.Watch->GetReason() + "; open it with --watch auto";
+		return false;
+	}
 
 	ProjectFiles::ReadDescriptor(Summary, Diagnostics);
-	FOpenProject Opened;
 	ReadSettings(Opened, Summary.Folder, Diagnostics);
 	const TArray<FScriptModuleFile> Modules = ProjectFiles::ReadScriptModules(Summary.Folder, Diagnostics);
 	DeclareScriptModules(Modules, &Diagnostics);
@@ -188,8 +216,9 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 
 	GetProjectRegistry().SetClassParents(GetClassParents());
 	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Options.Stop);
-	FRegistryScanOptions Scan = MakeScanOptions(Options, Summary.Folder, Diagnostics);
+	FRegistryScanOptions Scan = MakeScanOptions(Options, Summary.Folder);
 	Scan.Stop = Indexing.GetStopToken();
+	Scan.Diagnostics = &Diagnostics;
 	if (!GetProjectRegistry().Scan(Scan, Summary.Scan))
 	{
 		OutError = "opening was interrupted";
@@ -198,18 +227,150 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	SetPackageLocator(LocatePackage);
 	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
+	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
 	Opened.bOpen = true;
-	Opened.Summary = std::move(Summary);
 	GetOpenProject() = std::move(Opened);
 	return true;
 }
 
-bool FProject::RefreshSettings(FDiagnosticSink& Diagnostics)
+namespace
 {
-	FOpenProject& Project = GetOpenProject();
+bool RefreshSettings(FOpenProject& Project, FDiagnosticSink& Diagnostics)
+{
 	const FString& Folder = Project.Summary.Folder;
-	if (!Project.bOpen || (Project.bSettingsSettled && ProjectFiles::GetSettingsStamp(Folder) == Project.SettingsStamp))
+	if (Project.bSettingsSettled && ProjectFiles::GetSettingsStamp(Folder) == Project.SettingsStamp)
 		return false;
 	ReadSettings(Project, Folder, Diagnostics);
 	return true;
+}
+
+void TakeChanges(FOpenProject& Project)
+{
+	try
+	{
+		Project.Changes.Add(Project.Watch->Take(), Project.Summary.Folder, Project.Scan.Sources);
+	}
+	catch (...) // out of memory: what was taken is not told again
+	{
+		Project.Changes.bReopen = true;
+		throw;
+	}
+}
+
+bool HavePluginsChanged(const FProjectSummary& Summary)
+{
+	FDiagnosticSink Ignored;
+	return ProjectFiles::FindPlugins(Summary.Folder, Ignored) != Summary.Plugins;
+}
+
+/** What is missing since the project was opened, a sentence; "" when it can be opened again. */
+FString FindTrouble(const FOpenProject& Project)
+{
+	std::error_code Ignored;
+	FString Folder = Project.Summary.Folder;
+	if (!std::filesystem::is_directory(Folder.ToStdString(), Ignored))
+		return "there is no folder " + Folder + " any more";
+	FString Descriptor;
+	FString Error;
+	FPaths::SetProjectDir(Folder); // it may be another one under the same path
+	ProjectFiles::FindDescriptor(Project.Options.Path, Folder, Descriptor, Error);
+	return Error;
+}
+
+/** Loads again what the user wants in memory. */
+void RenewMemory(const TArray<PackageMemory::FRequest>& Requests, std::stop_token Stop, FDiagnosticSink& Diagnostics)
+{
+	PackageMemory::FLoaded Loaded;
+	TArray<FString> Missing;
+	PackageMemory::Renew(Requests, Loaded, Missing, std::move(Stop));
+	for (const FString& Path : Missing)
+		Diagnostics.Add({.File = Path,
+			.Severity = EDiagnosticSeverity::Warning,
+			.Text = "it was to be in memory, and is gone",
+			.Rule = "not-in-memory"});
+}
+
+/** False where that cannot be done: what is open stays, unless it fails in the very middle. */
+bool Reopen(FDiagnosticSink& Diagnostics)
+{
+	FOpenProject& Project = GetOpenProject();
+	Project.Trouble = FindTrouble(Project);
+	if (!Project.Trouble.IsEmpty())
+		return false;
+	const TArray<PackageMemory::FRequest> Requests = PackageMemory::GetRequests();
+	const FProjectOptions Options = Project.Options;
+	const FProjectSummary Summary = Project.Summary;
+	const auto TryAgainNextTime = [&](const FString& Why)
+	{
+		Project.Options = Options;
+		Project.Summary = Summary;
+		Project.Changes.bReopen = true;
+		Project.Trouble = Why;
+		FDiagnosticSink Ignored;
+		RenewMemory(Requests, Options.Stop, Ignored); // remembers them
+	};
+	try
+	{
+		FString Error;
+		if (FProject::Open(Options, Diagnostics, Error))
+			RenewMemory(Requests, Options.Stop, Diagnostics);
+		else
+			TryAgainNextTime(Error);
+	}
+	catch (const std::exception& Failure)
+	{
+		TryAgainNextTime(DescribeFailure(Failure));
+		throw;
+	}
+	return Project.bOpen;
+}
+
+ERegistryUpdate RefreshPackages(const FOpenProject& Project, FDiagnosticSink& Diagnostics)
+{
+	const FFindInBlueprintSearchManager::FIndexingRun Indexing(Project.Options.Stop);
+	FRegistryScanOptions Scan = Project.Scan;
+	Scan.Stop = Indexing.GetStopToken();
+	Scan.Diagnostics = &Diagnostics;
+	FRegistryScanReport Report;
+	const ERegistryUpdate Done = GetProjectRegistry().Update(Scan, Project.Changes.Files, Project.Changes.Folders, Report);
+	if (Done == ERegistryUpdate::Updated)
+	{
+		DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
+		RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);
+	}
+	return Done;
+}
+}
+
+bool FProject::Refresh(FDiagnosticSink& Diagnostics)
+{
+	checkGameThread();
+	FOpenProject& Project = GetOpenProject();
+	if (!Project.Watch && Project.Changes.IsEmpty())
+		return Project.bOpen && RefreshSettings(Project, Diagnostics);
+	if (Project.Watch)
+		TakeChanges(Project);
+	if (Project.Changes.IsEmpty())
+		return false;
+	if (Project.Changes.bReopen || (Project.Changes.bPlugins && HavePluginsChanged(Project.Summary)))
+		return Reopen(Diagnostics);
+	if (Project.Changes.bSettings)
+		ReadSettings(Project, Project.Summary.Folder, Diagnostics);
+	const ERegistryUpdate Packages =
+		Project.Changes.HasPackages() ? RefreshPackages(Project, Diagnostics) : ERegistryUpdate::Unchanged;
+	if (Packages == ERegistryUpdate::Stopped)
+		return false;
+	const bool bRead = Project.Changes.bSettings || Packages == ERegistryUpdate::Updated;
+	Project.Changes = {};
+	return bRead;
+}
+
+const FString& FProject::GetTrouble()
+{
+	return GetOpenProject().Trouble;
+}
+
+FString FProject::DescribeWatch()
+{
+	return DescribeProjectWatch(GetOpenProject().Watch.get());
 }

@@ -17,9 +17,20 @@ public:
 	static bool Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, FString& OutError);
 	static void Close();
 	static bool IsOpen();
-	/** Reads the settings again where their file has changed since they were read; costs a look at the file otherwise. To be
-	 * called before a search that is to obey them. True, and what is wrong with them in the sink, when they were read. */
-	static bool RefreshSettings(FDiagnosticSink& Diagnostics);
+	/**
+	 * Reads again what has changed since it was read: settings, packages, or the whole project where its descriptor, plugins or
+	 * script modules have. Loaded objects of changed packages, and those that depend on them, are dropped; what PackageMemory
+	 * keeps is loaded again. To be called before a tool or command, when nobody holds a loaded object. Costs one system call
+	 * where nothing has changed and the system tells of changes; without watching it looks at the settings alone. A stop of the
+	 * options that the project was opened with ends it; the rest is made up for next time. True, and what is wrong with it in the
+	 * sink, when something was read.
+	 */
+	static bool Refresh(FDiagnosticSink& Diagnostics);
+	/** Why the project could not be opened again after a change, a sentence; "" when all is well. What was known before stands,
+	 * where IsOpen. */
+	static const FString& GetTrouble();
+	/** How changes are noticed: "watching (inotify)", or "folder times, because ..."; "off" without watching. */
+	static FString DescribeWatch();
 	static const FProjectSummary& GetSummary();
 	/** The file of a package, relative to the project where it lies there, as in diagnostics; "" when there is none. */
 	static FString GetPackageFileName(FName PackageName);

@@ -13,6 +13,16 @@ constexpr uint64 MaxDescriptorBytes = 1024 * 1024;
 constexpr uint64 MaxSettingsBytes = 1024 * 1024;
 constexpr uint64 MaxScriptBytes = 64 * 1024 * 1024; // of all script modules together
 constexpr const char* SettingsFile = "Config/DefaultGame.ini";
+constexpr const char* DescriptorExtension = ".uproject";
+constexpr const char* ScriptExtension = ".vscript";
+constexpr FStringView PluginExtension = "uplugin";
+
+/** Directly in the folder, which is relative to the project: "" or with a slash at the end. */
+bool IsFileIn(std::string_view Folder, std::string_view Path, const char* Extension)
+{
+	return Path.starts_with(Folder) && Path.find('/', Folder.size()) == std::string_view::npos &&
+		FString(Path).EndsWith(Extension);
+}
 
 /** Names of the files directly in a folder that end with Extension, in ascending byte order. */
 TArray<FString> ListFolder(const FString& Folder, const char* Extension)
@@ -30,7 +40,7 @@ TArray<FString> ListFolder(const FString& Folder, const char* Extension)
 
 bool PickDescriptor(const FString& Folder, FString& OutDescriptor, FString& OutError)
 {
-	const TArray<FString> Descriptors = ListFolder(Folder, ".uproject");
+	const TArray<FString> Descriptors = ListFolder(Folder, DescriptorExtension);
 	if (Descriptors.Num() == 1)
 	{
 		OutDescriptor = Descriptors[0];
@@ -51,7 +61,7 @@ bool FindUpward(FString& OutFolder, FString& OutDescriptor, FString& OutError)
 	const FString Start = FPaths::ConvertRelativePathToFull(".");
 	for (FString Folder = Start;; Folder = FPaths::GetPath(Folder))
 	{
-		const TArray<FString> Descriptors = ListFolder(Folder.IsEmpty() ? FString("/") : Folder, ".uproject");
+		const TArray<FString> Descriptors = ListFolder(Folder.IsEmpty() ? FString("/") : Folder, DescriptorExtension);
 		if (!Descriptors.IsEmpty())
 		{
 			OutFolder = Folder;
@@ -137,6 +147,26 @@ bool IsNameTaken(const FString& Name, const TArray<FProjectPlugin>& Plugins)
 }
 }
 
+bool ProjectFiles::IsDescriptor(std::string_view Path)
+{
+	return IsFileIn("", Path, DescriptorExtension);
+}
+
+bool ProjectFiles::IsSettings(std::string_view Path)
+{
+	return Path == SettingsFile;
+}
+
+bool ProjectFiles::IsScriptModule(std::string_view Path)
+{
+	return IsFileIn("Script/", Path, ScriptExtension);
+}
+
+bool ProjectFiles::IsPlugin(std::string_view Path)
+{
+	return Path.starts_with("Plugins/") && FPaths::GetExtension(Path) == PluginExtension;
+}
+
 bool ProjectFiles::FindDescriptor(const FString& Path, FString& OutFolder, FString& OutDescriptor, FString& OutError)
 {
 	if (const FString Start = FPaths::ConvertRelativePathToFull(Path.IsEmpty() ? "." : Path); !Unicode::IsValidUtf8(Start))
@@ -147,7 +177,8 @@ bool ProjectFiles::FindDescriptor(const FString& Path, FString& OutFolder, FStri
 	if (Path.IsEmpty())
 		return FindUpward(OutFolder, OutDescriptor, OutError);
 	const FString Full = FPaths::ConvertRelativePathToFull(Path);
-	OutFolder = Path.EndsWith(".uproject") && IFileManager::Get().FileExists(Full) ? FString(FPaths::GetPath(Full)) : Full;
+	OutFolder =
+		Path.EndsWith(DescriptorExtension) && IFileManager::Get().FileExists(Full) ? FString(FPaths::GetPath(Full)) : Full;
 	if (IFileManager::Get().DirectoryExists(OutFolder))
 		return PickDescriptor(OutFolder, OutDescriptor, OutError);
 	OutError = FString("there is no folder ") + OutFolder + "; name an existing project folder with --project";
@@ -185,7 +216,7 @@ TArray<FScriptModuleFile> ProjectFiles::ReadScriptModules(const FString& Folder,
 {
 	TArray<FScriptModuleFile> Modules;
 	uint64 BytesLeft = MaxScriptBytes;
-	for (const FString& Name : ListFolder(Folder + "Script", ".vscript"))
+	for (const FString& Name : ListFolder(Folder + "Script", ScriptExtension))
 	{
 		FScriptModuleFile Module{.ModuleName = FString(FPaths::GetBaseFilename(Name)), .FileName = FString("Script/") + Name};
 		if (!ReadFile(Folder, Module.FileName, true, BytesLeft, Module.Text, Diagnostics))
@@ -199,7 +230,7 @@ TArray<FScriptModuleFile> ProjectFiles::ReadScriptModules(const FString& Folder,
 TArray<FProjectPlugin> ProjectFiles::FindPlugins(const FString& Folder, FDiagnosticSink& Diagnostics)
 {
 	FFileTreeOptions Options;
-	Options.KeepFile = [](std::string_view Path) { return FPaths::GetExtension(Path) == "uplugin"; };
+	Options.KeepFile = [](std::string_view Path) { return FPaths::GetExtension(Path) == PluginExtension; };
 	const FFileTree Files = FFileTree::List(Folder + "Plugins", Options);
 	TArray<FProjectPlugin> Plugins;
 	for (int32 Index = 0; Index < Files.Num(); ++Index)

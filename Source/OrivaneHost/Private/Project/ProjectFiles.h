@@ -13,6 +13,11 @@ namespace ProjectFiles
 bool FindDescriptor(const FString& Path, FString& OutFolder, FString& OutDescriptor, FString& OutError);
 /** Fills name and description; a descriptor that cannot be read gives the file's name. */
 void ReadDescriptor(FProjectSummary& Summary, FDiagnosticSink& Diagnostics);
+/** What a file means for the project, by its path relative to the project. */
+bool IsDescriptor(std::string_view Path);
+bool IsSettings(std::string_view Path);
+bool IsScriptModule(std::string_view Path);
+bool IsPlugin(std::string_view Path);
 /** Applies Config/DefaultGame.ini to the settings classes; without the file they have their defaults. */
 void ReadSettings(const FString& Folder, FDiagnosticSink& Diagnostics);
 /** Of Config/DefaultGame.ini; none without the file. */

@@ -19,6 +19,8 @@ public:
 	static bool AssetExists(const FString& Path);
 	/** Says which of the project's files are text files; null, as before the first call: none. */
 	static void SetTextFileRule(FIsTextFile Rule);
+	/** Drops what is kept of the project's folders: another one may lie under the same path from now on. */
+	static void ForgetTextFiles();
 	/** Compact JSON text; "{}" for null. */
 	static FString SerializeJson(const TSharedPtr<FJsonObject>& Object);
 };

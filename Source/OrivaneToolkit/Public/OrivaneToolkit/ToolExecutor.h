@@ -17,6 +17,9 @@ struct FToolCallOptions
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 	/** Appended to the time-out message when it gives a text: what the caller should know or do. May be empty. */
 	std::function<FString(const FToolCommand&)> ExplainTimeOut;
+	/** Run on the game thread directly before the tool, when it is the call's turn; does not count for the time limit. What it
+	 * throws fails the call. May be empty. */
+	std::function<void()> BeforeStart = {};
 };
 
 /**

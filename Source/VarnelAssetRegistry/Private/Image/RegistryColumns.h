@@ -107,6 +107,7 @@ constexpr void ForEachColumn(TVisit&& Visit, TSets&... In)
 	Visit(FColumn{"ClassParents", Classes, IdsOrNone, Classes}, In.ClassParents...);
 	Visit(FColumn{"FirstClassAssets", Classes, Ranges, Assets}, In.FirstClassAssets...);
 	Visit(FColumn{"ClassAssets", Assets, Ids, Assets}, In.ClassAssets...);
+	Visit(FColumn{"UnclearClasses", Some, AscendingIds, Classes}, In.UnclearClasses...);
 	Visit(FColumn{"FirstClassChildren", Classes, Ranges, ChildClasses}, In.FirstClassChildren...);
 	Visit(FColumn{"ClassChildren", ChildClasses, Ids, Classes}, In.ClassChildren...);
 

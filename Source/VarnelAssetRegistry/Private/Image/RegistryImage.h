@@ -53,6 +53,8 @@ public:
 	uint32 FindClass(std::string_view Path) const;
 	/** The package of that name, which has a file; else NoId. */
 	uint32 FindPackage(std::string_view Name) const;
+	/** The first package that does not come before a folded name in registry order; the end where there is none. */
+	uint32 FindPlaceOfPackage(std::string_view Folded) const { return LowerBound(EZone::Nodes, {0, NumPackages()}, Folded); }
 	/** The packages in a folder and all folders below it ("/Game/UI"), and the ids of the folder itself: one for each of its
 	 * spellings. */
 	FRowRange FindPackagesBelow(std::string_view Folder) const;

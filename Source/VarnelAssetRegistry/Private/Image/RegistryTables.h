@@ -100,7 +100,8 @@ struct TRegistryColumns
 	// By class
 	TStorage<uint32> ClassParents; // NoId: none known; never a cycle
 	TStorage<uint32> FirstClassAssets;
-	TStorage<uint32> ClassAssets; // in registry order
+	TStorage<uint32> ClassAssets;	 // in registry order
+	TStorage<uint32> UnclearClasses; // given several parents, or one that did not count: what other packages say decides
 	TStorage<uint32> FirstClassChildren;
 	TStorage<uint32> ClassChildren;
 

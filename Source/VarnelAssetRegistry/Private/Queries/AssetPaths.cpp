@@ -1,7 +1,7 @@
 #include "AssetRegistry/AssetPaths.h"
 
+#include "Queries/OverlayMerge.h"
 #include "Queries/PathSearch.h"
-#include "Queries/RegistrySnapshot.h"
 
 #include <algorithm>
 
@@ -20,62 +20,77 @@ int32 ToIndex(uint32 Row)
 
 void FAssetPathView::Find(const FAssetPathQuery& Query, const std::function<void(FRange)>& Visit) const
 {
-	if (Snapshot)
-		FPathSearch(*Snapshot->Image, Query,
-			[&](FRowRange Assets) {
-				Visit({ToIndex(Assets.Begin), ToIndex(Assets.End)});
-			})
-			.Run();
+	if (!Snapshot)
+		return;
+	const auto VisitAll = [&Visit](FRowRange Assets)
+	{
+		Visit({ToIndex(Assets.Begin), ToIndex(Assets.End)});
+		return true;
+	};
+	if (!Snapshot->Overlay)
+		return FPathSearch(*Snapshot->Base->Image, Query, VisitAll).Run();
+	std::vector<uint32> Added;
+	FPathSearch(*Snapshot->Overlay->Part->Image, Query,
+		[&Added](FRowRange Assets)
+		{
+			for (uint32 Asset = Assets.Begin; Asset < Assets.End; ++Asset)
+				Added.push_back(Asset);
+		})
+		.Run();
+	FOverlayMerge Merge(*Snapshot, std::move(Added), VisitAll);
+	FPathSearch(*Snapshot->Base->Image, Query, [&Merge](FRowRange Assets) { Merge.Take(Assets); }).Run();
+	Merge.Finish();
 }
 
 int32 FAssetPathView::NumAssets() const
 {
-	return Snapshot ? ToIndex(Snapshot->Image->NumAssets()) : 0;
+	return Snapshot ? ToIndex(Snapshot->NumAssets()) : 0;
 }
 
 void FAssetPathView::AppendObjectPath(int32 Asset, FString& Out) const
 {
-	Snapshot->Image->AppendObjectPath(ToRow(Asset), Out);
+	Snapshot->AppendObjectPath(ToRow(Asset), Out);
 }
 
 int32 FAssetPathView::NumFolders() const
 {
-	return Snapshot ? ToIndex(Snapshot->Image->GetTables().NumTexts(EZone::Folders)) : 0;
+	return Snapshot ? ToIndex(Snapshot->NumFolders()) : 0;
 }
 
 int32 FAssetPathView::GetFolder(int32 Asset) const
 {
-	const FRegistryTables& Tables = Snapshot->Image->GetTables();
-	return ToIndex(Tables.PackageFolders[Tables.AssetPackages[ToRow(Asset)]]);
+	return ToIndex(Snapshot->GetFolderOf(ToRow(Asset)));
 }
 
 FStringView FAssetPathView::GetFolderPath(int32 Folder) const
 {
-	return Snapshot->Image->GetTables().GetText(EZone::Folders, ToRow(Folder));
+	return Snapshot->GetFolderPath(ToRow(Folder));
 }
 
 int32 FAssetPathView::FindEndOfFolder(FRange Assets) const
 {
-	const FRegistryTables& Tables = Snapshot->Image->GetTables();
-	const uint32 End = Tables.AssetPackages[ToRow(Assets.End - 1)];
-	uint32 Package = Tables.AssetPackages[ToRow(Assets.Begin)];
+	const FRegistrySnapshot::FRow First = Snapshot->GetAsset(ToRow(Assets.Begin)); // a range lies in one part
+	const FRegistryTables& Tables = First.GetTables();
+	const uint32 NumBefore = ToRow(Assets.Begin) - First.Row;
+	const uint32 End = Tables.AssetPackages[ToRow(Assets.End - 1) - NumBefore];
+	uint32 Package = Tables.AssetPackages[First.Row];
 	const uint32 Folder = Tables.PackageFolders[Package];
 	while (Package <= End && Tables.PackageFolders[Package] == Folder)
 		++Package;
-	return std::min(Assets.End, ToIndex(Tables.FirstAssets[Package]));
+	return std::min(Assets.End, ToIndex(Tables.FirstAssets[Package] + NumBefore));
 }
 
 int32 FAssetPathView::NumClasses() const
 {
-	return Snapshot ? ToIndex(Snapshot->Image->NumClasses()) : 0;
+	return Snapshot ? ToIndex(Snapshot->NumClasses()) : 0;
 }
 
 int32 FAssetPathView::GetClass(int32 Asset) const
 {
-	return ToIndex(Snapshot->Image->GetTables().AssetClasses[ToRow(Asset)]);
+	return ToIndex(Snapshot->GetClassOf(ToRow(Asset)));
 }
 
 FTopLevelAssetPath FAssetPathView::GetClassPath(int32 Class) const
 {
-	return Snapshot->Names.GetClass(ToRow(Class));
+	return Snapshot->GetClassPath(ToRow(Class));
 }

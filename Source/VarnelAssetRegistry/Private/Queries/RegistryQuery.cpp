@@ -1,5 +1,7 @@
 #include "Queries/RegistryQuery.h"
 
+#include "Queries/OverlayMerge.h"
+
 #include <algorithm>
 
 namespace
@@ -12,17 +14,17 @@ struct FWantedFolder
 	FRowRange Spellings; // ids of the folder itself, for a search that does not go below it
 };
 
-/** One query: the filter's lists, as ids and rows of the image. */
+/** One query of one part: the filter's lists, as ids and rows of its image. */
 class FAssetQuery
 {
 public:
-	FAssetQuery(const FRegistryImage& InImage, const FRegistryNames& InNames, const FARFilter& InFilter,
+	/** Classes are the part's own, each once. */
+	FAssetQuery(const FRegistryPart& Part, const FARFilter& InFilter, std::vector<uint32> InClasses,
 		const std::function<bool(uint32)>& InVisit);
 	void Run();
 
 private:
 	void AddFolder(std::string_view Folder);
-	void AddClass(const FTopLevelAssetPath& Path);
 
 	bool RunNamedPackages();
 	bool RunClasses();
@@ -41,25 +43,29 @@ private:
 	const FARFilter& Filter;
 	const std::function<bool(uint32)>& Visit;
 	std::vector<FWantedFolder> Folders;
-	std::vector<uint32> Classes; // each once
+	const std::vector<uint32> Classes;
 	std::vector<bool> IsWantedClass;
 	std::size_t NumClassAssets = 0;
 };
 
-FAssetQuery::FAssetQuery(const FRegistryImage& InImage, const FRegistryNames& InNames, const FARFilter& InFilter,
+FAssetQuery::FAssetQuery(const FRegistryPart& Part, const FARFilter& InFilter, std::vector<uint32> InClasses,
 	const std::function<bool(uint32)>& InVisit)
-	: Image(InImage)
-	, Tables(InImage.GetTables())
-	, Names(InNames)
+	: Image(*Part.Image)
+	, Tables(Image.GetTables())
+	, Names(Part.Names)
 	, Filter(InFilter)
 	, Visit(InVisit)
+	, Classes(std::move(InClasses))
 {
 	for (const FName Folder : Filter.PackagePaths)
 		AddFolder(Folder.View());
 	if (!Filter.ClassPaths.IsEmpty())
 		IsWantedClass.resize(Image.NumClasses());
-	for (const FTopLevelAssetPath& Path : Filter.ClassPaths)
-		AddClass(Path);
+	for (const uint32 Class : Classes)
+	{
+		IsWantedClass[Class] = true;
+		NumClassAssets += FRegistryTables::RangeOf(Tables.FirstClassAssets, Class).Num();
+	}
 }
 
 void FAssetQuery::AddFolder(std::string_view Folder)
@@ -67,24 +73,6 @@ void FAssetQuery::AddFolder(std::string_view Folder)
 	if (Folder.ends_with('/'))
 		Folder.remove_suffix(1);
 	Folders.push_back({Image.FindPackagesBelow(Folder), Filter.bRecursivePaths ? FRowRange() : Image.FindFolders(Folder)});
-}
-
-void FAssetQuery::AddClass(const FTopLevelAssetPath& Path)
-{
-	const uint32 Class = Image.FindClass(Path.ToString());
-	std::vector<uint32> Found;
-	if (Class != NoId && Filter.bRecursiveClasses)
-		Image.GatherDerivedClasses(Class, Found);
-	else if (Class != NoId)
-		Found.push_back(Class);
-	for (const uint32 Id : Found)
-	{
-		if (IsWantedClass[Id])
-			continue;
-		IsWantedClass[Id] = true;
-		Classes.push_back(Id);
-		NumClassAssets += FRegistryTables::RangeOf(Tables.FirstClassAssets, Id).Num();
-	}
 }
 
 void FAssetQuery::Run()
@@ -183,10 +171,59 @@ bool FAssetQuery::PassesFolder(uint32 Package) const
 	};
 	return Filter.PackagePaths.IsEmpty() || std::any_of(Folders.begin(), Folders.end(), Holds);
 }
+
+/** Classes of the snapshot, each once. */
+std::vector<uint32> FindWantedClasses(const FRegistrySnapshot& Snapshot, const FARFilter& Filter)
+{
+	std::vector<uint32> Classes;
+	for (const FTopLevelAssetPath& Path : Filter.ClassPaths)
+	{
+		const uint32 Class = Snapshot.FindClass(Path.ToString());
+		if (Class != NoId && Filter.bRecursiveClasses)
+			Snapshot.GatherDerivedClasses(Class, Classes);
+		else if (Class != NoId)
+			Classes.push_back(Class);
+	}
+	std::sort(Classes.begin(), Classes.end());
+	Classes.erase(std::unique(Classes.begin(), Classes.end()), Classes.end());
+	return Classes;
 }
 
-void VisitAssets(const FRegistryImage& Image, const FRegistryNames& Names, const FARFilter& Filter,
-	const std::function<bool(uint32 Asset)>& Visit)
+/** Rows of the overlay's part. */
+std::vector<uint32> FindAdded(const FRegistryOverlay& Overlay, const FARFilter& Filter, const std::vector<uint32>& Classes)
 {
-	FAssetQuery(Image, Names, Filter, Visit).Run();
+	std::vector<uint32> OfPart;
+	for (uint32 Class = 0; Class < Overlay.Classes.size(); ++Class)
+	{
+		if (std::binary_search(Classes.begin(), Classes.end(), Overlay.Classes[Class]))
+			OfPart.push_back(Class);
+	}
+	std::vector<uint32> Added;
+	const std::function<bool(uint32)> Take = [&Added](uint32 Asset)
+	{
+		Added.push_back(Asset);
+		return true;
+	};
+	FAssetQuery(*Overlay.Part, Filter, std::move(OfPart), Take).Run();
+	return Added;
+}
+}
+
+void VisitAssets(const FRegistrySnapshot& Snapshot, const FARFilter& Filter, const std::function<bool(uint32 Asset)>& Visit)
+{
+	std::vector<uint32> Classes = FindWantedClasses(Snapshot, Filter);
+	if (!Snapshot.Overlay)
+		return FAssetQuery(*Snapshot.Base, Filter, std::move(Classes), Visit).Run();
+	std::vector<uint32> Added = FindAdded(*Snapshot.Overlay, Filter, Classes);
+	Classes.erase(std::lower_bound(Classes.begin(), Classes.end(), Snapshot.Base->Image->NumClasses()), Classes.end());
+	FOverlayMerge Merge(Snapshot, std::move(Added),
+		[&Visit](FRowRange Assets)
+		{
+			while (Assets.Begin < Assets.End && Visit(Assets.Begin))
+				++Assets.Begin;
+			return Assets.Begin == Assets.End;
+		});
+	const std::function<bool(uint32)> Take = [&Merge](uint32 Asset) { return Merge.Take({Asset, Asset + 1}); };
+	FAssetQuery(*Snapshot.Base, Filter, std::move(Classes), Take).Run();
+	Merge.Finish();
 }

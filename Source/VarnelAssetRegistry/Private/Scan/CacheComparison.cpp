@@ -9,7 +9,12 @@ namespace
 class FComparer
 {
 public:
-	explicit FComparer(FCacheComparison& InOut) : Tables(InOut.Image->GetTables()), Out(InOut) {}
+	FComparer(FCacheComparison& InOut, const FScanScope* InChanged)
+		: Tables(InOut.Image->GetTables())
+		, Out(InOut)
+		, Changed(InChanged)
+	{
+	}
 
 	void Compare(const FListedFiles::FRoot& Root, FRowRange Known);
 
@@ -20,6 +25,7 @@ private:
 
 	const FRegistryTables& Tables;
 	FCacheComparison& Out;
+	const FScanScope* const Changed;
 };
 
 void FComparer::Compare(const FListedFiles::FRoot& Root, FRowRange Known)
@@ -51,7 +57,9 @@ void FComparer::Match(const FListedFiles::FRoot& Root, int32 Listed, uint32 Know
 {
 	const uint32 Package = Tables.FilePackages[Known];
 	Out.FileOfPackage[Package] = Root.FirstFile + static_cast<uint32>(Listed);
-	if (Tables.FileStamps[Known] != Root.Tree.GetStamp(Listed))
+	const auto HasChanged = [&]
+	{ return Changed && Changed->HoldsFile(Root.Folder.ToStdString() + std::string(Root.Tree.GetRelativePath(Listed))); };
+	if (Tables.FileStamps[Known] != Root.Tree.GetStamp(Listed) || HasChanged())
 		Out.Changed.push_back(Package);
 }
 
@@ -74,7 +82,7 @@ uint32 FCacheComparison::FindCarriedOver(std::string_view LongName) const
 	return Package != NoId && FileOfPackage[Package] != NoId ? Package : NoId;
 }
 
-FCacheComparison CompareWithListed(TSharedPtr<const FRegistryImage> Image, const FListedFiles& Files)
+FCacheComparison CompareWithListed(TSharedPtr<const FRegistryImage> Image, const FListedFiles& Files, const FScanScope* Changed)
 {
 	FCacheComparison Out;
 	Out.Image = std::move(Image);
@@ -85,7 +93,7 @@ FCacheComparison CompareWithListed(TSharedPtr<const FRegistryImage> Image, const
 		return Out;
 	}
 	Out.FileOfPackage.assign(Out.Image->NumPackages(), NoId);
-	FComparer Comparer(Out);
+	FComparer Comparer(Out, Changed);
 	for (const FListedFiles::FRoot& Root : Files.GetRoots())
 		Comparer.Compare(Root, FindRootFiles(Out.Image->GetTables(), Root));
 	Out.NumRemoved = static_cast<uint32>(std::count(Out.FileOfPackage.begin(), Out.FileOfPackage.end(), NoId));

@@ -18,5 +18,7 @@ struct FCacheComparison
 	uint32 FindCarriedOver(std::string_view LongName) const;
 };
 
-/** Compares path by path; roots are the same when name and folder are. The image may be null. */
-FCacheComparison CompareWithListed(TSharedPtr<const FRegistryImage> Image, const FListedFiles& Files);
+/** Compares path by path; roots are the same when name and folder are. The image may be null. Files that a scope holds have
+ * changed, whatever their stamps say: two changes in one tick of the file system give the same. */
+FCacheComparison CompareWithListed(
+	TSharedPtr<const FRegistryImage> Image, const FListedFiles& Files, const FScanScope* Changed = nullptr);

@@ -32,7 +32,7 @@ void ListByRow(const std::vector<uint32>& RowOf, std::size_t NumRows, std::vecto
 }
 
 /** Takes the parent away from every class that is among its own parents, as objects of such classes have it. */
-void CutCircles(std::vector<uint32>& Parents)
+void CutCircles(std::vector<uint32>& Parents, std::vector<uint32>& OutCut)
 {
 	std::vector<uint32> PassedFrom(Parents.size(), NoId); // the class whose walk came by first
 	for (uint32 Class = 0; Class < Parents.size(); ++Class)
@@ -42,7 +42,10 @@ void CutCircles(std::vector<uint32>& Parents)
 			PassedFrom[At] = Class;
 		const bool bCameBack = At != NoId && PassedFrom[At] == Class;
 		while (bCameBack && At != NoId)
+		{
+			OutCut.push_back(At);
 			At = std::exchange(Parents[At], NoId);
+		}
 	}
 }
 }
@@ -87,13 +90,17 @@ void FClassTable::AddGenerated(std::string_view Class, std::string_view Parent, 
 		SetParent(Id, Paths.Add(Parent));
 	else if (IsClassPath(NativeParent))
 		SetParent(Id, Paths.Add(NativeParent));
+	else
+		Disputed.push_back(Id);
 }
 
 void FClassTable::SetParent(uint32 Class, uint32 Parent)
 {
 	if (Parents.size() < Paths.Num())
 		Parents.resize(Paths.Num(), NoId);
-	if (Parents[Class] == NoId && Class != Parent)
+	if (Parents[Class] != NoId || Class == Parent)
+		Disputed.push_back(Class);
+	else
 		Parents[Class] = Parent;
 }
 
@@ -103,7 +110,11 @@ void FClassTable::Finish(FRegistryDraft& Draft, FTextTable& OutPaths)
 	Draft.ClassParents.assign(Paths.Num(), NoId);
 	for (uint32 Class = 0; Class < Parents.size(); ++Class)
 		Draft.ClassParents[Places[Class]] = Parents[Class] == NoId ? NoId : Places[Parents[Class]];
-	CutCircles(Draft.ClassParents);
+	for (const uint32 Class : Disputed)
+		Draft.UnclearClasses.push_back(Places[Class]);
+	CutCircles(Draft.ClassParents, Draft.UnclearClasses);
+	std::sort(Draft.UnclearClasses.begin(), Draft.UnclearClasses.end());
+	Draft.UnclearClasses.erase(std::unique(Draft.UnclearClasses.begin(), Draft.UnclearClasses.end()), Draft.UnclearClasses.end());
 	for (uint32& Class : Draft.AssetClasses)
 		Class = Places[Class];
 	ListByRow(Draft.ClassParents, Paths.Num(), Draft.FirstClassChildren, Draft.ClassChildren);

@@ -28,7 +28,8 @@ private:
 	void SetParent(uint32 Class, uint32 Parent);
 
 	FTextTable Paths{ESearchCase::IgnoreCase};
-	std::vector<uint32> Parents; // by id for the time being; may be shorter than Paths
+	std::vector<uint32> Parents;  // by id for the time being; may be shorter than Paths
+	std::vector<uint32> Disputed; // classes that were given a further parent, or none
 };
 
 /** Appends texts to Out in registry order; element Id is the place where the text Id went. */

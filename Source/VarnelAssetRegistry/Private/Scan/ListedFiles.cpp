@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-FListedFiles::FListedFiles(const FRegistryScanOptions& Options) : Sources(Options.Sources)
+FListedFiles::FListedFiles(const FRegistryScanOptions& Options, const FScanScope* Scope) : Sources(Options.Sources)
 {
 	checkf(Sources.Num() <= UINT8_MAX, "an image keeps the source of a file in one byte");
 	const FString Project = FolderText::WithTrailingSlash(Options.ProjectFolder);
@@ -18,25 +18,32 @@ FListedFiles::FListedFiles(const FRegistryScanOptions& Options) : Sources(Option
 		Root.StoredFolder = bInside ? FString(Root.Folder.View().substr(Project.View().size())) : Root.Folder;
 	}
 	for (FRoot& Root : Roots)
-		List(Root, Options);
+		List(Root, Options, Scope);
 }
 
-void FListedFiles::List(FRoot& Root, const FRegistryScanOptions& Options)
+void FListedFiles::List(FRoot& Root, const FRegistryScanOptions& Options, const FScanScope* Scope)
 {
-	const auto IsAnotherRoot = [this, &Root](std::string_view Path)
-	{
-		const std::string Folder = Root.Folder.ToStdString() + std::string(Path) + '/';
-		return std::any_of(Roots.begin(), Roots.end(), [&Folder](const FRoot& Other) { return Other.Folder.View() == Folder; });
-	};
+	Root.FirstFile = NumFiles;
+	if (Scope && !Scope->ReachesBelow(Root.Folder.View()))
+		return;
+	const std::string Folder = Root.Folder.ToStdString();
+	const auto IsAnotherRoot = [this](std::string_view Path)
+	{ return std::any_of(Roots.begin(), Roots.end(), [Path](const FRoot& Other) { return Other.Folder.View() == Path; }); };
 	FFileTreeOptions TreeOptions;
-	TreeOptions.KeepFile = [this](std::string_view Path)
-	{ return Sources.ContainsByPredicate([Path](const IPackageSource* Source) { return Source->IsPackageFile(Path); }); };
-	TreeOptions.EnterFolder = [&IsAnotherRoot](std::string_view Path) { return !IsAnotherRoot(Path); };
+	TreeOptions.KeepFile = [&](std::string_view Path)
+	{
+		return Sources.ContainsByPredicate([Path](const IPackageSource* Source) { return Source->IsPackageFile(Path); }) &&
+			(!Scope || Scope->HoldsFile(Folder + std::string(Path)));
+	};
+	TreeOptions.EnterFolder = [&](std::string_view Path)
+	{
+		const std::string Below = Folder + std::string(Path) + '/';
+		return !IsAnotherRoot(Below) && (!Scope || Scope->ReachesBelow(Below));
+	};
 	TreeOptions.bWithStamps = true;
 	TreeOptions.NumThreads = Options.NumThreads;
 	TreeOptions.Stop = Options.Stop;
 	Root.Tree = FFileTree::List(Root.Folder, TreeOptions);
-	Root.FirstFile = NumFiles;
 	NumFiles += static_cast<uint32>(Root.Tree.Num());
 	ReportUnreadableFolders(Root, Options);
 }

@@ -2,6 +2,7 @@
 
 #include "AssetRegistry/AssetRegistry.h"
 #include "Core/Files/FileTree.h"
+#include "Scan/ScanScope.h"
 
 /**
  * The package files below all roots of a scan, with their stamps. A file has one number over all roots: by root, in byte order of
@@ -20,7 +21,8 @@ public:
 		uint32 FirstFile = 0;
 	};
 
-	explicit FListedFiles(const FRegistryScanOptions& Options);
+	/** Of a scope alone, unless it is null. */
+	FListedFiles(const FRegistryScanOptions& Options, const FScanScope* Scope);
 
 	uint32 Num() const { return NumFiles; }
 	const std::vector<FRoot>& GetRoots() const { return Roots; }
@@ -37,7 +39,7 @@ public:
 	FString GetDisplayName(uint32 File) const;
 
 private:
-	void List(FRoot& Root, const FRegistryScanOptions& Options);
+	void List(FRoot& Root, const FRegistryScanOptions& Options, const FScanScope* Scope);
 	void ReportUnreadableFolders(const FRoot& Root, const FRegistryScanOptions& Options) const;
 
 	TArray<const IPackageSource*> Sources;

@@ -81,7 +81,7 @@ void FNameHolders::FoldNames(std::string& OutFolded, std::vector<std::string_vie
 }
 
 /** SameName are indices of candidates whose names are equal without regard to case. */
-void FNameHolders::ChooseOne(std::span<const uint32> SameName, FCacheComparison& Cached, std::vector<FCandidate>& Chosen) const
+void FNameHolders::ChooseOne(std::span<const uint32> SameName, FCacheComparison& Cached, std::vector<FCandidate>& Chosen)
 {
 	const FCandidate& First = Candidates[*std::min_element(SameName.begin(), SameName.end(),
 		[this](uint32 A, uint32 B) { return LiesBefore(Candidates[A].File, Candidates[B].File); })];
@@ -110,8 +110,9 @@ bool FNameHolders::LiesBefore(uint32 FileA, uint32 FileB) const
 	return PathOf(FileA) < PathOf(FileB);
 }
 
-void FNameHolders::ReportTaken(uint32 File, uint32 Holder) const
+void FNameHolders::ReportTaken(uint32 File, uint32 Holder)
 {
+	bContested = true;
 	Report(File, "duplicate-package",
 		"the package's name belongs to " + Files.GetDisplayName(Holder) +
 			" already; the names of two packages differ by more than upper and lower case");

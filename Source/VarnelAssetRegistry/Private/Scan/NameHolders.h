@@ -22,18 +22,21 @@ public:
 	void Choose(const std::vector<uint32>& FilesToRead, FCacheComparison& InOutCached);
 	/** In registry order. The names live as long as this object. */
 	const std::vector<FCandidate>& GetCandidates() const { return Candidates; }
+	/** Some file did not get the name that it has. */
+	bool AreNamesContested() const { return bContested; }
 
 private:
 	void AddNames(const std::vector<uint32>& FilesToRead);
 	void AddName(uint32 File);
 	void FoldNames(std::string& OutFolded, std::vector<std::string_view>& OutNames) const;
-	void ChooseOne(std::span<const uint32> SameName, FCacheComparison& Cached, std::vector<FCandidate>& Chosen) const;
+	void ChooseOne(std::span<const uint32> SameName, FCacheComparison& Cached, std::vector<FCandidate>& Chosen);
 	bool LiesBefore(uint32 FileA, uint32 FileB) const;
-	void ReportTaken(uint32 File, uint32 Holder) const;
+	void ReportTaken(uint32 File, uint32 Holder);
 	void Report(uint32 File, const char* Rule, FString Text) const;
 
 	const FListedFiles& Files;
 	FDiagnosticSink* const Diagnostics;
 	std::string Names;
 	std::vector<FCandidate> Candidates;
+	bool bContested = false;
 };

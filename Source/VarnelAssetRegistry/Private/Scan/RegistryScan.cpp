@@ -102,11 +102,12 @@ std::vector<FPackageDraft> MergeInRegistryOrder(const std::vector<FPackageDraft>
 }
 }
 
-FRegistryScan::FRegistryScan(
-	const FRegistryScanOptions& InOptions, const FClassParents& InClassParents, FRegistryScanReport& OutReport)
+FRegistryScan::FRegistryScan(const FRegistryScanOptions& InOptions, const FClassParents& InClassParents,
+	FRegistryScanReport& OutReport, FScanLimits InLimits)
 	: Options(InOptions)
 	, ClassParents(InClassParents)
 	, Report(OutReport)
+	, Limits(std::move(InLimits))
 	, Key{MakeReadersKey(InOptions), MakeClassesKey(InClassParents)}
 {
 }
@@ -117,9 +118,9 @@ TSharedPtr<const FRegistryImage> FRegistryScan::Run()
 	const FListedFiles Files = [this]
 	{
 		const FStepTimer Timer(Report.ListSeconds);
-		return FListedFiles(Options);
+		return FListedFiles(Options, Limits.Scope);
 	}();
-	if (Options.Stop.stop_requested())
+	if (Options.Stop.stop_requested() || Files.Num() > Limits.MaxFiles)
 		return nullptr;
 	Report.NumFiles = static_cast<int32>(Files.Num());
 	AddProgress(Options.NumTotal, Files.Num());
@@ -133,7 +134,10 @@ TSharedPtr<const FRegistryImage> FRegistryScan::Run()
 /** Takes the cache that fits best: one in a folder that can no longer be written would otherwise hide a newer one. */
 void FRegistryScan::FindCache(const FListedFiles& Files)
 {
-	Cached = CompareWithListed(nullptr, Files);
+	const bool bKnown = Limits.Known && Limits.Known->GetKey().Readers == Key.Readers;
+	Cached = CompareWithListed(bKnown ? Limits.Known : nullptr, Files, Limits.Changed);
+	if (Limits.Known || Limits.Scope)
+		return;
 	Report.CacheState = Options.Cache == ERegistryCache::Ignore ? "off"
 		: Options.Cache == ERegistryCache::Rebuild				? "rebuilt: asked for"
 																: "created";
@@ -174,6 +178,7 @@ TSharedPtr<const FRegistryImage> FRegistryScan::Update(const FListedFiles& Files
 		Headers = ReadHeaders(Holders.GetCandidates(), Files, Options);
 	}
 	Report.NumParsed = Headers.NumRead;
+	GatherNamesWithoutRecord(Holders, Headers, Files);
 	if (Options.Stop.stop_requested())
 		return nullptr;
 	if (IsCacheRight(Holders.GetCandidates(), Headers))
@@ -240,10 +245,22 @@ TSharedPtr<const FRegistryImage> FRegistryScan::Build(
 	return BuildRegistry(Input);
 }
 
+void FRegistryScan::GatherNamesWithoutRecord(const FNameHolders& Holders, const FReadHeaders& Headers, const FListedFiles& Files)
+{
+	NamesWithoutRecord.bContested = Holders.AreNamesContested();
+	for (std::size_t Index = 0; Index < Headers.Places.size(); ++Index)
+	{
+		const FCandidate& Candidate = Holders.GetCandidates()[Index];
+		if (Headers.Places[Index].Reader == NoId)
+			NamesWithoutRecord.FileByName.emplace(Unicode::Fold(Candidate.LongName),
+				Files.GetRoot(Candidate.File).Folder.ToStdString() + std::string(Files.GetRelativePath(Candidate.File)));
+	}
+}
+
 void FRegistryScan::WriteCache(const FRegistryImage& Image)
 {
 	Report.CacheFile = {};
-	if (Options.Cache == ERegistryCache::Ignore)
+	if (Options.Cache == ERegistryCache::Ignore || Limits.Scope)
 		return;
 	for (const FString& Folder : Options.CacheFolders)
 	{

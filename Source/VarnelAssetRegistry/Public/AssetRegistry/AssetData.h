@@ -4,7 +4,7 @@
 #include "CoreObject/Objects/ObjectPath.h"
 
 class FRegistryImage;
-struct FRegistrySnapshot;
+struct FRegistryPart;
 class UObject;
 
 /**
@@ -33,7 +33,7 @@ public:
 	UObject* GetAsset() const;
 
 private:
-	friend struct FRegistrySnapshot;
+	friend struct FRegistryPart;
 	TSharedPtr<const FRegistryImage> Image; // owner of the tags
 	uint32 Row = 0;
 };

@@ -5,7 +5,9 @@
 #include "CoreObject/Packages/PackageSource.h"
 
 #include <atomic>
+#include <span>
 #include <stop_token>
+#include <string>
 
 /** Folder whose packages a registry lists. */
 struct FRegistryRoot
@@ -30,7 +32,9 @@ struct FRegistryScanOptions
 	FString ProjectFolder;		  // for the names in diagnostics
 	TArray<FString> CacheFolders; // tried in order for reading and for writing; the file in them is named by the registry
 	ERegistryCache Cache = ERegistryCache::Use;
-	int32 NumThreads = 0;					// 0: all processors
+	int32 NumThreads = 0; // 0: all processors
+	/** An update: packages that have changed, kept beside the image, from which on a new image is made in the background. */
+	int32 FoldAt = 512;
 	FDiagnosticSink* Diagnostics = nullptr; // null: faults are not told
 	/** Files done so far and in all, for progress; may be null. */
 	std::atomic<int32>* NumDone = nullptr;
@@ -53,7 +57,19 @@ struct FRegistryScanReport
 	double BuildSeconds = 0;
 };
 
-/** The headless registry: one immutable image of columns, swapped whole by a scan. */
+/** What became of FAssetRegistry::Update. */
+enum class ERegistryUpdate : uint8
+{
+	Unchanged, // no package was concerned
+	Updated,
+	Stopped, // the registry keeps what it held, and the change is not forgotten: the next update makes up for it
+};
+
+class FLiveRegistry;
+
+/**
+ * The headless registry: one immutable image of columns, swapped whole by a scan, and what has changed since in a small overlay.
+ */
 class FAssetRegistry : public IAssetRegistry
 {
 public:
@@ -66,6 +82,14 @@ public:
 	 * valid package name is reported and skipped. False only when stopped: the registry then keeps what it held.
 	 */
 	bool Scan(const FRegistryScanOptions& Options, FRegistryScanReport& OutReport);
+	/**
+	 * Brings a registry that has been scanned up to date after files have changed, appeared or gone, and whatever is at or below
+	 * folders (with a trailing slash); absolute, bytes of the file system, others than packages may be among them. Costs the
+	 * changed files and those of the last updates, not the project; only where names clash, or very many files have changed, is
+	 * everything listed again. The options are those of the scan. Afterwards queries answer as after a new scan.
+	 */
+	ERegistryUpdate Update(const FRegistryScanOptions& Options, std::span<const std::string> Files,
+		std::span<const std::string> Folders, FRegistryScanReport& OutReport);
 	/** Declares the parents of classes that are not Blueprint-generated (native and declared ones), before a scan. */
 	void SetClassParents(const TArray<std::pair<FTopLevelAssetPath, FTopLevelAssetPath>>& ChildAndParent);
 
@@ -78,7 +102,7 @@ public:
 	TArray<std::pair<FTopLevelAssetPath, int32>> CountAssetsByClass() const;
 	/** The file of a package, absolute; "" when the registry does not know it. */
 	FString GetPackageFileName(FName PackageName, const IPackageSource*& OutSource) const;
-	/** Readable dump of all columns, for people who look for a fault. */
+	/** Readable dump of all columns, for people who look for a fault; what has changed since the last scan is left out. */
 	void Dump(const std::function<void(FStringView Line)>& Write) const;
 
 	// IAssetRegistry
@@ -100,6 +124,5 @@ public:
 	FBlueprintIndexView GetBlueprintIndex() const override;
 
 private:
-	struct FState;
-	TUniquePtr<FState> State;
+	TUniquePtr<FLiveRegistry> Live;
 };

@@ -2,7 +2,6 @@
 
 #include "Core/Base/Map.h"
 #include "Objects/ObjectTable.h"
-#include "Packages/PackageEviction.h"
 
 #include <algorithm>
 
@@ -49,11 +48,8 @@ void FLoadedPackages::ForgetUnloaded()
 		NumBytes += Entry.NumBytes;
 }
 
-int32 FLoadedPackages::Evict()
+std::vector<FLoadedPackageUse> FLoadedPackages::MakeUses() const
 {
-	if (MaxBytes <= 0 || NumBytes <= MaxBytes)
-		return 0;
-	ForgetUnloaded();
 	THashMap<FName, int32, FKeyHash> Places;
 	for (const FEntry& Entry : Entries)
 		Places.emplace(Entry.Name, static_cast<int32>(Places.size()));
@@ -69,7 +65,11 @@ int32 FLoadedPackages::Evict()
 				Use.References.push_back(Found->second);
 		}
 	}
-	const std::vector<uint8> Kept = ChooseKeptPackages(Uses, MaxBytes);
+	return Uses;
+}
+
+int32 FLoadedPackages::KeepOnly(const std::vector<uint8>& Kept)
+{
 	TArray<UObject*> Gone;
 	for (std::size_t Place = 0; Place < Entries.size(); ++Place)
 	{
@@ -79,6 +79,24 @@ int32 FLoadedPackages::Evict()
 	DestroyObjects(Gone);
 	ForgetUnloaded();
 	return Gone.Num();
+}
+
+int32 FLoadedPackages::Evict()
+{
+	if (MaxBytes <= 0 || NumBytes <= MaxBytes)
+		return 0;
+	ForgetUnloaded();
+	return KeepOnly(ChooseKeptPackages(MakeUses(), MaxBytes));
+}
+
+int32 FLoadedPackages::Drop(const std::function<bool(FName PackageName)>& HasChanged)
+{
+	ForgetUnloaded();
+	std::vector<uint8> Kept;
+	for (const FEntry& Entry : Entries)
+		Kept.push_back(!HasChanged(Entry.Name) && std::none_of(Entry.References.begin(), Entry.References.end(), HasChanged));
+	DropReferencers(MakeUses(), Kept);
+	return KeepOnly(Kept);
 }
 
 void FLoadedPackages::UnloadAll()

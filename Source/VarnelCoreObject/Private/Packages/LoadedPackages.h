@@ -3,7 +3,9 @@
 #include "Core/Base/HashMap.h"
 #include "Core/Base/KeyHash.h"
 #include "CoreObject/Reflection/Class.h"
+#include "Packages/PackageEviction.h"
 
+#include <functional>
 #include <vector>
 
 /** The packages that were loaded from files: what they take, what they refer to, and which of them must stay. Game thread. */
@@ -17,6 +19,8 @@ public:
 	void SetMaxBytes(int64 InMaxBytes) { MaxBytes = InMaxBytes; }
 	int64 GetNumBytes() const { return NumBytes; }
 	int32 Evict();
+	/** See DropLoadedPackages. */
+	int32 Drop(const std::function<bool(FName PackageName)>& HasChanged);
 	/** Pins stay. */
 	void UnloadAll();
 
@@ -28,6 +32,10 @@ private:
 		std::vector<FName> References;
 	};
 	void ForgetUnloaded();
+	/** Of the entries, which are all loaded and each once. */
+	std::vector<FLoadedPackageUse> MakeUses() const;
+	/** Unloads the entries whose place is not set. Returns how many. */
+	int32 KeepOnly(const std::vector<uint8>& Kept);
 
 	std::vector<FEntry> Entries; // in the order of loading; some may have been unloaded by others meanwhile
 	THashSet<FName, FKeyHash> Pinned;

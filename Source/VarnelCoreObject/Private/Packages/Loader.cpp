@@ -54,6 +54,8 @@ public:
 	void NoteReference(FName PackageName);
 	/** While no package is being loaded. */
 	int32 Evict();
+	/** While no package is being loaded. */
+	int32 Drop(const std::function<bool(FName PackageName)>& HasChanged);
 	FLoadedPackages& GetLoaded() { return Loaded; }
 	TUniquePtr<FParseAhead> MakeAhead(std::function<FName()> Next);
 	/** Gives what was in use before. */
@@ -312,6 +314,13 @@ int32 FLoader::Evict()
 	return Loaded.Evict();
 }
 
+int32 FLoader::Drop(const std::function<bool(FName PackageName)>& HasChanged)
+{
+	checkf(Running.empty(), "packages are unloaded while one of them is being loaded");
+	Failed.Empty();
+	return Loaded.Drop(HasChanged);
+}
+
 void FLoader::NoteReference(FName PackageName)
 {
 	if (!Current)
@@ -399,6 +408,12 @@ int32 EvictLoadedPackages()
 {
 	checkGameThread();
 	return FLoader::Get().Evict();
+}
+
+int32 DropLoadedPackages(const std::function<bool(FName PackageName)>& HasChanged)
+{
+	checkGameThread();
+	return FLoader::Get().Drop(HasChanged);
 }
 
 void PinPackage(FName PackageName)

@@ -74,30 +74,6 @@ private:
 	std::vector<FVisit> Line;
 	FPlaces Order;
 };
-
-/** Where a cycle was cut, its members that stayed refer to one that went: they go too, and whoever refers to them. */
-void DropReferencers(const std::vector<FLoadedPackageUse>& Packages, std::vector<uint8>& Kept)
-{
-	std::vector<FPlaces> Referencers(Packages.size());
-	FPlaces Gone;
-	for (int32 Place = 0; Place < static_cast<int32>(Packages.size()); ++Place)
-	{
-		for (const int32 Reference : At(Packages, Place).References)
-			At(Referencers, Reference).push_back(Place);
-		if (!At(Kept, Place))
-			Gone.push_back(Place);
-	}
-	while (!Gone.empty())
-	{
-		const int32 Place = Gone.back();
-		Gone.pop_back();
-		for (const int32 Referencer : At(Referencers, Place))
-		{
-			if (std::exchange(At(Kept, Referencer), uint8{false}))
-				Gone.push_back(Referencer);
-		}
-	}
-}
 }
 
 std::vector<uint8> ChooseKeptPackages(const std::vector<FLoadedPackageUse>& Packages, int64 MaxBytes)
@@ -121,6 +97,29 @@ std::vector<uint8> ChooseKeptPackages(const std::vector<FLoadedPackageUse>& Pack
 			break;
 		At(Kept, Place) = true;
 	}
-	DropReferencers(Packages, Kept);
+	DropReferencers(Packages, Kept); // where a cycle was cut, members that stayed refer to one that went
 	return Kept;
+}
+
+void DropReferencers(const std::vector<FLoadedPackageUse>& Packages, std::vector<uint8>& Kept)
+{
+	std::vector<FPlaces> Referencers(Packages.size());
+	FPlaces Gone;
+	for (int32 Place = 0; Place < static_cast<int32>(Packages.size()); ++Place)
+	{
+		for (const int32 Reference : At(Packages, Place).References)
+			At(Referencers, Reference).push_back(Place);
+		if (!At(Kept, Place))
+			Gone.push_back(Place);
+	}
+	while (!Gone.empty())
+	{
+		const int32 Place = Gone.back();
+		Gone.pop_back();
+		for (const int32 Referencer : At(Referencers, Place))
+		{
+			if (std::exchange(At(Kept, Referencer), uint8{false}))
+				Gone.push_back(Referencer);
+		}
+	}
 }

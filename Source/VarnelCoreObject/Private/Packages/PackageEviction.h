@@ -19,3 +19,5 @@ struct FLoadedPackageUse
  * goes. Linear in packages and references.
  */
 std::vector<uint8> ChooseKeptPackages(const std::vector<FLoadedPackageUse>& Packages, int64 MaxBytes);
+/** By place, whether a package stays: those whose place is set in Kept, but none that refers to one that goes. */
+void DropReferencers(const std::vector<FLoadedPackageUse>& Packages, std::vector<uint8>& Kept);

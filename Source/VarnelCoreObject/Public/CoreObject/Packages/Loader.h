@@ -88,6 +88,12 @@ int64 GetObjectMemory();
  * owes a class or a type to. Returns how many. Game thread, not while a package is being loaded.
  */
 int32 EvictLoadedPackages();
+/**
+ * Files have changed: unloads the packages that HasChanged names, and every one that has a hard reference to one of these or owes
+ * a class or a type to it, directly or through others, pinned or not. Also a package that lacked what it refers to goes, once
+ * HasChanged names that. Failed loads are forgotten. Returns how many went. Pins stay. Game thread, as EvictLoadedPackages.
+ */
+int32 DropLoadedPackages(const std::function<bool(FName PackageName)>& HasChanged);
 /** EvictLoadedPackages leaves the package, and what it refers to, where it is, from now on or from when it is loaded; pinning
  * loads nothing. Game thread. */
 void PinPackage(FName PackageName);

@@ -1,0 +1,367 @@
+#include "Queries/RegistryOverlay.h"
+
+#include "Core/Text/Unicode.h"
+#include "CoreObject/Objects/PackageName.h"
+
+#include <algorithm>
+
+namespace
+{
+constexpr std::string_view BlueprintClass = "/Script/Engine.Blueprint";
+
+/** Numbers of the snapshot for those of a part: the base's number for what the base knows, new ones behind these. */
+struct FNumbering
+{
+	FNumbering(std::vector<uint32>& InOut, std::vector<uint32>& InOwn, uint32 InNumBase)
+		: Out(InOut)
+		, Own(InOwn)
+		, NumBase(InNumBase)
+	{
+	}
+	void Add(uint32 OfBase)
+	{
+		if (OfBase != NoId)
+			return Out.push_back(OfBase);
+		Own.push_back(static_cast<uint32>(Out.size()));
+		Out.push_back(NumBase + static_cast<uint32>(Own.size()) - 1);
+	}
+
+	std::vector<uint32>& Out;
+	std::vector<uint32>& Own;
+	const uint32 NumBase;
+};
+}
+
+class FRegistryOverlay::FMaker
+{
+public:
+	FMaker(const FRegistryPart& InBase, FRegistryOverlay& InOut)
+		: Base(*InBase.Image)
+		, BaseTables(Base.GetTables())
+		, Part(*InOut.Part->Image)
+		, Tables(Part.GetTables())
+		, Out(InOut)
+	{
+	}
+
+	/** False where only a new image is right. */
+	bool Make();
+
+private:
+	bool NumberNodes();
+	bool NumberClasses();
+	bool NumberFolders();
+	void PlacePackages();
+	void CountHidden();
+	void AddGraph();
+	void AddReferencers(uint32 Node);
+
+	bool AddClasses();
+	/** Classes that hidden or added Blueprints generate. */
+	bool GatherGenerated(std::vector<uint32>& OutHidden, std::vector<uint32>& OutAdded) const;
+	bool SetParent(uint32 Class, uint32 Parent);
+	void MoveChild(uint32 Class, uint32 OldParent, uint32 NewParent);
+	std::vector<uint32>& ChangeChildren(uint32 Class);
+	uint32 GetParent(uint32 Class) const;
+	/** Whether the class is Above or below it, by the parents as they are now; also where they lead in a circle. */
+	bool LeadsTo(uint32 Class, uint32 Above) const;
+	std::string_view GetFoldedClass(uint32 Class) const;
+	bool IndexesSameBlueprints() const;
+
+	const FRegistryImage& Base;
+	const FRegistryTables& BaseTables;
+	const FRegistryImage& Part;
+	const FRegistryTables& Tables;
+	FRegistryOverlay& Out;
+};
+
+bool FRegistryOverlay::FMaker::Make()
+{
+	if (!BaseTables.RespelledPackages.empty() || !Tables.RespelledPackages.empty())
+		return false;
+	if (!NumberNodes() || !NumberClasses() || !NumberFolders())
+		return false;
+	PlacePackages();
+	CountHidden();
+	AddGraph();
+	return AddClasses() && IndexesSameBlueprints();
+}
+
+bool FRegistryOverlay::FMaker::NumberNodes()
+{
+	FNumbering Numbering(Out.Nodes, Out.OwnNodes, Base.NumNodes());
+	for (uint32 Node = 0; Node < Part.NumNodes(); ++Node)
+	{
+		const std::string_view Name = Tables.GetText(EZone::Nodes, Node);
+		const uint32 OfBase = Base.FindNode(Name);
+		const bool bTaken = OfBase < Base.NumPackages() && Node < Part.NumPackages() && !Out.IsHidden(OfBase);
+		if (bTaken || (OfBase != NoId && BaseTables.GetText(EZone::Nodes, OfBase) != Name))
+			return false;
+		Numbering.Add(OfBase);
+		if (Node < Part.NumPackages())
+			Out.PackageOfNode.insert({Out.Nodes.back(), Node});
+	}
+	return true;
+}
+
+bool FRegistryOverlay::FMaker::NumberClasses()
+{
+	FNumbering Numbering(Out.Classes, Out.OwnClasses, Base.NumClasses());
+	for (uint32 Class = 0; Class < Part.NumClasses(); ++Class)
+	{
+		const std::string_view Path = Tables.GetText(EZone::Classes, Class);
+		const uint32 OfBase = Base.FindClass(Path);
+		if (OfBase != NoId && BaseTables.GetText(EZone::Classes, OfBase) != Path)
+			return false;
+		Numbering.Add(OfBase);
+	}
+	return true;
+}
+
+bool FRegistryOverlay::FMaker::NumberFolders()
+{
+	FNumbering Numbering(Out.Folders, Out.OwnFolders, BaseTables.NumTexts(EZone::Folders));
+	for (uint32 Folder = 0; Folder < Tables.NumTexts(EZone::Folders); ++Folder)
+	{
+		const std::string_view Path = Tables.GetText(EZone::Folders, Folder);
+		const FRowRange Spellings = Base.FindFolders(Path);
+		uint32 OfBase = Spellings.Begin;
+		while (OfBase < Spellings.End && BaseTables.GetText(EZone::Folders, OfBase) != Path)
+			++OfBase;
+		if (OfBase == Spellings.End && Spellings.Num() > 0) // the spellings of a folder have neighbouring numbers
+			return false;
+		Numbering.Add(OfBase < Spellings.End ? OfBase : NoId);
+	}
+	return true;
+}
+
+void FRegistryOverlay::FMaker::PlacePackages()
+{
+	for (uint32 Package = 0; Package < Part.NumPackages(); ++Package)
+		Out.Places.push_back(Base.FindPlaceOfPackage(Tables.GetFolded(EZone::Nodes, Package)));
+}
+
+void FRegistryOverlay::FMaker::CountHidden()
+{
+	for (const uint32 Package : Out.Hidden)
+	{
+		Out.NumHiddenAssets += FRegistryTables::RangeOf(BaseTables.FirstAssets, Package).Num();
+		Out.NumHiddenDependencies += FRegistryTables::RangeOf(BaseTables.FirstDependencies, Package).Num();
+	}
+}
+
+void FRegistryOverlay::FMaker::AddGraph()
+{
+	std::vector<uint32> Targets;
+	for (const uint32 Target : Tables.DependencyTargets)
+		Out.DependencyTargets.push_back(Out.Nodes[Target]);
+	Targets = Out.DependencyTargets;
+	for (const uint32 Package : Out.Hidden)
+	{
+		const FRowRange Edges = FRegistryTables::RangeOf(BaseTables.FirstDependencies, Package);
+		Targets.insert(
+			Targets.end(), BaseTables.DependencyTargets.begin() + Edges.Begin, BaseTables.DependencyTargets.begin() + Edges.End);
+	}
+	std::sort(Targets.begin(), Targets.end());
+	Targets.erase(std::unique(Targets.begin(), Targets.end()), Targets.end());
+	for (const uint32 Target : Targets)
+		AddReferencers(Target);
+}
+
+/** Those of the base that are not hidden and those of the part, merged in registry order. */
+void FRegistryOverlay::FMaker::AddReferencers(uint32 Node)
+{
+	const auto Begin = static_cast<uint32>(Out.ReferencerSources.size());
+	const std::string_view Name = Node < Base.NumNodes() ? BaseTables.GetText(EZone::Nodes, Node)
+														 : Tables.GetText(EZone::Nodes, Out.OwnNodes[Node - Base.NumNodes()]);
+	const uint32 OfPart = Part.FindNode(Name);
+	FRowRange Added = OfPart == NoId ? FRowRange() : FRegistryTables::RangeOf(Tables.FirstReferencers, OfPart);
+	const FRowRange Known = Node < Base.NumNodes() ? FRegistryTables::RangeOf(BaseTables.FirstReferencers, Node) : FRowRange();
+	const auto AddUpTo = [&](uint32 Place)
+	{
+		for (; Added.Begin < Added.End && Out.Places[Tables.ReferencerSources[Added.Begin]] <= Place; ++Added.Begin)
+		{
+			Out.ReferencerSources.push_back(Out.Nodes[Tables.ReferencerSources[Added.Begin]]);
+			Out.ReferencerFlags.push_back(Tables.ReferencerFlags[Added.Begin]);
+		}
+	};
+	auto NextHidden = Out.Hidden.begin();
+	for (uint32 Edge = Known.Begin; Edge < Known.End; ++Edge)
+	{
+		const uint32 Source = BaseTables.ReferencerSources[Edge]; // ascending
+		while (NextHidden != Out.Hidden.end() && *NextHidden < Source)
+			++NextHidden;
+		AddUpTo(Source);
+		if (NextHidden != Out.Hidden.end() && *NextHidden == Source)
+			continue;
+		Out.ReferencerSources.push_back(Source);
+		Out.ReferencerFlags.push_back(BaseTables.ReferencerFlags[Edge]);
+	}
+	AddUpTo(Base.NumPackages());
+	Out.ReferencersOf[Node] = {Begin, static_cast<uint32>(Out.ReferencerSources.size())};
+}
+
+bool FRegistryOverlay::FMaker::GatherGenerated(std::vector<uint32>& OutHidden, std::vector<uint32>& OutAdded) const
+{
+	const auto FindGenerated = [](const FRegistryImage& Image, uint32 Asset) -> std::string_view
+	{
+		const FRegistryTables& From = Image.GetTables();
+		const FRowRange Tags = FRegistryTables::RangeOf(From.FirstTags, Asset);
+		for (uint32 Tag = Tags.Begin; Tag < Tags.End; ++Tag)
+		{
+			if (Unicode::EqualsFolded(From.GetText(EZone::TagKeys, From.TagKeys[Tag]), FBlueprintTags::GeneratedClassPath))
+				return FPackageName::ExportTextPathToObjectPath(From.GetText(EZone::TagValues, From.TagValues[Tag]));
+		}
+		return {};
+	};
+	const auto IsUnclear = [](const FRegistryTables& From, uint32 Class)
+	{ return std::binary_search(From.UnclearClasses.begin(), From.UnclearClasses.end(), Class); };
+	for (const uint32 Package : Out.Hidden)
+	{
+		const FRowRange Assets = FRegistryTables::RangeOf(BaseTables.FirstAssets, Package);
+		for (uint32 Asset = Assets.Begin; Asset < Assets.End; ++Asset)
+		{
+			const std::string_view Path = FindGenerated(Base, Asset);
+			const uint32 Class = Path.empty() ? NoId : Base.FindClass(Path);
+			if (Class != NoId && IsUnclear(BaseTables, Class))
+				return false;
+			if (Class != NoId)
+				OutHidden.push_back(Class);
+		}
+	}
+	for (uint32 Asset = 0; Asset < Part.NumAssets(); ++Asset)
+	{
+		const std::string_view Path = FindGenerated(Part, Asset);
+		const uint32 Class = Path.empty() ? NoId : Part.FindClass(Path);
+		if (Class != NoId &&
+			(IsUnclear(Tables, Class) || (Out.Classes[Class] < Base.NumClasses() && IsUnclear(BaseTables, Out.Classes[Class]))))
+			return false;
+		if (Class != NoId)
+			OutAdded.push_back(Class);
+	}
+	return true;
+}
+
+bool FRegistryOverlay::FMaker::AddClasses()
+{
+	std::vector<uint32> Hidden;
+	std::vector<uint32> Added;
+	if (!GatherGenerated(Hidden, Added))
+		return false;
+	std::sort(Hidden.begin(), Hidden.end());
+	// Classes whose Blueprint is gone keep the parent that was declared for them, which the part knows too.
+	for (const uint32 Class : Hidden)
+	{
+		const uint32 OfPart = Part.FindClass(BaseTables.GetText(EZone::Classes, Class));
+		const uint32 Parent = OfPart == NoId ? NoId : Tables.ClassParents[OfPart];
+		if (!SetParent(Class, Parent == NoId ? NoId : Out.Classes[Parent]))
+			return false;
+	}
+	for (const uint32 OfPart : Added)
+	{
+		const uint32 Class = Out.Classes[OfPart];
+		const uint32 Parent = Tables.ClassParents[OfPart] == NoId ? NoId : Out.Classes[Tables.ClassParents[OfPart]];
+		const bool bGivenByAnother = GetParent(Class) != NoId && GetParent(Class) != Parent;
+		if (bGivenByAnother || !SetParent(Class, Parent))
+			return false;
+	}
+	return true;
+}
+
+uint32 FRegistryOverlay::FMaker::GetParent(uint32 Class) const
+{
+	if (const auto Found = Out.ParentOfClass.find(Class); Found != Out.ParentOfClass.end())
+		return Found->second;
+	return Class < Base.NumClasses() ? BaseTables.ClassParents[Class] : NoId;
+}
+
+bool FRegistryOverlay::FMaker::LeadsTo(uint32 Class, uint32 Above) const
+{
+	for (uint32 Step = 0; Class != NoId && Step <= Base.NumClasses() + Part.NumClasses(); ++Step, Class = GetParent(Class))
+	{
+		if (Class == Above)
+			return true;
+	}
+	return Class != NoId;
+}
+
+/** False where the parents would lead in a circle, or the class is or becomes one of Blueprints. */
+bool FRegistryOverlay::FMaker::SetParent(uint32 Class, uint32 Parent)
+{
+	const uint32 OldParent = GetParent(Class);
+	if (OldParent == Parent)
+		return true;
+	const uint32 Topmost = Base.FindClass(BlueprintClass);
+	const auto IsOfBlueprints = [&](uint32 Above) { return Above != NoId && Topmost != NoId && LeadsTo(Above, Topmost); };
+	if ((Parent != NoId && LeadsTo(Parent, Class)) || IsOfBlueprints(OldParent) || IsOfBlueprints(Parent))
+		return false;
+	Out.ParentOfClass[Class] = Parent;
+	MoveChild(Class, OldParent, Parent);
+	return true;
+}
+
+void FRegistryOverlay::FMaker::MoveChild(uint32 Class, uint32 OldParent, uint32 NewParent)
+{
+	if (OldParent != NoId)
+		std::erase(ChangeChildren(OldParent), Class);
+	if (NewParent == NoId)
+		return;
+	std::vector<uint32>& Children = ChangeChildren(NewParent);
+	const auto ComesBefore = [this](uint32 A, std::string_view Folded) { return GetFoldedClass(A) < Folded; };
+	Children.insert(std::lower_bound(Children.begin(), Children.end(), GetFoldedClass(Class), ComesBefore), Class);
+}
+
+std::vector<uint32>& FRegistryOverlay::FMaker::ChangeChildren(uint32 Class)
+{
+	const auto [Place, bNew] = Out.ChildrenOfClass.insert({Class, {}});
+	std::vector<uint32>& Children = Place.value();
+	if (bNew && Class < Base.NumClasses())
+	{
+		const FRowRange Known = FRegistryTables::RangeOf(BaseTables.FirstClassChildren, Class);
+		Children.assign(BaseTables.ClassChildren.begin() + Known.Begin, BaseTables.ClassChildren.begin() + Known.End);
+	}
+	return Children;
+}
+
+std::string_view FRegistryOverlay::FMaker::GetFoldedClass(uint32 Class) const
+{
+	return Class < Base.NumClasses() ? BaseTables.GetFolded(EZone::Classes, Class)
+									 : Tables.GetFolded(EZone::Classes, Out.OwnClasses[Class - Base.NumClasses()]);
+}
+
+/** Which assets own index entries follows from their classes; the part knows but its own classes and the declared ones. */
+bool FRegistryOverlay::FMaker::IndexesSameBlueprints() const
+{
+	const uint32 OfPart = Part.FindClass(BlueprintClass);
+	const uint32 OfBoth = OfPart == NoId ? Base.FindClass(BlueprintClass) : Out.Classes[OfPart];
+	for (uint32 Package = 0; Package < Part.NumPackages(); ++Package)
+	{
+		if (FRegistryTables::RangeOf(Tables.FirstEntries, Package).Num() == 0)
+			continue;
+		const FRowRange Assets = FRegistryTables::RangeOf(Tables.FirstAssets, Package);
+		for (uint32 Asset = Assets.Begin; Asset < Assets.End; ++Asset)
+		{
+			uint32 Class = Tables.AssetClasses[Asset];
+			const bool bIsBlueprint = OfBoth != NoId && LeadsTo(Out.Classes[Class], OfBoth);
+			while (Class != NoId && Class != OfPart)
+				Class = Tables.ClassParents[Class];
+			if (bIsBlueprint != (Class != NoId))
+				return false;
+		}
+	}
+	return true;
+}
+
+TSharedPtr<const FRegistryOverlay> FRegistryOverlay::Make(
+	const FRegistryPart& Base, TSharedPtr<const FRegistryPart> Part, std::vector<uint32> Hidden)
+{
+	const auto Overlay = MakeShared<FRegistryOverlay>();
+	Overlay->Part = std::move(Part);
+	Overlay->Hidden = std::move(Hidden);
+	return FMaker(Base, *Overlay).Make() ? Overlay : nullptr;
+}
+
+bool FRegistryOverlay::IsHidden(uint32 Package) const
+{
+	return std::binary_search(Hidden.begin(), Hidden.end(), Package);
+}

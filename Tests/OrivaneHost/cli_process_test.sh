@@ -53,6 +53,37 @@ expect "arguments that are no JSON" 1 'Invalid JSON command.*Failed to parse com
 expect "arguments that are no object" 1 'Invalid JSON command' "$orivane" call asset_search '[1]' -p "$project"
 expect "an unknown tool" 2 "no tool 'nonsense'; tools: asset_search explore_asset_graph" "$orivane" call nonsense -p "$project"
 
+# Many calls of one process: each line is answered before the next one is said, whatever it is, from the files as they are then.
+coproc CALLS { timeout 60 "$orivane" call - --project "$project" 2>/dev/null; }
+calls_id=$CALLS_PID
+answer() {
+	local reply
+	printf '%s\n' "$1" >&"${CALLS[1]}"
+	IFS= read -r -t 20 reply <&"${CALLS[0]}" || reply='(silence)'
+	grep -qE -- "$2" <<<"$reply" || { echo "FAILED: the call $1, pattern: $2"; cut -c1-300 <<<"$reply"; failures=$((failures + 1)); }
+}
+trees='{"tool":"asset_path_search","arguments":{"term":"BT_"}}'
+answer "$trees" '"success":true.*Found 3 matches'
+answer 'not json' '"success":false.*The line is not a JSON object: column 1: .not. is not a JSON value'
+answer '[]' '"success":false.*a JSON object is needed'
+answer '{"tool":"asset_search","argument":{}}' '"success":false.*A call has no .*argument'
+answer '{"tool":7}' '"success":false.*tool.* is missing or not a string'
+answer ' {"tool":"nope"}' "no tool 'nope'; tools: asset_search explore_asset_graph asset_path_search"
+answer '{"tool":"asset_search","arguments":[]}' '"success":false.*Invalid JSON command'
+answer $'\n{"tool":"asset_search"}' '"success":false.*Missing required parameter .term.'
+rm "$project/Content/AI/BT_Guard.vasset"
+answer "$trees" '"success":true.*Found 2 matches'
+cp "$sample/Content/AI/BT_Guard.vasset" "$project/Content/AI/"
+eval "exec ${CALLS[1]}>&-"
+wait "$calls_id"
+calls_code=$?
+[ "$calls_code" -eq 2 ] || { echo "FAILED: the worst of many calls: exit $calls_code"; failures=$((failures + 1)); }
+printf '%s' '{"tool":"asset_search"}' | "$orivane" call - -p "$project" >/dev/null 2>&1
+[ $? -eq 1 ] || { echo "FAILED: a failing call without a line break"; failures=$((failures + 1)); }
+expect "no calls at all" 0 '' "$orivane" call - -p "$project"
+expect "arguments beside calls from standard input" 2 'come from standard input' "$orivane" call - '{"term":"x"}' -p "$project"
+expect "calls need a project" 3 'cannot open the project' "$orivane" call - -p "$scratch/empty"
+
 hub=/Game/Characters/BP_LanternCharacter
 expect "a graph is a tree" 0 '^└─ /Game/Data/Tables/DT_Weapons  DataTable  Runtime$' "$orivane" graph $hub -p "$project"
 expect "the second level is indented" 0 '^│  └─ /Game/Data/Enums/E_DamageKind  Enum  Runtime$' "$orivane" graph $hub --depth 2 -p "$project"

@@ -105,6 +105,14 @@ TEST(AssetExists, FollowsChangesOnDisk)
 	Project.GetFolder().Write("Docs/c.txt", "x");
 	std::filesystem::last_write_time(Project.GetFolder().Path("Docs").ToStdString(), std::filesystem::file_time_type());
 	EXPECT_TRUE(FAssetOperationBase::AssetExists("Docs/c")) << "the folder's time was put back";
-	Project.GetFolder().Remove("Docs");
+	{
+		const FAssetExistsScope Scope;
+		EXPECT_TRUE(FAssetOperationBase::AssetExists("Docs/b"));
+		Project.GetFolder().Remove("Docs");
+		const FAssetExistsScope Inner;
+		EXPECT_TRUE(FAssetOperationBase::AssetExists("Docs/c")) << "a folder is looked at once in a scope";
+	}
 	EXPECT_FALSE(FAssetOperationBase::AssetExists("Docs/b"));
+	const FAssetExistsScope Next;
+	EXPECT_FALSE(FAssetOperationBase::AssetExists("Docs/c")) << "and again in the next one";
 }

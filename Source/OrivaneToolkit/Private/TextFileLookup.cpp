@@ -13,6 +13,15 @@ namespace
 {
 FIsTextFile TextFileRule = nullptr;
 
+/** Game thread. */
+struct FLookingOnce
+{
+	int32 Depth = 0;
+	uint64 Moment = 0; // counts what BeginLookingOnce begins
+
+	bool IsSeen(uint64 SeenAt) const { return Depth > 0 && SeenAt == Moment; }
+} LookingOnce;
+
 std::string_view CutAtFirstDot(std::string_view Text)
 {
 	return Text.substr(0, Text.find('.'));
@@ -35,6 +44,7 @@ struct FFolderListing
 	FNames DottedFoldersByStem; // a path is cut at its first dot, which may stand in the name of a folder
 	FFileStamp Stamp;
 	bool bSettled = false; // the stamp was when the folder was listed, so it tells of every later change
+	uint64 SeenAt = 0;	   // the moment, see FLookingOnce, in which the folder was last looked at
 };
 
 /** Folders of the open project, each listed anew when its stamp shows a change. Paths are relative to the project, "" or with a
@@ -45,7 +55,7 @@ public:
 	explicit FFolderListings(const FString& InProjectDir) : ProjectDir(InProjectDir), Project(InProjectDir) {}
 
 	bool IsOf(const FString& OtherProjectDir) const { return ProjectDir.View() == OtherProjectDir.View() && Project.IsOpen(); }
-	/** Null when there is no such folder. Costs one look at the folder while nothing changes. */
+	/** Null when there is no such folder. Costs one look at the folder while nothing changes; see BeginLookingOnce. */
 	const FFolderListing* Find(const std::string& Folder);
 	/** The folders whose paths equal the given one without regard to case. */
 	std::vector<std::string> FindFolders(std::string_view Path);
@@ -84,6 +94,8 @@ FFolderListing FFolderListings::List(const std::string& Folder, const FFileStamp
 
 const FFolderListing* FFolderListings::Find(const std::string& Folder)
 {
+	if (const auto Known = Listings.find(Folder); Known != Listings.end() && LookingOnce.IsSeen(Known->second.SeenAt))
+		return &Known->second;
 	FFileStamp Stamp;
 	if (!Project.GetFolderStamp(std::string_view(Folder).substr(0, Folder.empty() ? 0 : Folder.size() - 1), Stamp))
 	{
@@ -93,6 +105,7 @@ const FFolderListing* FFolderListings::Find(const std::string& Folder)
 	FFolderListing& Listing = Listings[Folder];
 	if (!Listing.bSettled || Listing.Stamp != Stamp)
 		Listing = List(Folder, Stamp);
+	Listing.SeenAt = LookingOnce.Moment;
 	return &Listing;
 }
 
@@ -165,6 +178,17 @@ FFolderListings& GetListings(const FString& ProjectDir)
 void SetTextFileRule(FIsTextFile Rule)
 {
 	TextFileRule = Rule;
+}
+
+void BeginLookingOnce()
+{
+	if (LookingOnce.Depth++ == 0)
+		++LookingOnce.Moment;
+}
+
+void EndLookingOnce()
+{
+	--LookingOnce.Depth;
 }
 
 void ForgetTextFileFolders()

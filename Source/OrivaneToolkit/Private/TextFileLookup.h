@@ -11,3 +11,6 @@ void ForgetTextFileFolders();
  * system as it is now: what was listed before is trusted only while its folder is unchanged. Game thread.
  */
 bool TextFileExists(const FString& Stem);
+/** Between these two, which may be nested, TextFileExists looks at each folder once: its answers are those of one moment. */
+void BeginLookingOnce();
+void EndLookingOnce();

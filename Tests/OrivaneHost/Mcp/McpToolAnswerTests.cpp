@@ -69,6 +69,7 @@ TEST_F(McpToolAnswer, KeepsTheLimitAndCutsFromTheEnd)
 		EXPECT_NE(Warning.find("max_total_hits"), std::string::npos) << "says how to narrow";
 	}
 	EXPECT_EQ(Write(Result, static_cast<int64>(Whole.size())), Whole) << "an answer of exactly the limit is whole";
+	EXPECT_NE(Write(Result, static_cast<int64>(Whole.size()) - 1), Whole);
 }
 
 TEST_F(McpToolAnswer, CutsTheHitsOfTheLastAsset)

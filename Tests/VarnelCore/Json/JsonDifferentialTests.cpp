@@ -165,6 +165,9 @@ TEST(JsonDifferential, ReadsAndWritesWhatAnotherParserReads)
 		FJsonValue Again;
 		ASSERT_TRUE(Json::Parse(Written, Again));
 		ASSERT_EQ(Json::Write(Again).ToStdString(), Written.ToStdString());
+		const FJsonSize Size = Json::Measure(Value);
+		ASSERT_EQ(Size.NumBytes, Written.NumBytes());
+		ASSERT_EQ(Size.NumBytesInString + 2, Json::Write(FJsonValue(Written)).NumBytes()) << "with its quotes";
 	}
 }
 

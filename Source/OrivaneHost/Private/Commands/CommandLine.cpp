@@ -67,7 +67,12 @@ constexpr const char* CallExamples = R"(Examples:
   orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'
   echo '{"term":"Health"}' | orivane call asset_search -
 
-Prints one JSON object: {"success", "messages": [{"type", "text"}], "data": {KEY: payload}}.)";
+  printf '%s\n' '{"tool":"asset_search","arguments":{"term":"Health"}}' '{"tool":"asset_path_search","arguments":{"term":"BT_"}}' | orivane call -
+
+Prints one JSON object: {"success", "messages": [{"type", "text"}], "data": {KEY: payload}}.
+With '-' as the tool it takes calls from standard input, one JSON object a line: {"tool": NAME, "arguments": {...}}. Each is answered
+by one line, in order; what is wrong with a line is answered too and ends nothing. Changed files are noticed before each call. The exit
+code is the worst of all: 1 a tool reported an error, 2 a line was not a call.)";
 
 constexpr const char* McpExamples = R"(Configuration of an agent:
   {"mcpServers": {"orivane": {"command": "orivane", "args": ["mcp", "--project", "/path/to/MyGame"]}}})";
@@ -273,10 +278,12 @@ void AddCall(CLI::App& Program, FCallArguments& Out)
 {
 	CLI::App* Command =
 		AddCommand(Program, "call", "Call a tool and print its answer as one JSON object, for programs", CallExamples);
-	AddText(*Command, "TOOL", Out.Tool, "Name of the tool, such as asset_search")->required();
+	AddText(*Command, "TOOL", Out.Tool, "Name of the tool, such as asset_search; '-' reads calls from standard input, one a line")
+		->required();
 	AddText(*Command, "JSON", Out.ArgumentsJson, "Arguments, a JSON object; '-' reads them from standard input");
-	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Time limit for each call");
 	AddProjectOptions(*Command, Out.Project);
+	AddWatchOptions(*Command, Out.Project);
 }
 
 void AddColor(CLI::App& Command, EColor& Out)

@@ -11,8 +11,8 @@
 struct FCallArguments
 {
 	FProjectOptions Project;
-	FString Tool;
-	FString ArgumentsJson = "{}"; // "-": standard input
+	FString Tool;				  // "-": standard input has calls, one a line
+	FString ArgumentsJson = "{}"; // "-": standard input has them
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 

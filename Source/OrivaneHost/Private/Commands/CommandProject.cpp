@@ -37,6 +37,13 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 	return true;
 }
 
+void RefreshProjectForCommand()
+{
+	FDiagnosticSink Faults;
+	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
+		Terminal::PrintError("files were read again, with faults; see: orivane check\n");
+}
+
 int CallToolOfProject(const FProjectOptions& Project, std::chrono::milliseconds TimeLimit, const FString& Tool,
 	const FString& ArgumentsJson, const std::function<int(const Orivane::FToolResult&)>& Print)
 {

@@ -22,6 +22,9 @@ int RunMcp(const FMcpArguments& Arguments);
  */
 bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diagnostics, bool bMentionFaults, int& OutExitCode);
 
+/** Before each of several calls or lines: reads again what has changed, and mentions faults on standard error. */
+void RefreshProjectForCommand();
+
 /**
  * What a command of one tool call does once the engine runs: opens the project, calls, and lets Print print the answer and say
  * the program's exit code, which is returned. Answers that never come are explained and end at the time limit.

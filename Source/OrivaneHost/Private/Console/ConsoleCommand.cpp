@@ -5,11 +5,9 @@
 #include "Project/HeadlessEngine.h"
 #include "Project/UserFolders.h"
 #include "Terminal/ExitCode.h"
-#include "Terminal/LineSplitter.h"
+#include "Terminal/InputLines.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 namespace
 {
@@ -55,16 +53,8 @@ private:
 int RunPipe(FConsoleSession& Session)
 {
 	FConsoleLines Handler(Session);
-	FLineSplitter Lines(MaxLineBytes);
-	char Buffer[65536];
-	int64 NumRead = 0;
-	while (!Handler.IsOver() && (NumRead = Terminal::ReadInput(Buffer, sizeof Buffer)) > 0)
-		Lines.Append({Buffer, static_cast<std::size_t>(NumRead)}, Handler);
-	Lines.Finish(Handler);
-	if (NumRead >= 0 || Interrupt::IsRequested())
-		return Handler.GetExitCode();
-	Terminal::PrintError(FString("orivane console: cannot read standard input: ") + std::strerror(errno) + "\n");
-	return EExitCode::WrongUse;
+	const bool bRead = ReadInputLines("console", MaxLineBytes, Handler, [&] { return Handler.IsOver(); });
+	return bRead ? Handler.GetExitCode() : EExitCode::WrongUse;
 }
 
 /** "" where it cannot be kept. */

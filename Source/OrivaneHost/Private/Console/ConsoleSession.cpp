@@ -1,5 +1,6 @@
 #include "Console/ConsoleSession.h"
 
+#include "Commands/Commands.h"
 #include "Core/Base/Map.h"
 #include "Core/Files/File.h"
 #include "Core/Program/Console.h"
@@ -62,9 +63,7 @@ FString Summarize(const FAssetSearchResult& Found)
 
 void RefreshProject()
 {
-	FDiagnosticSink Faults;
-	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
-		Terminal::PrintError("files were read again, with faults; see: orivane check\n");
+	RefreshProjectForCommand();
 	if (const FString& Trouble = FProject::GetTrouble(); !Trouble.IsEmpty())
 		Terminal::PrintError("the project cannot be opened again after a change: " + Terminal::Sanitize(Trouble) +
 			(FProject::IsOpen() ? "; what follows tells of its assets as they were before\n" : "\n"));

@@ -94,6 +94,15 @@ std::string WriteMcpResult(const FJsonValue& Id, const TSharedPtr<FJsonObject>& 
 	return WriteMessage(Message);
 }
 
+std::string OpenMcpResult(const FJsonValue& Id, const TSharedPtr<FJsonObject>& Result)
+{
+	std::string Line = WriteMcpResult(Id, Result);
+	Line.resize(Line.size() - McpResultEnd.size());
+	if (Result->Num() > 0)
+		Line += ',';
+	return Line;
+}
+
 std::string WriteMcpError(const FJsonValue& Id, const FMcpError& Error)
 {
 	auto Details = MakeShared<FJsonObject>();

@@ -45,6 +45,10 @@ FMcpMessage ReadMcpMessage(std::string_view Line);
 
 // Whole messages without the line break at their end; no line break inside.
 std::string WriteMcpResult(const FJsonValue& Id, const TSharedPtr<FJsonObject>& Result);
+/** What WriteMcpResult gives up to its end, for a result with further members that are large: their text is appended, as it
+ * stands between the braces of an object, and then McpResultEnd. */
+std::string OpenMcpResult(const FJsonValue& Id, const TSharedPtr<FJsonObject>& Result);
+constexpr FStringView McpResultEnd = "}}";
 std::string WriteMcpError(const FJsonValue& Id, const FMcpError& Error);
 std::string WriteMcpNotification(const char* Method, const TSharedPtr<FJsonObject>& Params);
 

@@ -4,6 +4,7 @@
 #include "CoreObject/Packages/Loader.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Tools/TimeOutAdvice.h"
+#include "Tools/ToolCaller.h"
 #include "Tools/ToolSchemas.h"
 
 #include <utility>
@@ -25,17 +26,6 @@ void RefreshProject()
 	FDiagnosticSink Faults;
 	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
 		Log::Write(LogMcp, ELogVerbosity::Warning, "files were read again, with faults; see: orivane check");
-}
-
-/** The answer with a remark on the project behind it. */
-Orivane::FToolResult WithTrouble(Orivane::FToolResult Result, const FString& Trouble, bool bOpen)
-{
-	const FString Text = "The project cannot be opened again after a change: " + Trouble;
-	if (bOpen)
-		Result.AddWarningMessage(Text + "; this answer tells of its assets as they were before");
-	else
-		Result.AddErrorMessage(Text);
-	return Result;
 }
 
 TArray<FString> ListNarrowingArguments(const FToolDeclaration& Tool)

@@ -2,6 +2,8 @@
 
 #include "Core/Base/Assert.h"
 #include "Core/Files/WriteFile.h"
+#include "Core/Program/Memory.h"
+#include "Core/Threads/Tasks.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +15,7 @@
 namespace
 {
 constexpr std::size_t MaxBacklogBytes = 16 * 1024 * 1024; // of unread answers; reading rests above it
+constexpr std::size_t LargeBytes = 1024 * 1024;			  // an answer of so much took many times as much memory to make
 constexpr int BacklogMilliseconds = 50;					  // between two looks whether the backlog has shrunk
 constexpr int MaxWaitMilliseconds = 60'000;
 
@@ -123,11 +126,15 @@ void FMcpStdio::RunWriter()
 		Changed.wait(Guard, [this] { return bClosing || !Queued.empty(); });
 		if (bClosing || bReaderGone)
 			return;
-		const std::string Lines = std::exchange(Queued, std::string());
+		std::string Lines = std::exchange(Queued, std::string());
 		Guard.unlock();
 		const bool bWritten = WriteFile::All(Output, Lines);
+		const std::size_t NumBytes = Lines.size();
+		Lines = {};
+		if (NumBytes > LargeBytes) // a task of its own: what made the answer may still be on that thread's stack
+			AsyncTask(ENamedThreads::GameThread, ReturnUnusedMemory);
 		Guard.lock();
-		NumUnwritten -= Lines.size();
+		NumUnwritten -= NumBytes;
 		bReaderGone = !bWritten;
 		Changed.notify_all();
 		if (bReaderGone)

@@ -55,23 +55,65 @@ FString WriteErrorText(const FAnswer& Answer, const FMcpAnswerForm& Form)
 	return Form.ErrorAdvice.IsEmpty() ? Text : Text + "\n" + Form.ErrorAdvice;
 }
 
-std::string WriteAnswer(const FAnswer& Answer, const FMcpAnswerForm& Form)
+/**
+ * The line of an answer. Its structured answer is a piece of the line twice, as JSON and as a string in the text block, but is
+ * written only once: its text is what the string repeats. How long the line will be is known before it is written.
+ */
+class FAnswerLine
 {
-	auto Structured = MakeShared<FJsonObject>();
-	Structured->SetArrayField("messages", Answer.Messages);
-	for (const FJsonObject::FField& Payload : Answer.Payloads->GetFields())
-		Structured->SetField(Payload.Key, Payload.Value);
+public:
+	FAnswerLine(const FAnswer& Answer, const FMcpAnswerForm& Form)
+		: Structured(MakeStructured(Answer))
+		, Size(Json::Measure(Structured))
+		, Start(OpenMcpResult(Form.Id, McpEra::MakeResult(Form.Era)))
+		, bError(Answer.bError)
+	{
+		if (bError)
+			Json::AppendQuoted(Errors, WriteErrorText(Answer, Form));
+	}
 
-	auto Block = MakeShared<FJsonObject>();
-	Block->SetStringField("type", "text");
-	Block->SetStringField("text", Answer.bError ? WriteErrorText(Answer, Form) : Json::Write(*Structured));
+	int64 NumBytes() const
+	{
+		const int64 NumBlockBytes = bError ? static_cast<int64>(Errors.size()) : Size.NumBytesInString + 2;
+		const std::size_t NumFrameBytes = Start.size() + BeforeBlock.size() + BeforeStructured.size() + GetEnd().size();
+		return static_cast<int64>(NumFrameBytes) + NumBlockBytes + Size.NumBytes;
+	}
 
-	const auto Result = McpEra::MakeResult(Form.Era);
-	Result->SetArrayField("content", {Block});
-	Result->SetObjectField("structuredContent", Structured);
-	Result->SetBoolField("isError", Answer.bError);
-	return WriteMcpResult(Form.Id, Result);
-}
+	std::string Write() const
+	{
+		std::string Text;
+		Text.reserve(static_cast<std::size_t>(Size.NumBytes));
+		Json::Append(Text, *Structured);
+		std::string Line;
+		Line.reserve(static_cast<std::size_t>(NumBytes()));
+		Line.append(Start).append(BeforeBlock);
+		if (bError)
+			Line += Errors;
+		else
+			Json::AppendQuoted(Line, Text);
+		return Line.append(BeforeStructured).append(Text).append(GetEnd());
+	}
+
+private:
+	static constexpr FStringView BeforeBlock = R"("content":[{"type":"text","text":)";
+	static constexpr FStringView BeforeStructured = R"(}],"structuredContent":)";
+
+	static TSharedPtr<FJsonObject> MakeStructured(const FAnswer& Answer)
+	{
+		auto Object = MakeShared<FJsonObject>();
+		Object->SetArrayField("messages", Answer.Messages);
+		for (const FJsonObject::FField& Payload : Answer.Payloads->GetFields())
+			Object->SetField(Payload.Key, Payload.Value);
+		return Object;
+	}
+	std::string GetEnd() const { return std::string(bError ? R"(,"isError":true)" : R"(,"isError":false)").append(McpResultEnd); }
+
+	const TSharedPtr<FJsonObject> Structured;
+	const FJsonSize Size; // of Structured
+	const std::string Start;
+	const bool bError;
+	std::string Errors; // as a JSON string
+};
 
 /** Keeps the first messages and the beginning of their texts: a message may repeat an argument of any length. */
 void ShortenMessages(FAnswer& Answer)
@@ -85,11 +127,11 @@ void ShortenMessages(FAnswer& Answer)
 	Answer.Messages = std::move(Short);
 }
 
-/** Bytes that a piece of JSON takes in an answer: it stands there once as it is and once inside a JSON string. */
-int64 GetCost(FStringView JsonText)
+/** Bytes that a value takes in an answer: once as it is and once inside a JSON string. */
+int64 GetCost(const FJsonValue& Value)
 {
-	const auto NumEscaped = std::count_if(JsonText.begin(), JsonText.end(), [](char C) { return C == '"' || C == '\\'; });
-	return 2 * static_cast<int64>(JsonText.size()) + NumEscaped;
+	const FJsonSize Size = Json::Measure(Value);
+	return Size.NumBytes + Size.NumBytesInString;
 }
 
 constexpr int64 PunctuationCost = 2; // one character, twice
@@ -101,11 +143,11 @@ int64 GetCostWithoutElements(const FJsonValue& Value)
 		return 2 * PunctuationCost;
 	const TSharedPtr<FJsonObject> Object = Value.AsObject();
 	if (!Object)
-		return GetCost(Json::Write(Value));
+		return GetCost(Value);
 	const int32 NumPunctuation = 2 + std::max(0, 2 * Object->Num() - 1); // braces, colons and commas
 	int64 Cost = NumPunctuation * PunctuationCost;
 	for (const FJsonObject::FField& Field : Object->GetFields())
-		Cost += GetCost(Json::Write(FJsonValue(Field.Key))) + GetCostWithoutElements(Field.Value);
+		Cost += GetCost(Field.Key) + GetCostWithoutElements(Field.Value);
 	return Cost;
 }
 
@@ -191,15 +233,14 @@ std::string WriteTooLongAnswer(const FMcpAnswerForm& Form)
 	FAnswer Answer{.Messages = {}, .Payloads = MakeShared<FJsonObject>(), .bError = true};
 	Answer.Messages.Add(MakeMessage(
 		"error", FString("The answer is longer than ") + FString::FromInt(Form.MaxBytes) + " bytes" + DescribeNarrowing(Form)));
-	return WriteAnswer(Answer, Form);
+	return FAnswerLine(Answer, Form).Write();
 }
 
 std::string WriteCutAnswer(FAnswer Answer, const FMcpAnswerForm& Form)
 {
 	const FJsonValue Whole = Answer.Payloads;
 	Answer.Payloads = FPayloadCutter(0).Cut(Whole, "").AsObject();
-	const int64 NumBytesWithoutElements = static_cast<int64>(WriteAnswer(Answer, Form).size());
-	const int64 Room = Form.MaxBytes - NumBytesWithoutElements - WarningReserveBytes;
+	const int64 Room = Form.MaxBytes - FAnswerLine(Answer, Form).NumBytes() - WarningReserveBytes;
 	if (Room < 0)
 		return WriteTooLongAnswer(Form);
 
@@ -208,7 +249,7 @@ std::string WriteCutAnswer(FAnswer Answer, const FMcpAnswerForm& Form)
 	Answer.Messages.Add(MakeMessage("warning",
 		FString("Answer limited to ") + FString::FromInt(Form.MaxBytes) + " bytes: " + Cutter.Describe() + " shown" +
 			DescribeNarrowing(Form)));
-	return WriteAnswer(Answer, Form);
+	return FAnswerLine(Answer, Form).Write();
 }
 }
 
@@ -216,13 +257,13 @@ std::string WriteMcpToolAnswer(const Orivane::FToolResult& Result, const FMcpAns
 {
 	FMcpAnswerForm Limited = Form;
 	Limited.MaxBytes = std::clamp<int64>(Form.MaxBytes, 0, MaxMcpLineBytes);
-	const auto Fits = [&](const std::string& Line) { return static_cast<int64>(Line.size()) <= Limited.MaxBytes; };
+	const auto Fits = [&](const FAnswerLine& Line) { return Line.NumBytes() <= Limited.MaxBytes; };
 
 	FAnswer Answer = MakeAnswer(Result);
-	std::string Line = WriteAnswer(Answer, Limited);
-	if (Fits(Line))
-		return Line;
+	if (const FAnswerLine Line(Answer, Limited); Fits(Line))
+		return Line.Write();
 	ShortenMessages(Answer);
-	Line = WriteAnswer(Answer, Limited);
-	return Fits(Line) ? Line : WriteCutAnswer(std::move(Answer), Limited);
+	if (const FAnswerLine Line(Answer, Limited); Fits(Line))
+		return Line.Write();
+	return WriteCutAnswer(std::move(Answer), Limited);
 }

@@ -59,6 +59,16 @@ TSharedPtr<FJsonObject> MakeEnvelopeJson(const Orivane::FToolResult& Result)
 	return Envelope;
 }
 
+Orivane::FToolResult WithTrouble(Orivane::FToolResult Result, const FString& Trouble, bool bProjectOpen)
+{
+	const FString Text = "The project cannot be opened again after a change: " + Trouble;
+	if (bProjectOpen)
+		Result.AddWarningMessage(Text + "; this answer tells of its assets as they were before");
+	else
+		Result.AddErrorMessage(Text);
+	return Result;
+}
+
 bool CallToolAndWait(const FString& ToolName, const FString& ArgumentsJson, std::chrono::milliseconds TimeLimit,
 	const std::function<void(const Orivane::FToolResult&)>& OnAnswer)
 {

@@ -12,6 +12,9 @@ FJsonArray MakeMessagesJson(const Orivane::FToolResult& Result);
 FJsonValue MakePayloadJson(const Orivane::FToolResult::FPayload& Payload);
 /** {"success", "messages", "data": {KEY: payload}}. */
 TSharedPtr<FJsonObject> MakeEnvelopeJson(const Orivane::FToolResult& Result);
+/** The answer with a remark that the project cannot be opened again after a change, see FProject::GetTrouble: a warning where the
+ * project is open nevertheless, else an error. */
+Orivane::FToolResult WithTrouble(Orivane::FToolResult Result, const FString& Trouble, bool bProjectOpen);
 
 /**
  * Calls a registered tool and runs the game thread's tasks until it is answered. The answer is handed to OnAnswer exactly once;

@@ -24,3 +24,16 @@ public:
 	/** Compact JSON text; "{}" for null. */
 	static FString SerializeJson(const TSharedPtr<FJsonObject>& Object);
 };
+
+/**
+ * While one lives, AssetExists looks at each folder once and keeps to what it saw: for many questions about one moment, such as
+ * all results of a search. Within one task of the game thread.
+ */
+class FAssetExistsScope
+{
+public:
+	FAssetExistsScope();
+	~FAssetExistsScope();
+	FAssetExistsScope(const FAssetExistsScope&) = delete;
+	FAssetExistsScope& operator=(const FAssetExistsScope&) = delete;
+};

@@ -13,6 +13,7 @@ namespace
 /** The results whose asset still exists. */
 FAssetSearchResult KeepExisting(const FAssetSearchResult& Found)
 {
+	const FAssetExistsScope Scope; // most results of text are in the folders of others
 	FAssetSearchResult Kept{.bTruncated = Found.bTruncated};
 	for (const FAssetResult& Asset : Found.Results)
 	{

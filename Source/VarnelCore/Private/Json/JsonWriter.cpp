@@ -1,6 +1,7 @@
 #include "Core/Json/Json.h"
 #include "Core/Text/Unicode.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -44,6 +45,14 @@ void AppendDigits(std::string& Out, TNumber Value)
 	Out.append(Digits, std::to_chars(Digits, Digits + sizeof(Digits), Value).ptr);
 }
 
+/** The first byte from At on that does not stay as it is; the text's length when there is none. */
+std::size_t FindEscape(std::string_view Text, std::size_t At)
+{
+	return static_cast<std::size_t>(
+		std::find_if(Text.begin() + static_cast<std::ptrdiff_t>(At), Text.end(), [](char C) { return EscapeKind(C) > 1; }) -
+		Text.begin());
+}
+
 void AppendEscape(std::string& Out, char Character)
 {
 	constexpr char HexDigits[] = "0123456789abcdef";
@@ -61,20 +70,68 @@ void AppendEscape(std::string& Out, char Character)
 void AppendEscaped(std::string& Out, std::string_view Text)
 {
 	std::size_t Written = 0;
-	for (std::size_t At = 0; At < Text.size(); ++At)
+	for (std::size_t At = FindEscape(Text, 0); At < Text.size(); At = FindEscape(Text, At + 1))
 	{
-		if (EscapeKind(Text[At]) <= 1)
-			continue;
 		Out.append(Text, Written, At - Written);
 		AppendEscape(Out, Text[At]);
 		Written = At + 1;
 	}
 	Out.append(Text, Written);
 }
+
+/** Where a writer puts its text. */
+struct FTextOut
+{
+	std::string& Text;
+
+	void Add(std::string_view Piece) { Text.append(Piece); }
+	void AddQuoted(std::string_view String) { Json::AppendQuoted(Text, String); }
+};
+
+/** Counts what would be written. */
+struct FSizeOut
+{
+	FJsonSize Size;
+
+	/** Nothing of the piece needs an escape but quotes and backslashes. */
+	void Add(std::string_view Piece)
+	{
+		const auto NumEscaped = std::count_if(Piece.begin(), Piece.end(), [](char C) { return C == '"' || C == '\\'; });
+		Size.NumBytes += static_cast<int64>(Piece.size());
+		Size.NumBytesInString += static_cast<int64>(Piece.size()) + NumEscaped;
+	}
+
+	void AddQuoted(std::string_view String)
+	{
+		if (!Unicode::IsValidUtf8(String))
+			return AddQuoted(Unicode::RepairUtf8(String));
+		std::string Escape;
+		std::size_t Counted = 0;
+		Add("\"");
+		for (std::size_t At = FindEscape(String, 0); At < String.size(); At = FindEscape(String, At + 1))
+		{
+			AddPlain(At - Counted);
+			Escape.clear();
+			AppendEscape(Escape, String[At]);
+			Add(Escape);
+			Counted = At + 1;
+		}
+		AddPlain(String.size() - Counted);
+		Add("\"");
+	}
+
+private:
+	void AddPlain(std::size_t NumBytes)
+	{
+		Size.NumBytes += static_cast<int64>(NumBytes);
+		Size.NumBytesInString += static_cast<int64>(NumBytes);
+	}
+};
 }
 
 /** Writes one value; recursion ends at the depth that reading allows. */
-class FJsonWriter
+template <class TOut>
+class TJsonWriter
 {
 public:
 	enum class EForm : uint8
@@ -83,7 +140,7 @@ public:
 		Pretty,
 	};
 
-	explicit FJsonWriter(EForm InForm) : Form(InForm) {}
+	explicit TJsonWriter(TOut InOut, EForm InForm = EForm::Compact) : Out(InOut), Form(InForm) {}
 
 	void WriteValue(const FJsonValue& Value)
 	{
@@ -95,20 +152,29 @@ public:
 		WriteContainer("{}", Object.GetFields(),
 			[this](const FJsonObject::FField& Field)
 			{
-				Json::AppendQuoted(Out, Field.Key);
-				Out += Form == EForm::Pretty ? ": " : ":";
+				Out.AddQuoted(Field.Key);
+				Out.Add(Form == EForm::Pretty ? ": " : ":");
 				WriteValue(Field.Value);
 			});
 	}
 
-	FString Take() { return FString(std::move(Out)); }
+	const TOut& GetOut() const { return Out; }
 
 private:
-	void Write(std::monostate) { Out += "null"; }
-	void Write(bool Value) { Out += Value ? "true" : "false"; }
-	void Write(int64 Value) { AppendDigits(Out, Value); }
-	void Write(double Value) { Json::AppendNumber(Out, Value); }
-	void Write(const FString& Value) { Json::AppendQuoted(Out, Value); }
+	void Write(std::monostate) { Out.Add("null"); }
+	void Write(bool Value) { Out.Add(Value ? "true" : "false"); }
+	void Write(int64 Value)
+	{
+		char Digits[32];
+		Out.Add({Digits, std::to_chars(Digits, Digits + sizeof(Digits), Value).ptr});
+	}
+	void Write(double Value)
+	{
+		std::string Number;
+		Json::AppendNumber(Number, Value);
+		Out.Add(Number);
+	}
+	void Write(const FString& Value) { Out.AddQuoted(Value); }
 	void Write(const TSharedPtr<FJsonObject>& Value) { WriteObject(*Value); }
 	void Write(const TSharedPtr<const FJsonArray>& Value)
 	{
@@ -120,13 +186,13 @@ private:
 	{
 		if (Depth == Json::MaxPackageDepth)
 			return Write(std::monostate());
-		Out += Brackets[0];
+		Out.Add({Brackets, 1});
 		++Depth;
 		bool bIsFirst = true;
 		for (const auto& Item : Items)
 		{
 			if (!bIsFirst)
-				Out += ',';
+				Out.Add(",");
 			bIsFirst = false;
 			BreakLine();
 			WriteItem(Item);
@@ -134,17 +200,17 @@ private:
 		--Depth;
 		if (!bIsFirst)
 			BreakLine();
-		Out += Brackets[1];
+		Out.Add({Brackets + 1, 1});
 	}
 
 	void BreakLine()
 	{
 		if (Form == EForm::Pretty)
-			Out.append(1, '\n').append(static_cast<std::size_t>(Depth) * 2, ' ');
+			Out.Add("\n" + std::string(static_cast<std::size_t>(Depth) * 2, ' '));
 	}
 
+	TOut Out;
 	EForm Form;
-	std::string Out;
 	int32 Depth = 0;
 };
 
@@ -152,23 +218,35 @@ namespace Json
 {
 FString Write(const FJsonValue& Value)
 {
-	FJsonWriter Writer(FJsonWriter::EForm::Compact);
-	Writer.WriteValue(Value);
-	return Writer.Take();
+	std::string Text;
+	TJsonWriter(FTextOut{Text}).WriteValue(Value);
+	return Text;
 }
 
 FString Write(const FJsonObject& Object)
 {
-	FJsonWriter Writer(FJsonWriter::EForm::Compact);
-	Writer.WriteObject(Object);
-	return Writer.Take();
+	std::string Text;
+	Append(Text, Object);
+	return Text;
 }
 
 FString WritePretty(const FJsonObject& Object)
 {
-	FJsonWriter Writer(FJsonWriter::EForm::Pretty);
-	Writer.WriteObject(Object);
-	return Writer.Take();
+	std::string Text;
+	TJsonWriter(FTextOut{Text}, TJsonWriter<FTextOut>::EForm::Pretty).WriteObject(Object);
+	return Text;
+}
+
+void Append(std::string& Out, const FJsonObject& Object)
+{
+	TJsonWriter(FTextOut{Out}).WriteObject(Object);
+}
+
+FJsonSize Measure(const FJsonValue& Value)
+{
+	TJsonWriter<FSizeOut> Writer(FSizeOut{});
+	Writer.WriteValue(Value);
+	return Writer.GetOut().Size;
 }
 
 void AppendQuoted(std::string& Out, std::string_view Text)

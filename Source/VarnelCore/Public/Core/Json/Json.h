@@ -63,7 +63,8 @@ public:
 private:
 	using FArrayBox = TSharedPtr<const FJsonArray>; // arrays are immutable once they are a value
 	std::variant<std::monostate, bool, int64, double, FString, FArrayBox, TSharedPtr<FJsonObject>> Data;
-	friend class FJsonWriter;
+	template <class TOut>
+	friend class TJsonWriter;
 };
 
 /**
@@ -127,6 +128,13 @@ struct FJsonError
 	const char* Rule = "json-syntax"; // short stable word, for diagnostics
 };
 
+/** How much room a value takes as compact text. */
+struct FJsonSize
+{
+	int64 NumBytes = 0;			// of the text
+	int64 NumBytesInString = 0; // of the text inside a JSON string, without the quotes around it
+};
+
 /** Reading and writing of JSON text. Any thread. */
 namespace Json
 {
@@ -156,6 +164,10 @@ FString Write(const FJsonValue& Value);
 FString Write(const FJsonObject& Object);
 /** The same, indented by two blanks a level, for people. */
 FString WritePretty(const FJsonObject& Object);
+/** Appends what Write gives. */
+void Append(std::string& Out, const FJsonObject& Object);
+/** The size of what Write gives, without writing it. */
+FJsonSize Measure(const FJsonValue& Value);
 /** Appends Text as a JSON string with its quotes. */
 void AppendQuoted(std::string& Out, std::string_view Text);
 /** Appends a number in the writer's form. */

@@ -1,6 +1,8 @@
 #include "Core/Program/Console.h"
 #include "Core/Threads/Tasks.h"
 #include "Graph/GraphPicture.h"
+#include "OrivaneToolkit/OrivaneSettings.h"
+#include "Quellar/Families/SearchMemory.h"
 #include "Support/Golden.h"
 #include "Support/TestProject.h"
 #include "Tools/PathSearchTool.h"
@@ -51,6 +53,38 @@ TEST_F(SampleAnswers, OfTools)
 		Call(Tool, Arguments,
 			[File = File](const Orivane::FToolResult& Result)
 			{ ExpectGolden(File, Json::WritePretty(*MakeEnvelopeJson(Result)).View()); });
+}
+
+/** What a search keeps must not show in any later one. */
+TEST_F(SampleAnswers, OfSearchesDoNotDependOnEarlierOnes)
+{
+	std::vector<std::string> Searches;
+	for (const char* Term : {"", "zqx", "health", "HEALTH", "Lamp", "lantern", "0.5", "BT_", "speed", "\u0130", "\u00c9", "a"})
+	{
+		for (const char* Options : {"", ",\"mode\":\"exact\"", ",\"case_sensitive\":true", ",\"max_total_hits\":3",
+				 ",\"path_contains\":\"Characters\"", ",\"max_hits_per_asset_type\":1"})
+		{
+			const char* const Families =
+				*Term ? "" : R"(,"include_asset_families":["Material","DataTable","BehaviorTree","Enum"])";
+			Searches.push_back("{\"term\":\"" + std::string(Term) + "\"" + Options + Families + "}");
+		}
+	}
+	const auto Search = [](const std::string& Arguments)
+	{
+		UOrivaneSettings::StaticClass()->GetDefaultObject<UOrivaneSettings>()->MaterialSearchMode = 1;
+		std::string Answer;
+		Call("asset_search", Arguments.c_str(),
+			[&Answer](const Orivane::FToolResult& Result) { Answer = Json::Write(*MakeEnvelopeJson(Result)).ToStdString(); });
+		return Answer;
+	};
+	SearchMemory::SetLimit(0);
+	std::vector<std::string> First;
+	for (const std::string& Arguments : Searches)
+		First.push_back(Search(Arguments));
+	SearchMemory::SetLimit(SearchMemory::DefaultLimit);
+	for (std::size_t Index = 0; Index < 2 * Searches.size(); ++Index)
+		EXPECT_EQ(Search(Searches[Index % Searches.size()]), First[Index % Searches.size()]) << Searches[Index % Searches.size()];
+	EXPECT_GT(SearchMemory::GetBytes(), 0);
 }
 
 TEST_F(SampleAnswers, OfDrawings)

@@ -248,6 +248,13 @@ void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 		   "--object-memory", TakeMegabytes, "Memory that loaded objects may keep between calls [a quarter of the machine's]")
 		->check(CLI::Range(int64{1}, int64{1} << 30))
 		->type_name("MB");
+	const auto TakeSearchMegabytes = [&Out](const int64& Megabytes) { Out.SearchMemory = Megabytes << 20; };
+	App.add_option_function<int64>("--search-memory", TakeSearchMegabytes,
+		   FString::Printf("Memory that searches may keep for later ones; 0: none [%lld]",
+			   static_cast<long long>(SearchMemory::DefaultLimit >> 20))
+			   .ToStdString())
+		->check(CLI::Range(int64{0}, int64{1} << 30))
+		->type_name("MB");
 	CLI::Option* NoCache = App.add_flag_callback(
 		"--no-cache", [&Out] { Out.Cache = ERegistryCache::Ignore; }, "Neither read nor write the registry cache");
 	App.add_flag_callback(

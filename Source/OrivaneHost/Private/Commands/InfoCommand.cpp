@@ -1,12 +1,14 @@
 #include "Commands/Commands.h"
 #include "Core/Json/Json.h"
 #include "CoreObject/Objects/PackageName.h"
+#include "CoreObject/Packages/Loader.h"
 #include "CoreObject/Reflection/DeveloperSettings.h"
 #include "CoreObject/Reflection/Properties.h"
 #include "Project/HeadlessEngine.h"
 #include "Project/PackageMemory.h"
 #include "Project/ProjectRegistry.h"
 #include "Quellar/Families/AssetFamily.h"
+#include "Quellar/Families/SearchMemory.h"
 #include "Terminal/ExitCode.h"
 
 #include <sys/resource.h>
@@ -143,6 +145,8 @@ TSharedPtr<FJsonObject> MakeScanJson(const FProjectSummary& Summary)
 	Scan->SetNumberField("build_seconds", Summary.Scan.BuildSeconds);
 	Scan->SetNumberField("open_seconds", Summary.OpenSeconds);
 	Scan->SetNumberField("registry_bytes", GetProjectRegistry().GetImageBytes());
+	Scan->SetNumberField("object_memory_bytes", static_cast<double>(GetObjectMemory()));
+	Scan->SetNumberField("search_memory_bytes", static_cast<double>(SearchMemory::GetBytes()));
 	Scan->SetNumberField("peak_memory_bytes", GetPeakMemoryBytes());
 	return Scan;
 }

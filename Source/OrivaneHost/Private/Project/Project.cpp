@@ -225,6 +225,7 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 		return false;
 	}
 	SetPackageLocator(LocatePackage);
+	SearchMemory::SetLimit(Options.SearchMemory);
 	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);

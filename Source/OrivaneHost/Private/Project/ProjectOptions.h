@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AssetRegistry/AssetRegistry.h"
+#include "Quellar/Families/SearchMemory.h"
 
 #include <chrono>
 
@@ -29,8 +30,9 @@ struct FProjectOptions
 	EProjectWatch Watch = EProjectWatch::Off;
 	std::chrono::milliseconds WatchInterval = std::chrono::seconds(1); // the least between two looks at the files' times
 	int32 NumThreads = 0;											   // 0: all processors
-	int64 ObjectMemory = 0;	 // bytes that loaded objects may take between calls; 0: a quarter of the machine's memory
-	TArray<FString> Preload; // paths for PackageMemory::Load
+	int64 ObjectMemory = 0; // bytes that loaded objects may take between calls; 0: a quarter of the machine's memory
+	int64 SearchMemory = SearchMemory::DefaultLimit; // bytes that searches may keep for later ones
+	TArray<FString> Preload;						 // paths for PackageMemory::Load
 	FScanProgress* Progress = nullptr;
 	std::stop_token Stop;
 };

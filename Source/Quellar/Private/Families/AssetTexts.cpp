@@ -8,17 +8,16 @@
 #include "CoreObject/Packages/Loader.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Quellar/Assets/OrivaneFindUtils.h"
+#include "Quellar/Families/SearchMemory.h"
 
 #include <algorithm>
 
 namespace
 {
-constexpr int64 DefaultMemoryLimit = int64{256} * 1024 * 1024;
-
 struct FMemory
 {
 	int64 NumBytes = 0;
-	int64 MaxBytes = DefaultMemoryLimit;
+	int64 MaxBytes = SearchMemory::DefaultLimit;
 };
 
 FMemory& GetTextMemory()
@@ -92,12 +91,12 @@ void FAssetTexts::Forget()
 	GetAllTexts() = {};
 }
 
-void FAssetTexts::SetMemoryLimit(int64 MaxBytes)
+void SearchMemory::SetLimit(int64 MaxBytes)
 {
 	GetTextMemory().MaxBytes = MaxBytes;
 }
 
-int64 FAssetTexts::GetMemory()
+int64 SearchMemory::GetBytes()
 {
 	return GetTextMemory().NumBytes;
 }

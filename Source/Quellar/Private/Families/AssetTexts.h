@@ -38,7 +38,7 @@ enum class ETextOrigin : uint8
  * no texts are known. Assets are listed anew when the registry or the settings have changed; texts of an asset go when its
  * package is loaded anew, which it is when what it refers to has changed.
  *
- * Texts take memory up to a limit for all scans together; beyond it assets are read for every search. Game thread.
+ * Texts take memory up to the limit of SearchMemory; beyond it assets are read for every search. Game thread.
  */
 class FAssetTexts
 {
@@ -55,9 +55,6 @@ public:
 	static FAssetTexts& Get(const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List);
 	/** Lets go of everything. */
 	static void Forget();
-	static void SetMemoryLimit(int64 MaxBytes);
-	/** What kept texts take, in bytes. */
-	static int64 GetMemory();
 
 	/** Brings list and texts up to date. To be called once at the start of a search; what follows holds until it ends. */
 	void Refresh();

@@ -168,36 +168,49 @@ void FRegistryOverlay::FMaker::AddGraph()
 		AddReferencers(Target);
 }
 
-/** Those of the base that are not hidden and those of the part, merged in registry order. */
+/** Those of the base that are not hidden and those of the part, merged in registry order. A package may have very many, so what
+ * lies between two changes is copied as it is. */
 void FRegistryOverlay::FMaker::AddReferencers(uint32 Node)
 {
 	const auto Begin = static_cast<uint32>(Out.ReferencerSources.size());
-	const std::string_view Name = Node < Base.NumNodes() ? BaseTables.GetText(EZone::Nodes, Node)
-														 : Tables.GetText(EZone::Nodes, Out.OwnNodes[Node - Base.NumNodes()]);
-	const uint32 OfPart = Part.FindNode(Name);
-	FRowRange Added = OfPart == NoId ? FRowRange() : FRegistryTables::RangeOf(Tables.FirstReferencers, OfPart);
-	const FRowRange Known = Node < Base.NumNodes() ? FRegistryTables::RangeOf(BaseTables.FirstReferencers, Node) : FRowRange();
-	const auto AddUpTo = [&](uint32 Place)
+	const bool bInBase = Node < Base.NumNodes();
+	const uint32 OfPart = bInBase ? Part.FindNode(BaseTables.GetText(EZone::Nodes, Node)) : Out.OwnNodes[Node - Base.NumNodes()];
+	const FRowRange Known = bInBase ? FRegistryTables::RangeOf(BaseTables.FirstReferencers, Node) : FRowRange();
+	const std::span<const uint32> Sources = BaseTables.ReferencerSources.subspan(Known.Begin, Known.Num()); // ascending
+	const auto FindEdge = [&](uint32 Source)
+	{ return Known.Begin + static_cast<uint32>(std::lower_bound(Sources.begin(), Sources.end(), Source) - Sources.begin()); };
+	uint32 Next = Known.Begin;
+	const auto CopyUpTo = [&](uint32 Edge)
 	{
-		for (; Added.Begin < Added.End && Out.Places[Tables.ReferencerSources[Added.Begin]] <= Place; ++Added.Begin)
+		Out.ReferencerSources.insert(Out.ReferencerSources.end(), BaseTables.ReferencerSources.begin() + Next,
+			BaseTables.ReferencerSources.begin() + Edge);
+		Out.ReferencerFlags.insert(
+			Out.ReferencerFlags.end(), BaseTables.ReferencerFlags.begin() + Next, BaseTables.ReferencerFlags.begin() + Edge);
+		Next = Edge;
+	};
+	auto DropBelow = [&, At = std::size_t{0}](uint32 Source) mutable
+	{
+		for (; At < Out.Hidden.size() && Out.Hidden[At] < Source; ++At)
 		{
-			Out.ReferencerSources.push_back(Out.Nodes[Tables.ReferencerSources[Added.Begin]]);
-			Out.ReferencerFlags.push_back(Tables.ReferencerFlags[Added.Begin]);
+			if (const uint32 Edge = FindEdge(Out.Hidden[At]);
+				Edge < Known.End && BaseTables.ReferencerSources[Edge] == Out.Hidden[At])
+			{
+				CopyUpTo(Edge);
+				++Next;
+			}
 		}
 	};
-	auto NextHidden = Out.Hidden.begin();
-	for (uint32 Edge = Known.Begin; Edge < Known.End; ++Edge)
+	const FRowRange Added = OfPart == NoId ? FRowRange() : FRegistryTables::RangeOf(Tables.FirstReferencers, OfPart);
+	for (uint32 Edge = Added.Begin; Edge < Added.End; ++Edge)
 	{
-		const uint32 Source = BaseTables.ReferencerSources[Edge]; // ascending
-		while (NextHidden != Out.Hidden.end() && *NextHidden < Source)
-			++NextHidden;
-		AddUpTo(Source);
-		if (NextHidden != Out.Hidden.end() && *NextHidden == Source)
-			continue;
-		Out.ReferencerSources.push_back(Source);
-		Out.ReferencerFlags.push_back(BaseTables.ReferencerFlags[Edge]);
+		const uint32 Source = Tables.ReferencerSources[Edge];
+		DropBelow(Out.Places[Source]);
+		CopyUpTo(FindEdge(Out.Places[Source]));
+		Out.ReferencerSources.push_back(Out.Nodes[Source]);
+		Out.ReferencerFlags.push_back(Tables.ReferencerFlags[Edge]);
 	}
-	AddUpTo(Base.NumPackages());
+	DropBelow(Base.NumPackages());
+	CopyUpTo(Known.End);
 	Out.ReferencersOf[Node] = {Begin, static_cast<uint32>(Out.ReferencerSources.size())};
 }
 

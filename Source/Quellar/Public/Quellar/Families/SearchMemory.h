@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Core/Base/Types.h"
+
+/** What searches keep for later ones: the texts of assets, folded. Game thread. */
+namespace SearchMemory
+{
+constexpr int64 DefaultLimit = int64{256} * 1024 * 1024; // bytes
+
+/** For all of it together, bytes; 0 keeps nothing. What is kept already stays until its assets change. */
+void SetLimit(int64 MaxBytes);
+/** What it takes now. */
+int64 GetBytes();
+}

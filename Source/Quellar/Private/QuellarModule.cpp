@@ -1,6 +1,7 @@
 #include "Quellar/QuellarModule.h"
 
 #include "Console/ExploreAssetGraphCommand.h"
+#include "Families/AssetTexts.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/Families/BlueprintFindUtils.h"
@@ -40,6 +41,7 @@ void FQuellarModule::ShutdownModule()
 			Entry->Close();
 	}
 	FBlueprintFindUtils::Get().Abandon();
+	FAssetTexts::Forget();
 	AssetSearchEntry.reset();
 	AssetGraphEntry.reset();
 	AssetPathSearchEntry.reset();

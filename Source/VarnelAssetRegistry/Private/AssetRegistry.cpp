@@ -205,6 +205,11 @@ FPackageGraphView FAssetRegistry::GetPackageGraph() const
 	return FPackageGraphView(Live->Take());
 }
 
+uint64 FAssetRegistry::GetStateNumber() const
+{
+	return Live->GetStateNumber();
+}
+
 void FAssetRegistry::GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const
 {
 	const auto Current = Live->Take();

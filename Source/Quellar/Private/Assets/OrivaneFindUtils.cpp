@@ -30,12 +30,15 @@ struct FExclusionRules
 {
 	TArray<FString> SourceDirectories;
 	TArray<FString> SourcePlugins;
+	bool bExcludePlugins = false;
+	uint64 Number = 0; // of the change that led to these
 	TArray<FString> Directories;
 	TArray<FString> Plugins;
 
 	bool IsMadeFrom(const UQuellarSettings& Settings) const
 	{
-		return AreSame(SourceDirectories, Settings.ExcludedDirectories) && AreSame(SourcePlugins, Settings.ExcludedPluginNames);
+		return Number > 0 && bExcludePlugins == Settings.bExcludeEnginePlugins &&
+			AreSame(SourceDirectories, Settings.ExcludedDirectories) && AreSame(SourcePlugins, Settings.ExcludedPluginNames);
 	}
 
 	static bool AreSame(const TArray<FString>& A, const TArray<FString>& B)
@@ -46,7 +49,9 @@ struct FExclusionRules
 
 	static FExclusionRules MakeFrom(const UQuellarSettings& Settings)
 	{
-		FExclusionRules Rules{.SourceDirectories = Settings.ExcludedDirectories, .SourcePlugins = Settings.ExcludedPluginNames};
+		FExclusionRules Rules{.SourceDirectories = Settings.ExcludedDirectories,
+			.SourcePlugins = Settings.ExcludedPluginNames,
+			.bExcludePlugins = Settings.bExcludeEnginePlugins};
 		std::string Normalized;
 		for (const FString& Directory : Settings.ExcludedDirectories)
 		{
@@ -64,8 +69,12 @@ struct FExclusionRules
 const FExclusionRules& GetCurrentRules(const UQuellarSettings& Settings)
 {
 	static FExclusionRules Rules;
+	static uint64 NumChanges = 0;
 	if (!Rules.IsMadeFrom(Settings))
+	{
 		Rules = FExclusionRules::MakeFrom(Settings);
+		Rules.Number = ++NumChanges;
+	}
 	return Rules;
 }
 
@@ -110,9 +119,15 @@ bool FOrivaneFindUtils::ShouldExcludeFilePath(const FString& Path)
 	Normalize(Path, Normalized);
 	if (Rules.Directories.ContainsByPredicate([&](const FString& Directory) { return HoldsDirectory(Normalized, Directory); }))
 		return true;
-	if (!Settings->bExcludeEnginePlugins)
+	if (!Rules.bExcludePlugins)
 		return false;
 	const std::string_view Plugin = GetPluginName(Normalized);
 	return !Plugin.empty() &&
 		Rules.Plugins.ContainsByPredicate([&](const FString& Excluded) { return Unicode::EqualsFolded(Excluded, Plugin); });
+}
+
+uint64 FOrivaneFindUtils::GetRulesNumber()
+{
+	const UQuellarSettings* Settings = UQuellarSettings::StaticClass()->GetDefaultObject<UQuellarSettings>();
+	return Settings ? GetCurrentRules(*Settings).Number : 0;
 }

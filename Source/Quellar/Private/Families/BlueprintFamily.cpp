@@ -29,15 +29,19 @@ bool IsInGeneratedFolder(const FAssetData& Asset)
 		[&Path](const char* Folder) { return Path.Contains(Folder, ESearchCase::IgnoreCase); });
 }
 
-enum class EOrder : uint8
+/** The widget Blueprints that are read for their widgets, in the order of reading. */
+TArray<FAssetData> ListWidgetBlueprints()
 {
-	Registry,
-	ObjectPath,
-};
+	TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClasses({UWidgetBlueprint::StaticClass()}, true);
+	Assets.RemoveAll([](const FAssetData& Asset) { return IsInGeneratedFolder(Asset) || !IsInScope(Asset); });
+	return Assets;
+}
 
-TArray<FAssetData> GatherAssets(const TArray<UClass*>& Classes, EOrder Order)
+/** All Blueprints that are found by their names. */
+TArray<FAssetData> ListBlueprints()
 {
-	TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClasses(Classes, Order == EOrder::ObjectPath);
+	TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClasses(
+		{UBlueprint::StaticClass(), UWidgetBlueprint::StaticClass(), UAnimBlueprint::StaticClass()}, false);
 	Assets.RemoveAll(IsInGeneratedFolder);
 	return Assets;
 }
@@ -148,17 +152,20 @@ void FBlueprintSearch::ReadWidgets()
 {
 	if (!Params.IncludeKinds.IsEmpty() && !OrivaneSearchUtils::DoesKindSetContainAny(Params.IncludeKinds, GetWidgetKinds()))
 		return;
-	for (const FAssetData& Asset : GatherAssets({UWidgetBlueprint::StaticClass()}, EOrder::ObjectPath))
+	FAssetScan Scan("WidgetBlueprint", ETextOrigin::Package, ListWidgetBlueprints, Params);
+	while (!IsFull() && Scan.Next())
 	{
-		if (IsFull())
-			return;
-		const auto* Blueprint =
-			IsInScope(Asset, Params) ? Cast<UWidgetBlueprint>(ResolveAssetObject(Asset, ELoad::IfMissing)) : nullptr;
-		if (!Blueprint)
+		const FAssetData& Asset = Scan.GetAsset();
+		const auto Read = [&](FAssetResult&, FHitSink& Hits)
+		{
+			if (const auto* Blueprint = Cast<UWidgetBlueprint>(ResolveAssetObject(Asset, ELoad::IfMissing)))
+				ReadWidgetBlueprint(*Blueprint, Hits);
+		};
+		if (!Scan.MayHaveHits(Read))
 			continue;
 		FAssetResult Result = MakeResult(Asset);
 		FHitSink Hits(Result, Params, TotalHits);
-		ReadWidgetBlueprint(*Blueprint, Hits);
+		Read(Result, Hits);
 		if (Hits.HasHits())
 			ObjectResults.Add(Asset.GetObjectPathString(), std::move(Result));
 	}
@@ -188,13 +195,13 @@ void FBlueprintSearch::ReadWidgetBlueprint(const UWidgetBlueprint& Blueprint, FH
 void FBlueprintSearch::ReadNames()
 {
 	int32 NumReported = 0;
-	const TArray<UClass*> Classes = {UBlueprint::StaticClass(), UWidgetBlueprint::StaticClass(), UAnimBlueprint::StaticClass()};
-	for (const FAssetData& Asset : GatherAssets(Classes, EOrder::Registry))
+	FAssetScan Scan("Blueprint names", ETextOrigin::Record, ListBlueprints, Params);
+	while (Scan.Next())
 	{
-		if (IsStopRequested())
-			return;
+		const FAssetData& Asset = Scan.GetAsset();
 		const FString Name = Asset.AssetName.ToString();
-		if (!OrivaneSearchUtils::TermMatches(Name, Params) || !PassesPathFilter(Asset.PackagePath.ToString(), Params))
+		const auto Read = [&Name](FAssetResult&, FHitSink& Hits) { Hits.Add("AssetName", Name, ""); };
+		if (!Scan.MayHaveHits(Read) || !OrivaneSearchUtils::TermMatches(Name, Params))
 			continue;
 		FAssetResult& Result = ObjectResults.FindOrAdd(Asset.GetObjectPathString());
 		if (Result.Hits.IsEmpty())

@@ -1,5 +1,6 @@
 #include "Families/FamilyScan.h"
 
+#include "Core/Text/Unicode.h"
 #include "Quellar/Assets/OrivaneFindUtils.h"
 
 bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params)
@@ -7,22 +8,49 @@ bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params)
 	return Path.Contains(Params.PathContains, Params.bCaseSensitive ? ESearchCase::CaseSensitive : ESearchCase::IgnoreCase);
 }
 
-bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params)
+bool IsInScope(const FAssetData& Asset)
 {
-	return Asset.IsValid() && !FOrivaneFindUtils::ShouldExcludeFilePath(Asset.GetObjectPathString()) &&
-		PassesPathFilter(Asset.PackagePath.ToString(), Params);
+	return Asset.IsValid() && !FOrivaneFindUtils::ShouldExcludeFilePath(Asset.GetObjectPathString());
 }
 
-std::function<FName()> ListPackagesInScope(const TArray<FAssetData>& Assets, const FAssetSearchParams& Params)
+TArray<FAssetData> ListAssetsInScope(const TArray<UClass*>& Classes)
 {
-	return [&Assets, &Params, Place = 0]() mutable
+	TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClasses(Classes, false);
+	Assets.RemoveAll([](const FAssetData& Asset) { return !IsInScope(Asset); });
+	return Assets;
+}
+
+FAssetScan::FAssetScan(
+	const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List, const FAssetSearchParams& InParams)
+	: Texts(FAssetTexts::Get(Name, Origin, std::move(List)))
+	, Params(InParams)
+	, FoldedTerm(Unicode::Fold(InParams.Term.View()))
+{
+	Texts.Refresh();
+	Candidates = Texts.FindCandidates(Params.Term);
+	if (Origin == ETextOrigin::Package)
+		Prefetch.emplace([this] { return FindNextPackage(); });
+}
+
+bool FAssetScan::Next()
+{
+	while (NumDone < Candidates.size() && !IsStopRequested())
 	{
-		while (Place < Assets.Num() && !IsStopRequested())
-		{
-			const FAssetData& Asset = Assets[Place++];
-			if (IsInScope(Asset, Params))
-				return Asset.PackageName;
-		}
-		return FName();
-	};
+		Place = Candidates[NumDone++];
+		if (PassesPathFilter(GetAsset().PackagePath.ToString(), Params))
+			return true;
+	}
+	return false;
+}
+
+/** For the prefetch, which may be ahead of the scan. */
+FName FAssetScan::FindNextPackage()
+{
+	while (NumAhead < Candidates.size() && !IsStopRequested())
+	{
+		const FAssetData& Asset = Texts.GetAssets()[Candidates[NumAhead++]];
+		if (PassesPathFilter(Asset.PackagePath.ToString(), Params))
+			return Asset.PackageName;
+	}
+	return {};
 }

@@ -3,6 +3,7 @@
 #include "Assets/ResolveAssetObject.h"
 #include "Core/Threads/StopToken.h"
 #include "CoreObject/Packages/Loader.h"
+#include "Families/AssetTexts.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Quellar/Hits/AssetSearchTypes.h"
 
@@ -26,10 +27,18 @@ struct FFamilyTraits
 	FString NameContainer; // container of the "AssetName" hit used when nothing else matched
 };
 
-/** Appends the hits of one asset, by the rules of OrivaneSearchUtils. The hit counter runs over all assets of one scan. */
+/**
+ * Appends the hits of one asset, by the rules of OrivaneSearchUtils. The hit counter runs over all assets of one scan. One that
+ * notes texts takes down what a reader compares, and matches nothing, so that the reader goes through all.
+ */
 class FHitSink
 {
 public:
+	FHitSink(FAssetResult& InResult, const FAssetSearchParams& InParams, int32& InTotalHits, FNotedTexts& InNoted)
+		: FHitSink(InResult, InParams, InTotalHits)
+	{
+		Noted = &InNoted;
+	}
 	FHitSink(FAssetResult& InResult, const FAssetSearchParams& InParams, int32& InTotalHits)
 		: Result(InResult)
 		, Params(InParams)
@@ -40,39 +49,86 @@ public:
 	/** Appends when Name matches the term, as if called so many times. */
 	void Add(const FString& Kind, const FString& Name, const FString& Container, int64 Times = 1)
 	{
-		if (Times > 0)
+		if (Noted)
+			Note(Name);
+		else if (Times > 0)
 			OrivaneSearchUtils::AppendIfTermMatches(Result, Kind, Name, Container, Params, TotalHits,
 				static_cast<int32>(std::min<int64>(Times, std::numeric_limits<int32>::max())));
 	}
 	/** Appends; the caller has matched already. */
 	void AddMatched(const FString& Kind, const FString& Name, const FString& Container)
 	{
+		if (Noted)
+			return Note(Name);
 		OrivaneSearchUtils::AppendHitWithCaps(Result, Kind, Name, Container, Params, TotalHits);
 	}
-	bool Matches(const FString& Text) const { return OrivaneSearchUtils::TermMatches(Text, Params); }
+	bool Matches(const FString& Text) const
+	{
+		if (Noted)
+			Note(Text);
+		return !Noted && OrivaneSearchUtils::TermMatches(Text, Params);
+	}
 	/** Stop reading: the scan's hit cap is reached, or what it finds is not wanted any more. */
-	bool IsFull() const { return IsStopRequested() || OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits); }
+	bool IsFull() const
+	{
+		return IsStopRequested() || (!Noted && OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits));
+	}
 	bool HasHits() const { return !Result.Hits.IsEmpty(); }
+	/** Null while hits are appended. */
+	FNotedTexts* GetNoted() const { return Noted; }
 
 private:
+	void Note(const FString& Text) const { FNotedTexts::Append(Noted->Texts, Text); }
+
 	FAssetResult& Result;
 	const FAssetSearchParams& Params;
 	int32& TotalHits;
+	FNotedTexts* Noted = nullptr;
 };
 
 /** Contains test with the search's case, whatever the search's mode; an empty filter passes everything. */
 bool PassesPathFilter(const FString& Path, const FAssetSearchParams& Params);
-/** The entry is complete, not excluded, and its folder passes the search's path filter. */
-bool IsInScope(const FAssetData& Asset, const FAssetSearchParams& Params);
-/** For an FPackagePrefetch: gives the packages of the assets in scope, one a call, None at the end or when stopped. Both
- * arguments outlive it. */
-std::function<FName()> ListPackagesInScope(const TArray<FAssetData>& Assets, const FAssetSearchParams& Params);
+/** The entry is complete and not excluded by the settings. */
+bool IsInScope(const FAssetData& Asset);
+/** The assets of the classes and of those derived from them, in registry order, that are in scope. */
+TArray<FAssetData> ListAssetsInScope(const TArray<UClass*>& Classes);
 
-/** What a scan's reader does with the assets' packages. */
-enum class EPackageUse : uint8
+/** One scan, from its assets to those that have to be read. */
+class FAssetScan
 {
-	None,	  // it looks at records, and at what is in memory anyway
-	LoadEach, // so they are parsed ahead of it
+public:
+	/** Name tells it from other scans, of other families and modes; see FAssetTexts. */
+	FAssetScan(
+		const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List, const FAssetSearchParams& InParams);
+
+	/** Moves on to the next asset that may have hits and passes the path filter. False at the end, or when stopped. */
+	bool Next();
+	const FAssetData& GetAsset() const { return Texts.GetAssets()[Place]; }
+	/** False when the asset cannot have hits, or when stopped. Read(FAssetResult&, FHitSink&) reads it, for its texts. */
+	template <class TRead>
+	bool MayHaveHits(TRead&& Read)
+	{
+		if (!Texts.WantsTexts(Place))
+			return true;
+		FAssetResult Unused;
+		int32 NumHits = 0;
+		FNotedTexts Noted{.For = &Texts};
+		FHitSink Notes(Unused, Params, NumHits, Noted);
+		Read(Unused, Notes);
+		return !IsStopRequested() && Texts.Note(Place, Noted, FoldedTerm);
+	}
+
+private:
+	FName FindNextPackage();
+
+	FAssetTexts& Texts;
+	const FAssetSearchParams& Params;
+	const std::string FoldedTerm;
+	std::vector<int32> Candidates;
+	std::size_t NumDone = 0;
+	std::size_t NumAhead = 0;
+	int32 Place = INDEX_NONE;
+	TOptional<FPackagePrefetch> Prefetch;
 };
 
 /**
@@ -82,20 +138,17 @@ enum class EPackageUse : uint8
  * Core/StopToken.h, ends it early. Game thread only. Executes OnDone once, before it returns.
  */
 template <class TReadAsset>
-void ScanAssets(const TArray<UClass*>& Classes, EPackageUse PackageUse, const FAssetSearchParams& Params,
+void ScanAssets(const FString& Name, ETextOrigin Origin, const TArray<UClass*>& Classes, const FAssetSearchParams& Params,
 	const FOnAssetSearchComplete& OnDone, TReadAsset&& ReadAsset)
 {
 	FAssetSearchResult Found;
 	int32 TotalHits = 0;
-	const TArray<FAssetData> Assets = OrivaneAssetRegistryUtils::FindAssetsByClasses(Classes, false);
-	TOptional<FPackagePrefetch> Prefetch;
-	if (PackageUse == EPackageUse::LoadEach)
-		Prefetch.emplace(ListPackagesInScope(Assets, Params));
-	for (const FAssetData& Asset : Assets)
+	FAssetScan Scan(
+		Name, Origin, [Classes] { return ListAssetsInScope(Classes); }, Params);
+	while (Scan.Next())
 	{
-		if (IsStopRequested())
-			break;
-		if (!IsInScope(Asset, Params))
+		const FAssetData& Asset = Scan.GetAsset();
+		if (!Scan.MayHaveHits([&](FAssetResult& Result, FHitSink& Hits) { ReadAsset(Asset, Result, Hits); }))
 			continue;
 		FAssetResult Result;
 		FHitSink Hits(Result, Params, TotalHits);
@@ -119,7 +172,7 @@ template <class TAsset, class TReadAsset>
 void ScanFamily(
 	const FFamilyTraits& Traits, const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone, TReadAsset&& ReadAsset)
 {
-	ScanAssets({TAsset::StaticClass()}, EPackageUse::LoadEach, Params, OnDone,
+	ScanAssets(Traits.ClassText, ETextOrigin::Package, {TAsset::StaticClass()}, Params, OnDone,
 		[&](const FAssetData& Asset, FAssetResult& Result, FHitSink& Hits)
 		{
 			const TAsset* Object = Cast<TAsset>(ResolveAssetObject(Asset, ELoad::IfMissing));

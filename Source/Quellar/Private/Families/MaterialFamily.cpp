@@ -119,6 +119,11 @@ private:
 	const TArray<int32>& FindMatching(const FParameterKind& Kind, const TSharedPtr<const FMaterialParameterView>& View,
 		const UMaterialInterface& Material, const FHitSink& Hits)
 	{
+		if (FNotedTexts* const Noted = Hits.GetNoted())
+		{
+			NoteShared(Kind, View, Material, *Noted);
+			return NoneMatch;
+		}
 		const auto [Found, bIsNew] = Matching.insert({View.get(), FMatching{View, {}}});
 		TArray<int32>& Places = Found.value().Places;
 		for (int32 Place = 0; bIsNew && Place < View->Parameters.Num(); ++Place)
@@ -131,7 +136,23 @@ private:
 		return Places;
 	}
 
+	static void NoteShared(const FParameterKind& Kind, const TSharedPtr<const FMaterialParameterView>& View,
+		const UMaterialInterface& Material, FNotedTexts& Noted)
+	{
+		FNotedTexts::FShared& Shared = Noted.Shared.emplace_back();
+		Shared.Key = View;
+		if (Noted.For->KnowsShared(View.get()))
+			return;
+		for (const FMaterialParameterInfo& Parameter : View->Parameters)
+		{
+			FNotedTexts::Append(Shared.Texts, Parameter.Name.ToString());
+			if (const TOptional<FString> Value = Kind.ReadValue(Material, Parameter))
+				FNotedTexts::Append(Shared.Texts, *Value);
+		}
+	}
+
 	THashMap<const FMaterialParameterView*, FMatching> Matching;
+	const TArray<int32> NoneMatch;
 };
 
 void LoadAndRead(const FAssetData& Asset, FAssetResult& Result, FHitSink& Hits, FMaterialReader& Reader)
@@ -166,6 +187,6 @@ void SearchMaterials(const FAssetSearchParams& Params, FOnAssetSearchComplete On
 	FMaterialReader Reader;
 	const auto ReadContents = [&Reader](const FAssetData& Asset, FAssetResult& Result, FHitSink& Hits)
 	{ LoadAndRead(Asset, Result, Hits, Reader); };
-	ScanByMode(&UOrivaneSettings::MaterialSearchMode,
-		{.Names = ReadName, .Contents = ReadContents, .ContentsUse = EPackageUse::LoadEach}, Classes, Params, OnDone);
+	ScanByMode("Material", &UOrivaneSettings::MaterialSearchMode,
+		{.Names = ReadName, .Contents = ReadContents, .ContentsOrigin = ETextOrigin::Package}, Classes, Params, OnDone);
 }

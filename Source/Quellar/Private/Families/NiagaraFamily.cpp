@@ -93,7 +93,7 @@ void ReadIfInMemory(const FAssetData& Asset, FAssetResult& Result, FHitSink& Hit
  */
 void SearchNiagaraSystems(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
-	ScanByMode(&UOrivaneSettings::NiagaraSearchMode,
-		{.Names = ReadName, .Contents = ReadIfInMemory, .ContentsUse = EPackageUse::None}, {UNiagaraSystem::StaticClass()},
+	ScanByMode("NiagaraSystem", &UOrivaneSettings::NiagaraSearchMode,
+		{.Names = ReadName, .Contents = ReadIfInMemory, .ContentsOrigin = ETextOrigin::Unkept}, {UNiagaraSystem::StaticClass()},
 		Params, OnDone);
 }

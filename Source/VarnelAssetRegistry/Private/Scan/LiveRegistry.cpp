@@ -46,6 +46,13 @@ void FLiveRegistry::Set(FSnapshotPtr New)
 {
 	const std::lock_guard Guard(Lock);
 	Current.swap(New); // the old one is freed behind the lock
+	++StateNumber;
+}
+
+uint64 FLiveRegistry::GetStateNumber() const
+{
+	const std::lock_guard Guard(Lock);
+	return StateNumber;
 }
 
 void FLiveRegistry::SetClassParents(FRegistryScan::FClassParents Parents)

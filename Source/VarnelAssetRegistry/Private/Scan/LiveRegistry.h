@@ -20,6 +20,8 @@ public:
 
 	/** A query works on what it took here, whatever happens meanwhile. */
 	FSnapshotPtr Take() const;
+	/** Of what Take gives. */
+	uint64 GetStateNumber() const;
 	void SetClassParents(FRegistryScan::FClassParents Parents);
 	bool Scan(const FRegistryScanOptions& Options, FRegistryScanReport& OutReport);
 	ERegistryUpdate Update(const FRegistryScanOptions& Options, std::span<const std::string> Files,
@@ -64,4 +66,5 @@ private:
 
 	mutable std::mutex Lock; // guards what follows
 	FSnapshotPtr Current;
+	uint64 StateNumber = 1;
 };

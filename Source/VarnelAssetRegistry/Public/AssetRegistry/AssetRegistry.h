@@ -119,6 +119,7 @@ public:
 	int32 GetNumDependencies(FName PackageName) const override;
 	int32 GetNumReferencers(FName PackageName) const override;
 	FPackageGraphView GetPackageGraph() const override;
+	uint64 GetStateNumber() const override;
 	void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const override;
 	FAssetPathView GetAssetPaths() const override;
 	FBlueprintIndexView GetBlueprintIndex() const override;

@@ -63,6 +63,10 @@ public:
 	/** The same graph by numbers, for walks; empty for a registry that keeps none. */
 	virtual FPackageGraphView GetPackageGraph() const { return {}; }
 
+	/** Rises whenever answers may have changed, so that what was made from answers can be kept; always 0 for a registry that does
+	 * not count. */
+	virtual uint64 GetStateNumber() const { return 0; }
+
 	/** Classes above a class path, nearest first, as far as they are known. */
 	virtual void GetAncestorClasses(const FTopLevelAssetPath& ClassPath, TArray<FTopLevelAssetPath>& OutAncestors) const = 0;
 

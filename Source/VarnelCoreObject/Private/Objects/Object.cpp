@@ -100,6 +100,7 @@ UPackage* FindPackage(FName PackageName, bool bCreate)
 	if (PackageName.IsNone())
 		return nullptr;
 	static uint64 NumUses = 0;
+	static uint64 NumMade = 0;
 	FObjectTable& Table = FObjectTable::Get();
 	auto* Package = static_cast<UPackage*>(Table.Find(nullptr, PackageName));
 	if (!Package && bCreate)
@@ -107,6 +108,7 @@ UPackage* FindPackage(FName PackageName, bool bCreate)
 		UClass& Class = *UPackage::StaticClass();
 		Package = static_cast<UPackage*>(FObjectTable::Construct(Class));
 		Table.Add(*Package, Class, nullptr, PackageName);
+		Package->SerialNumber = ++NumMade;
 	}
 	if (Package)
 		Package->LastUse = ++NumUses;

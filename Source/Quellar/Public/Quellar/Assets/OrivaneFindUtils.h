@@ -12,4 +12,6 @@ public:
 	 * is. Reads the current settings. Game thread.
 	 */
 	static bool ShouldExcludeFilePath(const FString& Path);
+	/** Rises whenever the settings have changed so that the answers may be others. Game thread. */
+	static uint64 GetRulesNumber();
 };

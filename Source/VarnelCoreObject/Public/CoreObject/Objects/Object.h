@@ -94,10 +94,13 @@ public:
 	UObject* FindInside(FStringView Path) const;
 	/** Rises from look-up to look-up, over all packages: the higher, the later the package was last asked for by name. */
 	uint64 GetLastUse() const { return LastUse; }
+	/** Another one for every package that is made, also where it takes the place of one of its name. */
+	uint64 GetSerialNumber() const { return SerialNumber; }
 
 private:
 	friend UPackage* FindPackage(FName PackageName, bool bCreate);
 	uint64 LastUse = 0;
+	uint64 SerialNumber = 0;
 	bool bFullyLoaded = false;
 };
 

@@ -23,13 +23,13 @@ struct FRunCommand
 	int operator()(const FMcpArguments& Arguments) const { return RunMcp(Arguments); }
 };
 
-/** Nothing counts as found that nobody could be told. */
+/** What could not be printed does not count as found. */
 int CheckOutput(int ExitCode)
 {
 	const int Error = Terminal::GetOutputError();
 	if (Error == 0)
 		return ExitCode;
-	if (Error != EPIPE) // whoever has read enough knows
+	if (Error != EPIPE) // the reader has closed the pipe because it has enough
 		Terminal::PrintError(FString("orivane: cannot write to standard output: ") + std::strerror(Error) + "\n");
 	return EExitCode::WrongUse;
 }

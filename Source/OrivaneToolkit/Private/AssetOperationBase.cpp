@@ -26,7 +26,7 @@ bool HasAssetAt(const IAssetRegistry& Registry, FStringView ObjectPath)
 		[ObjectPath](const FAssetData& Asset) { return Asset.GetObjectPathString() == FString(ObjectPath); });
 }
 
-/** Explorations take such a path for a name as it stands, and anything else for whatever converts to one. */
+/** Explorations take such a path for a name as it is, and anything else for what converts to one. */
 bool BeginsWithEngineRoot(const FString& Path)
 {
 	return Path.StartsWith("/Game") || Path.StartsWith("/Script") || Path.StartsWith("/Engine");

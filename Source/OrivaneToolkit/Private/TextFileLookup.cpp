@@ -43,7 +43,7 @@ struct FFolderListing
 	FNames FoldersByName;		//
 	FNames DottedFoldersByStem; // a path is cut at its first dot, which may stand in the name of a folder
 	FFileStamp Stamp;
-	bool bSettled = false; // the stamp was when the folder was listed, so it tells of every later change
+	bool bSettled = false; // the stamp was when the folder was listed, so it shows every later change
 	uint64 SeenAt = 0;	   // the moment, see FLookingOnce, in which the folder was last looked at
 };
 

@@ -76,7 +76,7 @@ FToolExecutor::~FToolExecutor()
 	}
 }
 
-/** Whoever lets go of the executor last may be the clock's thread, in the middle of an answer. */
+/** The clock's thread may be the last to let go of the executor, in the middle of an answer. */
 void FToolExecutor::StopClock()
 {
 	if (!ClockThread.joinable())
@@ -288,7 +288,7 @@ void FToolExecutor::Execute(ITool& Tool, const FCallPtr& Call, const TSharedPtr<
 	}
 	catch (const std::exception& Failure)
 	{
-		if (!Close(Call)) // what failed is whoever was given the answer
+		if (!Close(Call)) // the failure was in the callback that took the answer
 			throw;
 		DeliverError(Call, DescribeToolFailure(Call->Command, DescribeFailure(Failure)));
 	}

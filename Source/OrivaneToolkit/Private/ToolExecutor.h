@@ -65,18 +65,18 @@ private:
 	struct FOverdueCall
 	{
 		FCallPtr Call;
-		FCallPtr Holder; // what it waited for; null when it ran itself, or when nobody knows
+		FCallPtr Holder; // what it waited for; null when it ran itself, or when that is unknown
 	};
 	class FOnThread;
 
 	void Dispatch(const FCallPtr& Call);
 	void DispatchNextSequential();
 	void Run(const FCallPtr& Call);
-	/** These are false when somebody has answered it already. */
+	/** These are false when it has been answered already. */
 	bool Prepare(const FCallPtr& Call);
 	bool Start(const FCallPtr& Call);
 	void Execute(ITool& Tool, const FCallPtr& Call, const TSharedPtr<FToolResult>& Result);
-	/** Takes the call off the books; false when somebody else has done so. */
+	/** Takes the call off the books; false when that has been done already. */
 	bool Close(const FCallPtr& Call);
 	void Answer(const FCallPtr& Call, FToolResult& Result);
 	/** Hands the answer of a call that is off the books to its caller. */

@@ -37,22 +37,6 @@ TEST(PackageGraph, IsKnownInBothDirections)
 	EXPECT_EQ(Project.Registry.NumDependencies(), 9);
 }
 
-TEST(PackageGraph, AnswersForAHub)
-{
-	FRegistryProject Project;
-	Project.Package("Hub", "");
-	std::string Expected;
-	for (int32 Index = 1000; Index < 1400; ++Index)
-	{
-		const std::string Name = "P" + std::to_string(Index);
-		Project.Package(Name, "needs /Game/Hub\n");
-		Expected += (Expected.empty() ? "/Game/" : " /Game/") + Name + "(hard game)";
-	}
-	Project.ScanAll();
-	EXPECT_EQ(RenderReferencers(Project.Registry, "/Game/Hub"), Expected);
-	EXPECT_EQ(RenderDependencies(Project.Registry, "/Game/Hub"), "");
-}
-
 TEST(PackageGraph, AnswersAreAppended)
 {
 	FRegistryProject Project;

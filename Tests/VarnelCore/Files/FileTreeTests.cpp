@@ -113,22 +113,6 @@ private:
 };
 }
 
-TEST(FileTree, OrderIsByteOrderOfWholePaths)
-{
-	const FScratchFolder Scratch;
-	// '-' and '.' come before '/', '0' behind it; bytes above 0x7F come last, where signed characters would put them first.
-	const std::vector<std::string> Expected = {"a", "a-b", "b.c", "b.d/x", "b/A", "b/a", "b/longer-than-eight-1",
-		"b/longer-than-eight-2", "b/longer/x", "b/longer0", "b0", "\xC3\xA4", "\xFF\xFE\x01", "\xFF\xFE/x"};
-	for (const std::string& Path : Expected)
-		Scratch.Write(Path, "");
-	for (const int32 NumThreads : {1, 2, 5})
-	{
-		FFileTreeOptions Options;
-		Options.NumThreads = NumThreads;
-		EXPECT_EQ(ListPaths(Scratch, Options), Expected) << NumThreads << " threads";
-	}
-}
-
 TEST(FileTree, RandomTreesAreSortedAndComplete)
 {
 	std::mt19937 Random(GetSeed());

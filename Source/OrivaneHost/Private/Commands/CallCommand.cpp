@@ -101,7 +101,7 @@ public:
 	}
 	void HandleOverlongLine() override { Refuse("The line is longer than 4 MiB and was skipped"); }
 
-	/** Nobody waits for answers any more. */
+	/** Answers are not read any more. */
 	bool IsOver() const { return Interrupt::IsRequested() || Terminal::GetOutputError() != 0; }
 	/** The worst of all lines. */
 	int GetExitCode() const { return ExitCode; }

@@ -211,7 +211,7 @@ int RunInfo(const FInfoArguments& Arguments)
 	FDiagnosticSink Diagnostics;
 	int ExitCode = EExitCode::Found;
 	FProjectOptions Options = Arguments.Project;
-	Options.Watch = EProjectWatch::Auto; // tells how a server would notice changes
+	Options.Watch = EProjectWatch::Auto; // to show how a server would notice changes
 	if (!OpenProjectForCommand(Options, Diagnostics, true, ExitCode))
 		return ExitCode;
 	if (Arguments.bDumpRegistry)

@@ -107,7 +107,7 @@ bool Write(const FString& Text, const FGraphArguments& Arguments)
 int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Arguments)
 {
 	const TSharedPtr<FJsonObject> Content = GetContent(Result);
-	if (!Content || Arguments.Format != EGraphFormat::Tree) // the tree tells itself when it is cut
+	if (!Content || Arguments.Format != EGraphFormat::Tree) // the tree says itself when it is cut
 		PrintProblems("graph", Result);
 	if (!Content)
 	{

@@ -33,6 +33,6 @@ namespace GraphDrawing
 FString WriteDot(const FGraphPicture& Picture);
 /** A flow chart in the notation that Markdown viewers draw. */
 FString WriteMermaid(const FGraphPicture& Picture);
-/** A page that needs nothing but itself: pans, zooms, filters by kind, finds by name and tells details. */
+/** A page that needs nothing but itself: pans, zooms, filters by kind, finds by name and shows details. */
 FString WriteHtml(const FGraphPicture& Picture);
 }

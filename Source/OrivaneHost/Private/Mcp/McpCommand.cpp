@@ -96,7 +96,7 @@ void OpenProjectForServer(const FProjectOptions& Options, std::stop_token Stop, 
 	const FOpening Opening = OpenProject(WithProgress, Diagnostics);
 	if (!Opening.bOpened)
 	{
-		if (Stop.stop_requested()) // nobody is there any more
+		if (Stop.stop_requested()) // the client has gone
 			return;
 		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Opening.Error);
 		return Host.OnProjectFailed(Opening.Error);

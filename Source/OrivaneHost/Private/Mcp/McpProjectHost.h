@@ -28,7 +28,7 @@ public:
 	// One of the two, once.
 	void OnProjectOpened();
 	void OnProjectFailed(const FString& Reason);
-	/** Nobody waits for any answer any more; what runs is asked to stop. Any thread. */
+	/** No answer is needed any more; what runs is asked to stop. Any thread. */
 	void CancelCalls();
 
 	TArray<FMcpTool> GetTools() const override;

@@ -33,8 +33,8 @@ enum class EMcpEnd : uint8
 
 /**
  * The two pipes to a client, given as file descriptors that stay the caller's. Lines go out whole and in order through one thread
- * of its own, so that whoever has an answer never waits for the client. While the client leaves too many answers unread, nothing
- * more is read from it. The process must ignore SIGPIPE.
+ * of its own, so that the thread that has an answer never waits for the client. While the client leaves too many answers unread,
+ * nothing more is read from it. The process must ignore SIGPIPE.
  */
 class FMcpStdio
 {

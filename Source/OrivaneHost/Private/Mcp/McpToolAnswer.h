@@ -13,7 +13,7 @@ struct FMcpAnswerForm
 	EMcpEra Era = EMcpEra::Legacy;
 	const FMcpTool* Tool = nullptr;
 	int64 MaxBytes = MaxMcpLineBytes; // of the whole line
-	FString ErrorAdvice;			  // stands below the errors, should there be any; may be empty
+	FString ErrorAdvice;			  // follows the errors, should there be any; may be empty
 };
 
 /**

@@ -14,7 +14,7 @@ struct FMcpTool
 	TSharedPtr<FJsonObject> InputSchema;  // "type": "object"
 	TSharedPtr<FJsonObject> OutputSchema; // of the structured answer; null: nothing is promised
 	TArray<FString> NarrowingArguments;	  // those that make its answer smaller, the most useful first
-	bool bReadOnly = false;				  // it changes nothing and asks nobody outside the project
+	bool bReadOnly = false;				  // it changes nothing and uses nothing outside the project
 };
 
 /** How far a call has come. */
@@ -41,7 +41,7 @@ public:
 	virtual TArray<FMcpTool> GetTools() const = 0;
 	/** Starts a call of a listed tool. OnAnswer is called once at most, on any thread, also before this returns. */
 	virtual void StartCall(FMcpCallNumber Number, const FString& ToolName, const FString& ArgumentsJson, FOnAnswer OnAnswer) = 0;
-	/** Nobody waits for the call's answer any more. Harmless for a call that has been answered. */
+	/** The call's answer is not needed any more. Harmless for a call that has been answered. */
 	virtual void CancelCall(FMcpCallNumber Number) = 0;
 	/** Must not call OnAnswer of any call. */
 	virtual FMcpCallProgress GetCallProgress(FMcpCallNumber Number) const = 0;

@@ -5,7 +5,7 @@
 #include "Project/ProjectOptions.h"
 
 /**
- * Packages of the open project that stay in memory because somebody asked for it, such as particle systems, which a search reads
+ * Packages of the open project that stay in memory on request, such as particle systems, which a search reads
  * only there. A path is
  *   a package        /Game/FX/NS_Sparks, or its file Content/FX/NS_Sparks.vasset,
  *   an object in one /Game/FX/NS_Sparks.NS_Sparks, whose package is meant, or
@@ -27,7 +27,7 @@ struct FLoaded
  */
 bool Load(
 	const FString& Path, FLoaded& OutLoaded, FString& OutError, FScanProgress* Progress = nullptr, std::stop_token Stop = {});
-/** Removes from memory what a path names, whoever brought it there, and counts it. False, with a sentence, when the project has
+/** Removes from memory what a path names, however it came there, and counts it. False, with a sentence, when the project has
  * nothing there. */
 bool Unload(const FString& Path, int32& OutNumUnloaded, FString& OutError);
 

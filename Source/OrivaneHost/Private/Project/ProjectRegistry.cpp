@@ -2,7 +2,7 @@
 
 FAssetRegistry& GetProjectRegistry()
 {
-	// Never destroyed: whoever asked the module for the registry keeps the pointer.
+	// Never destroyed: callers that asked the module for the registry keep the pointer.
 	static FAssetRegistry* const Registry = new FAssetRegistry;
 	return *Registry;
 }

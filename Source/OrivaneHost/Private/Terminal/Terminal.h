@@ -22,7 +22,7 @@ bool IsStdinTerminal();
 bool IsStdoutTerminal();
 bool IsStderrTerminal();
 bool UsesColor(EColor Color);
-/** Writes and flushes; false when it cannot be written, as GetOutputError tells from then on. */
+/** Writes and flushes; false when it cannot be written; GetOutputError says so from then on. */
 bool Print(FStringView Text);
 /** Why standard output could not be written, an error number of the system; 0 as long as all is well. */
 int GetOutputError();

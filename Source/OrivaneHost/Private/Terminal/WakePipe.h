@@ -7,7 +7,7 @@ class FWakePipe
 {
 public:
 	FWakePipe();
-	/** False when the process has no descriptors left; then nobody is ever woken. */
+	/** False when the process has no descriptors left; then nothing is ever woken. */
 	bool IsOpen() const { return ReadEnd.IsOpen(); }
 	/** Any thread, also from a signal handler. Leaves errno as it is. */
 	void Signal() noexcept;

@@ -13,7 +13,7 @@ public:
 	 * Whether an asset is there, without regard to case: a package with at least one asset that is not registry-filtered; the
 	 * object path of any asset, filtered or not; both also in the export form Class'/Game/A.A'; the file of such a package,
 	 * absolute or relative to the project; or a text file whose path relative to the project, cut at its first dot, equals Path.
-	 * Below /Game, /Script and /Engine a path counts as it stands, with one dot at most: explorations would make something else
+	 * Below /Game, /Script and /Engine a path counts as it is, with one dot at most: explorations would make something else
 	 * of "/Game//A" and "/Game/A.A.uasset". Keeps nothing of Path.
 	 */
 	static bool AssetExists(const FString& Path);

@@ -54,7 +54,7 @@ public:
 	 * when it has been answered (or is being answered) already. */
 	virtual bool Cancel(FToolCallId Id) = 0;
 	/**
-	 * Answers every call whose tool has been started with an error. For whoever runs the game thread, when a task there has
+	 * Answers every call whose tool has been started with an error. For the game thread's loop, when a task there has
 	 * thrown: tools go on in tasks of their own, and nobody else knows that such a call will not complete.
 	 */
 	virtual void FailStartedCalls(const FString& Error) = 0;

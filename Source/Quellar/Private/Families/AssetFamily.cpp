@@ -14,7 +14,7 @@
 #include <algorithm>
 #include <vector>
 
-// Each in a file of its own, which says what it reports. Nobody calls them but through their rows.
+// Each in a file of its own, which says what it reports. They are called only through their rows.
 FAssetFamily::FSearch SearchBlueprints, SearchTextFiles, SearchBehaviorTrees, SearchBlackboards, SearchEnums, SearchStructs,
 	SearchDataAssets, SearchDataTables, SearchEnvQueries, SearchNiagaraSystems, SearchMaterials;
 

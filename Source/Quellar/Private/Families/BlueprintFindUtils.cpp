@@ -52,7 +52,7 @@ public:
 		{
 			Poll();
 		}
-		catch (...) // out of memory: whoever runs the game thread knows what to do
+		catch (...) // out of memory: the game thread's loop handles it
 		{
 			AsyncTask(ENamedThreads::GameThread, [Failure = std::current_exception()] { std::rethrow_exception(Failure); });
 		}
@@ -103,7 +103,7 @@ FBlueprintFindUtils::FBlueprintFindUtils()
 
 FBlueprintFindUtils::~FBlueprintFindUtils()
 {
-	EndSearch(); // nobody is there any more to hear of it
+	EndSearch(); // too late for a callback
 	OnCancelCacheAll();
 }
 
@@ -136,7 +136,7 @@ void FBlueprintFindUtils::LaunchStreamThread(
 		if (PollingThread)
 			return;
 	}
-	Search->EnsureCompletion(); // no more threads to be had: somebody must look
+	Search->EnsureCompletion(); // no more threads to be had: wait here instead
 	UpdateSearchResults(GetSeconds(), 0);
 }
 

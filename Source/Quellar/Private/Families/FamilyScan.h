@@ -20,7 +20,7 @@
 //    Schema, shell option, completion, console command, `info` and drawings take it from there.
 // 4. Add <Name>FamilyTests.cpp; AssetFamilyTests.cpp walks all rows by itself.
 
-/** What a family tells the scan about itself. */
+/** What the scan needs to know of a family. */
 struct FFamilyTraits
 {
 	FString ClassText;	   // written into FAssetResult::AssetClass
@@ -68,7 +68,7 @@ public:
 			Note(Text);
 		return !Noted && OrivaneSearchUtils::TermMatches(Text, Params);
 	}
-	/** Stop reading: the scan's hit cap is reached, or nobody wants what it finds any more. */
+	/** Stop reading: the scan's hit cap is reached, or what it finds is not wanted any more. */
 	bool IsFull() const
 	{
 		return IsStopRequested() || (!Noted && OrivaneSearchUtils::HasReachedCap(TotalHits, Params.MaxTotalHits));

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-/** Owns the bytes of an image, in memory that nobody else can change. Aligned for every element of a column. */
+/** Owns the bytes of an image, in memory that no other process can change. Aligned for every element of a column. */
 class FImageBytes
 {
 public:

@@ -33,7 +33,7 @@ public:
 	static TSharedPtr<const FRegistryImage> Build(FRegistryDraft&& Draft, const FImageKey& Key);
 	/** Takes bytes of unknown origin: null, with the reason, unless they are an image, undamaged, of this version and machine. */
 	static TSharedPtr<const FRegistryImage> Open(FImageBytes Bytes, EImageState& OutState);
-	/** What the start of a file of that size tells: Sound when the rest is worth reading. */
+	/** What the start of a file of that size shows: Sound when the rest is worth reading. */
 	static EImageState LookAtStart(std::string_view Start, std::size_t NumFileBytes);
 	static constexpr std::size_t NumStartBytes = 4096; // that tell
 	/** An image without packages. */

@@ -132,7 +132,7 @@ using TColumnVector = std::vector<T>;
 
 using FZoneStarts = std::array<uint32, NumZones + 1>; // ids of texts
 
-/** Columns to read, owned by somebody else. */
+/** Columns to read, owned elsewhere. */
 struct FRegistryTables : TRegistryColumns<TColumnSpan>
 {
 	FZoneStarts ZoneStarts = {};

@@ -22,7 +22,7 @@ public:
 	class FPass
 	{
 	public:
-		/** Waits until there is room for a file of that size, or nobody else is inside. */
+		/** Waits until there is room for a file of that size, or no other thread is inside. */
 		FPass(FLargeFileGate& InGate, uint64 InNumBytes) : Gate(InGate), NumBytes(InNumBytes)
 		{
 			std::unique_lock Guard(Gate.Lock);

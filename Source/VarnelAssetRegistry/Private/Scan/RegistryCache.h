@@ -13,7 +13,7 @@ public:
 	/** Both folders absolute; the cache folder need not exist. */
 	FRegistryCache(const FString& ProjectFolder, const FString& CacheFolder);
 
-	/** Absolute. In a folder that projects may share the name tells them apart. */
+	/** Absolute. In a folder that projects may share the name keeps them apart. */
 	const FString& GetFileName() const { return FileName; }
 	/** The image, read into memory; null when there is no sound one, with the reason. */
 	TSharedPtr<const FRegistryImage> Read(EImageState& OutState) const;

@@ -19,8 +19,8 @@ public:
 	FBlueprintIndexView GetIndex() const;
 
 	/**
-	 * A scan of the registry under way, which brings the index up to date (see FAssetRegistry::Scan): whoever asks the manager
-	 * can cancel it. One at a time: the second one waits in its constructor.
+	 * A scan of the registry under way, which brings the index up to date (see FAssetRegistry::Scan): callers that ask the
+	 * manager can cancel it. One at a time: the second one waits in its constructor.
 	 */
 	class FIndexingRun
 	{

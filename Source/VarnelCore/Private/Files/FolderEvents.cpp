@@ -162,7 +162,7 @@ void FFolderEvents::WatchTree(const std::string& Path)
 		bLost = true; // stopped: folders are missing
 }
 
-/** False where it cannot be watched: it has gone, or nobody may list it, or events cannot be had at all. */
+/** False where it cannot be watched: it has gone, or may not be listed, or events cannot be had at all. */
 bool FFolderEvents::WatchFolder(const FFileHandle& Folder, const std::string& Path)
 {
 	const char* const Where = FindSilentFileSystem(Folder);

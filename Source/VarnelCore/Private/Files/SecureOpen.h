@@ -29,6 +29,6 @@ unsigned char LookAt(const FFileHandle& Folder, const char* Name, FFileStamp& Ou
 /** Reads a regular file from its start in pieces, see FFileTreeReader::ReadInPieces. */
 EFileRead ReadInPieces(const FFileHandle& File, std::string& Buffer, uint64 MaxBytes, std::size_t PieceBytes,
 	const std::function<bool(std::string_view Piece)>& Take);
-/** Whether the handle stands for a regular file. */
+/** Whether the handle is a regular file's. */
 bool IsRegularFile(const FFileHandle& File);
 }

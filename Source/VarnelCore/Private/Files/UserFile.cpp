@@ -18,7 +18,7 @@
 namespace
 {
 constexpr int32 MaxLinks = 40;								   // on the way to a file, as the system has it
-constexpr auto ReaderPatience = std::chrono::milliseconds(20); // between two looks whether somebody reads a pipe
+constexpr auto ReaderPatience = std::chrono::milliseconds(20); // between two looks whether a pipe is read
 
 /** Where a name of the user leads in the end. */
 struct FUserTarget

@@ -40,7 +40,7 @@ bool IsSpeltPlainly(std::string_view Key)
 	return !Key.empty() && std::none_of(Key.begin(), Key.end(), NeedsEscape);
 }
 
-/** What stands before the first mention of a key; empty when there is none. */
+/** What comes before the first mention of a key; empty when there is none. */
 std::string_view FindHead(std::string_view Input, std::string_view Key, std::string& Quoted)
 {
 	if (!IsSpeltPlainly(Key))

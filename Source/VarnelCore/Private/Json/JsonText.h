@@ -45,7 +45,7 @@ struct FEscapeFault
 };
 
 /**
- * Writes what stands between the quotes of a string without its escapes, at most as many bytes as it has, and moves Out past
+ * Writes what is between the quotes of a string without its escapes, at most as many bytes as it has, and moves Out past
  * them. A lone surrogate becomes U+FFFD. False at the first escape that is none.
  */
 bool Unescape(std::string_view Inside, char*& Out, FEscapeFault& Fault);

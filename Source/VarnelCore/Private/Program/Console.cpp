@@ -70,7 +70,7 @@ std::size_t FindWordEnd(FStringView Line, std::size_t Start)
 
 IConsoleManager& IConsoleManager::Get()
 {
-	// Made by whoever registers first, before main too, and never destroyed: commands unregister themselves after main.
+	// Made at the first registration, before main too, and never destroyed: commands unregister themselves after main.
 	static FConsoleManager& Manager = *new FConsoleManager;
 	return Manager;
 }

@@ -103,7 +103,7 @@ void FLoader::SetLocator(FPackageLocator InLocator)
 
 UPackage* FLoader::Load(FName PackageName)
 {
-	NoteReference(PackageName); // whoever loads it while being read needs it
+	NoteReference(PackageName); // a package that loads it while being read needs it
 	UPackage* const InMemory = FindPackage(PackageName);
 	const bool bIsThere = InMemory && (InMemory->IsFullyLoaded() || Running.contains(PackageName));
 	return bIsThere || PackageName.IsNone() || Failed.Contains(PackageName) ? InMemory : LoadFromFile(PackageName);
@@ -128,7 +128,7 @@ UPackage* FLoader::LoadFromFile(FName PackageName)
 	{
 		return Build(PackageName, std::move(Text));
 	}
-	catch (...) // out of memory: what is being loaded is as if nobody had asked for it
+	catch (...) // out of memory: as if the load had never been asked for
 	{
 		Abandon();
 		throw;
@@ -224,7 +224,7 @@ void FLoader::CompleteDeclared()
 	std::move(Group.begin(), Group.end(), std::back_inserter(Completed));
 }
 
-/** What is left for lack of room is filled by whoever is filling already. */
+/** What is left for lack of room is filled by the caller that is filling already. */
 void FLoader::FillCompleted()
 {
 	if (NumCompleting > 0 || NumFilling >= MaxNestedFills)
@@ -336,7 +336,7 @@ void FLoader::Report(EDiagnosticSeverity Severity, const FString& FileName, cons
 		Diagnostics->Add({FileName, 0, 0, Severity, std::move(Text), Rule});
 }
 
-/** The file that asks for a package; the package's own name where nobody knows. */
+/** The file that asks for a package; the package's own name where that is unknown. */
 FString FLoader::WhereNeeded(FName PackageName) const
 {
 	return Current ? Current->Text->GetFile().FileName : PackageName.ToString();

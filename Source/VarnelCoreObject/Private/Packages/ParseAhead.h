@@ -19,7 +19,7 @@ class FParseAhead
 public:
 	/** Gives the files to come, in order, with PackageName set; empty at the end. Called on the game thread. */
 	using FNextFile = std::function<TOptional<FPackageFile>()>;
-	/** Whether nobody will ask for the package any more, for it has been loaded by another way. Called on the game thread. */
+	/** Whether the package is not needed any more because it has been loaded another way. Called on the game thread. */
 	using FIsSettled = std::function<bool(FName PackageName)>;
 
 	FParseAhead(FNextFile InNextFile, FIsSettled InIsSettled) : NextFile(std::move(InNextFile)), IsSettled(std::move(InIsSettled))
@@ -45,7 +45,7 @@ private:
 		FName PackageName;
 		TUniquePtr<FPackageText> Text;
 		EState State = EState::Waiting;
-		std::exception_ptr Failure; // of parsing, for whoever takes the slot
+		std::exception_ptr Failure; // of parsing, for the thread that takes the slot
 	};
 	using FSlotPtr = std::shared_ptr<FSlot>; // a thread may work on a slot that is in the window no more
 

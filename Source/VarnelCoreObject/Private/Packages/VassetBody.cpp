@@ -88,7 +88,7 @@ FVassetBody::FVassetBody(
 
 bool FVassetBody::Open()
 {
-	// Reading the header may have stopped at the body, so what stands around it is looked at again; a fault told twice counts
+	// Reading the header may have stopped at the body, so what is around it is looked at again; a fault reported twice counts
 	// once.
 	Faults.ReportRepeatedKeys();
 	const FJsonRef Objects = Faults.TakeMembers(Faults.GetDocument().Root(), VassetKeys::All).back();

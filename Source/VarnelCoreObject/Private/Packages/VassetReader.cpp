@@ -59,7 +59,7 @@ bool FVassetReader::Parse(std::string& Bytes, const FJsonReadOptions& Options)
 	return Document.ParseInPlace(Bytes.data(), Bytes.size(), Bytes.capacity(), Options);
 }
 
-/** Parses as much of the file as the header needs: no more than stands before the body, where the whole header stands there. */
+/** Parses as much of the file as the header needs: no more than comes before the body, where the whole header does. */
 bool FVassetReader::ParseHeader(std::string& Bytes, FJsonFaults& Faults)
 {
 	bool bParsed = Parse(Bytes, HeaderOnly);
@@ -69,7 +69,7 @@ bool FVassetReader::ParseHeader(std::string& Bytes, FJsonFaults& Faults)
 	if (bParsed)
 		return true;
 	Faults.ReportSyntax();
-	// The fault may lie in the body: what stands before it counts then, if it names the format at least.
+	// The fault may be in the body: what comes before it counts then, if it names the format at least.
 	return Parse(Bytes, HeaderOnly) && Document.Root().IsObject() && Document.Root().Find(VassetKeys::Version);
 }
 

@@ -21,7 +21,7 @@ public:
 	{
 	}
 
-	/** Somebody listens and has not been told enough yet. */
+	/** Reports are received, and the limit has not been reached yet. */
 	bool IsHeard() const { return Sink && NumReported <= MaxReports; }
 	const FJsonDocument& GetDocument() const { return Document; }
 	const FString& GetFileName() const { return FileName; }

@@ -47,7 +47,7 @@ const UObject* FindComplete(const FSoftObjectPath& Path)
 	return Object && Object->GetPackage()->IsFullyLoaded() ? Object : nullptr;
 }
 
-/** Where the last member of each key stands. Asked for only where a document repeats keys at all, which is rare. */
+/** Position of the last member of each key. Needed only where a document repeats keys at all, which is rare. */
 class FLastMembers
 {
 public:

@@ -2,7 +2,7 @@
 
 #include "CoreObject/Reflection/Properties.h"
 
-/** What tells the kinds of object references apart; one row for each EObjectReference, in its order. */
+/** What distinguishes the kinds of object references; one row for each EObjectReference, in its order. */
 struct FReferenceKind
 {
 	FFieldClass Class;

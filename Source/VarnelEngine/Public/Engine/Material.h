@@ -17,16 +17,16 @@ struct FLinearColor
 
 class UMaterialInterface;
 
-/** Name of a parameter, with where its value stands. */
+/** Name of a parameter, and the material that states its value. */
 struct FMaterialParameterInfo
 {
 	FName Name;
-	/** The material whose value counts; null where nobody has looked yet. Good until objects are unloaded. */
+	/** The material whose value counts; null before the first look. Good until objects are unloaded. */
 	const UMaterialInterface* Stating = nullptr;
 };
 
 /** All parameters of one kind of a material in order. Kept by materials far down a line of parents: those below need not go all
- * the way up again, and whoever looks at many materials need not look at these again. */
+ * the way up again, and callers that look at many materials need not look at these again. */
 struct FMaterialParameterView
 {
 	TArray<FMaterialParameterInfo> Parameters; // each with what states it

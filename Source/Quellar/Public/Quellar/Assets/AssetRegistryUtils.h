@@ -4,7 +4,7 @@
 #include "Core/Program/Log.h"
 #include "CoreObject/Reflection/Class.h"
 
-DECLARE_LOG_CATEGORY(LogAssetRegistryUtils); // of whoever calls these helpers: they themselves write nothing
+DECLARE_LOG_CATEGORY(LogAssetRegistryUtils); // for callers of these helpers, which write nothing themselves
 
 /** The module's way to the asset registry. Nothing here loads an asset. */
 namespace OrivaneAssetRegistryUtils

@@ -4,7 +4,7 @@
 #include "Core/Program/Log.h"
 #include "Core/Text/String.h"
 
-// Of whoever calls these helpers: they themselves write nothing.
+// For callers of these helpers, which write nothing themselves.
 DECLARE_LOG_CATEGORY(LogClassLookupUtils);
 DECLARE_LOG_CATEGORY(LogEditorClassViewer);
 

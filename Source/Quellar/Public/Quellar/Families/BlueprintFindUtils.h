@@ -8,13 +8,13 @@
 #include <utility>
 
 /** Executed once, on the game thread, with one element for each Blueprint that matched; their lines are expanded. When a search
- * is abandoned, inside of Abandon and with a stop requested, see Core/StopToken.h: whoever was to go on later does not. */
+ * is abandoned, inside of Abandon and with a stop requested, see Core/StopToken.h: work that was to go on later does not. */
 using FOnBlueprintSearchComplete = TDelegate<void(TArray<TSharedPtr<FImaginaryFiBData>>&)>;
 
 /**
  * The module's way to the Blueprint index: one search at a time, in the background. A polling thread, which its end wakes, hands
  * what was found to the game thread. A search that is made while another one runs takes its place: the earlier one's callback is
- * never executed. A stop of whoever made the search ends it early, with nothing found.
+ * never executed. A stop of the work that made the search ends it early, with nothing found.
  *
  * Game thread, but for UpdateSearchResults; what asks about the search may be called from any thread.
  */

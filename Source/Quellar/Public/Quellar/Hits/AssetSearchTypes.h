@@ -53,7 +53,7 @@ struct FAssetResult
 	FAssetHitIndex Index; // of Hits, kept by OrivaneSearchUtils
 };
 
-/** What is searched, and how much of it is reported. Caps below 1 act as 1, but for MaxTotalHits, whose zero stands for 200
+/** What is searched, and how much of it is reported. Caps below 1 act as 1, but for MaxTotalHits, whose zero means 200
  * assets. */
 struct FAssetSearchParams
 {
@@ -93,7 +93,7 @@ void AppendIfTermMatches(FAssetResult& Result, const FString& Kind, const FStrin
 /**
  * Appends without matching. A hit that is there already is counted up instead and never weighs on a cap; over the per-kind cap
  * the asset is marked truncated; over the total cap nothing happens.
- * Times, at least 1, stands for so many calls; counts end at the largest int32.
+ * Times, at least 1, is the number of calls this one replaces; counts end at the largest int32.
  */
 void AppendHitWithCaps(FAssetResult& Result, const FString& Kind, const FString& Name, const FString& Container,
 	const FAssetSearchParams& Params, int32& TotalHits, int32 Times = 1);

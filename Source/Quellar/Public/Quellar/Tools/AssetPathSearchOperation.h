@@ -5,7 +5,7 @@
 
 DECLARE_LOG_CATEGORY(LogAssetPathSearchOperation);
 
-/** Body of the tool "asset_path_search", which whoever serves agents binds to an entry. */
+/** Body of the tool "asset_path_search", which the host that serves agents binds to an entry. */
 class FAssetPathSearchOperation
 {
 public:

@@ -25,7 +25,7 @@ struct FShellOption
 	const char* Names = "";		  // "-f,--family"; without dashes: by its place, such as "TERM"
 	const char* Placeholder = ""; // of its value in help texts
 	const char* Help = "";		  // the default is added where there is one
-	FJsonValue FlagValue;		  // set: an option without a value that stands for this one
+	FJsonValue FlagValue;		  // set: an option without a value that means this one
 	int32 Least = INT32_MIN;	  // of an integer; what is below is wrong use
 };
 

@@ -7,7 +7,7 @@
 #include <tsl/robin_map.h>
 #include <tsl/robin_set.h>
 
-/** Unordered map and set for lookups whose order nobody sees; TMap and TSet are for what people and answers see. */
+/** Unordered map and set for lookups whose order is never visible; TMap and TSet are for what people and answers see. */
 template <class TKey, class TValue, class THash = std::hash<TKey>, class TEqual = std::equal_to<TKey>>
 using THashMap = tsl::robin_map<TKey, TValue, THash, TEqual>;
 

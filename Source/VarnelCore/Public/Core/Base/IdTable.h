@@ -8,7 +8,7 @@
 
 /**
  * Ids by hash: open addressing, at most two thirds full. The keys stay with the user, who hashes them (SeededHash.h where they
- * come from outside) and tells whether the key of an id is the one that is looked for. FreeId is never added; no id ever leaves.
+ * come from outside) and says whether the key of an id is the one that is looked for. FreeId is never added; no id ever leaves.
  * One thread at a time.
  */
 template <uint32 FreeId>

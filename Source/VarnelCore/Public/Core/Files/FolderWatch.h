@@ -47,7 +47,7 @@ class FFolderTimes;
  * Take, which costs one system call where there are none. Symbolic links below the roots are not followed. What is written into a
  * file through a memory mapping, or under another name of it outside of the folders, gives no event.
  *
- * Whoever lists the folders after this was made misses nothing: what happens meanwhile is told next. One thread at a time.
+ * A listing of the folders made after this misses nothing: what happens meanwhile is reported next. One thread at a time.
  */
 class FFolderWatch
 {

@@ -36,7 +36,7 @@ public:
 	/** Runs the command that the line's first word names, with the other words. False when it names none. Game thread. */
 	bool ProcessUserConsoleInput(FStringView Line) const;
 	/**
-	 * Words between blanks. Double quotes keep blanks together: a word that starts with one is what stands up to the next one; in
+	 * Words between blanks. Double quotes keep blanks together: a word that starts with one reaches to the next one; in
 	 * any other place they stay part of the word, so that term="two words" is one word, for its reader to unquote. A quote that
 	 * nothing closes reaches to the line's end.
 	 */

@@ -15,13 +15,13 @@ struct FLogCategory
 	const char* Name;
 };
 
-/** Lines for whoever runs the program as a server. */
+/** Lines for the people who run the program as a server. */
 namespace Log
 {
 /**
  * Writes "[Category] Verbosity: text" as one line to standard error. Never blocks: what a full pipe does not take is dropped and
- * its number told once somebody reads again; where nobody does any more nothing happens, given that the process ignores SIGPIPE.
- * Any thread.
+ * its number reported once they are read again; where they are not any more nothing happens, given that the process ignores
+ * SIGPIPE. Any thread.
  */
 void Write(const FLogCategory& Category, ELogVerbosity Verbosity, const FString& Text);
 }

@@ -3,7 +3,7 @@
 #include <stop_token>
 
 /**
- * Whether the work at hand is still wanted. Whoever starts work keeps a scope open around it; what may take long asks
+ * Whether the work at hand is still wanted. Code that starts work keeps a scope open around it; what may take long asks
  * IsStopRequested() at the heads of its loops (an atomic load) and then ends soon, with whatever it has: nobody looks at that any
  * more. Completions are executed all the same.
  *

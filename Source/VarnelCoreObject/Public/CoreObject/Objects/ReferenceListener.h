@@ -12,7 +12,7 @@ struct FForeignReference
 	FTopLevelAssetPath
 		Class; // the object, or for class references the class, must be or derive from it; invalid: anything will do
 	bool bIsClassReference = false;
-	FDiagnostic At; // file, line and column; for whoever finds the reference broken to complete
+	FDiagnostic At; // file, line and column; completed by the code that finds the reference broken
 };
 
 /** Told of every such reference while packages load, for a check of all packages; null: none listens. Must not load. */

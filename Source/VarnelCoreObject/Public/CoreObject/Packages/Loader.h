@@ -28,7 +28,7 @@ struct FPackageFile
 	FName PackageName = {};
 };
 
-/** Set by whoever knows the project's packages (the registry), before anything loads. Null clears it: nothing can be loaded then.
+/** Set by the owner of the project's packages (the registry), before anything loads. Null clears it: nothing can be loaded then.
  * Failed loads are forgotten. */
 using FPackageLocator = std::function<TOptional<FPackageFile>(FName PackageName)>;
 void SetPackageLocator(FPackageLocator Locator);
@@ -76,7 +76,7 @@ private:
 void UnloadAllLoadedPackages();
 
 /**
- * Loaded packages stay in memory for whoever asks next. The limit, in bytes, is for EvictLoadedPackages alone: while a search
+ * Loaded packages stay in memory for later calls. The limit, in bytes, is for EvictLoadedPackages alone: while a search
  * runs nothing is unloaded, whatever it loads. 0, as in the beginning: no limit.
  */
 void SetObjectMemoryLimit(int64 MaxBytes);

@@ -94,7 +94,7 @@ private:
 	FMetaData MetaData;
 	std::vector<TUniquePtr<FProperty>> Properties;
 	std::unordered_map<FName, int32, FKeyHash> PropertyIndices; // own, by name
-	TArray<FLinkFault> LinkFaults;								// until somebody asks
+	TArray<FLinkFault> LinkFaults;								// until they are taken
 	int32 PropertiesSize = 0;
 	int32 Alignment = 1;
 	int32 Depth = 0;	  // parents above

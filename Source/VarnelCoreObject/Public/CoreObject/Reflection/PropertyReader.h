@@ -32,8 +32,8 @@ public:
 	void AddDeclarations(UStruct& Struct, const FJsonRef& Declarations, const FJsonRef& Super);
 	/** The types that declarations were added to since the last call, in that order. */
 	std::vector<UStruct*> TakeDeclaredTypes() { return std::exchange(DeclaredTypes, {}); }
-	/** Once a type is linked: tells what could not be laid out, and reads the defaults of what was added. What these are made of
-	 * has its own already. */
+	/** Once a type is linked: reports what could not be laid out, and reads the defaults of what was added. What these are made
+	 * of has its own already. */
 	void FinishDeclarations(UStruct& Struct);
 	/**
 	 * Entries { "name", "display"? } of an enumeration, stored as "Enumeration::name" with values from 0 on, and after them the
@@ -53,7 +53,7 @@ public:
 	/** Reports references into the package being read that no object was made for. Called once all its objects are made. */
 	void ReportMissingObjects();
 
-	/** Somebody receives what is reported, so checks that only find faults are worth their time. */
+	/** Reports are received, so checks that only find faults are worth their time. */
 	bool HasListener() const { return Diagnostics != nullptr; }
 	/** An empty At means the whole file. */
 	void Report(const FJsonRef& At, EDiagnosticSeverity Severity, const char* Rule, FString Text);

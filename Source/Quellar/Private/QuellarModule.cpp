@@ -1,10 +1,10 @@
 #include "Quellar/QuellarModule.h"
 
 #include "Console/ExploreAssetGraphCommand.h"
-#include "Families/AssetTexts.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/Families/BlueprintFindUtils.h"
+#include "Quellar/Families/SearchMemory.h"
 #include "Quellar/Families/TextSearch.h"
 #include "Quellar/Tools/ToolArguments.h"
 
@@ -41,7 +41,7 @@ void FQuellarModule::ShutdownModule()
 			Entry->Close();
 	}
 	FBlueprintFindUtils::Get().Abandon();
-	FAssetTexts::Forget();
+	SearchMemory::Forget();
 	AssetSearchEntry.reset();
 	AssetGraphEntry.reset();
 	AssetPathSearchEntry.reset();

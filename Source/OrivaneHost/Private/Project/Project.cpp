@@ -172,6 +172,7 @@ void FProject::Close()
 {
 	FAssetOperationBase::ForgetTextFiles();
 	PackageMemory::Forget();
+	SearchMemory::Forget();
 	UnloadAllLoadedPackages();
 	SetPackageLocator(nullptr);
 	FRegistryScanReport Report;

@@ -86,7 +86,7 @@ FAssetTexts& FAssetTexts::Get(const FString& Name, ETextOrigin Origin, std::func
 	return *Texts;
 }
 
-void FAssetTexts::Forget()
+void SearchMemory::Forget()
 {
 	GetAllTexts() = {};
 }

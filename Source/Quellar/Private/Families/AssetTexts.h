@@ -53,8 +53,6 @@ public:
 
 	/** For the scan of that name, which has one list and origin as long as the program runs. */
 	static FAssetTexts& Get(const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List);
-	/** Lets go of everything. */
-	static void Forget();
 
 	/** Brings list and texts up to date. To be called once at the start of a search; what follows holds until it ends. */
 	void Refresh();

@@ -2,6 +2,8 @@
 
 #include "CoreObject/Packages/PackageSource.h"
 
+#include <algorithm>
+
 namespace
 {
 /** Texts come from files: a line break in one must not look like a line of the dump. */
@@ -133,6 +135,8 @@ void FDump::WriteClass(uint32 Class) const
 	std::string Line = "class " + Text(EZone::Classes, Class);
 	if (Tables.ClassParents[Class] != NoId)
 		Line += " below " + Text(EZone::Classes, Tables.ClassParents[Class]);
+	if (std::binary_search(Tables.UnclearClasses.begin(), Tables.UnclearClasses.end(), Class))
+		Line += " (which other packages have a say in)";
 	Write(Line + ", " + std::to_string(FRegistryTables::RangeOf(Tables.FirstClassAssets, Class).Num()) + " assets");
 }
 }

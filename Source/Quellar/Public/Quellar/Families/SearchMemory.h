@@ -11,4 +11,6 @@ constexpr int64 DefaultLimit = int64{256} * 1024 * 1024; // bytes
 void SetLimit(int64 MaxBytes);
 /** What it takes now. */
 int64 GetBytes();
+/** Lets go of all of it, as when a project is closed. Not while a search runs. */
+void Forget();
 }

@@ -51,6 +51,7 @@ private:
 	bool NumberNodes();
 	bool NumberClasses();
 	bool NumberFolders();
+	bool MayChangeSpelling() const;
 	void PlacePackages();
 	void CountHidden();
 	void AddGraph();
@@ -77,9 +78,7 @@ private:
 
 bool FRegistryOverlay::FMaker::Make()
 {
-	if (!BaseTables.RespelledPackages.empty() || !Tables.RespelledPackages.empty())
-		return false;
-	if (!NumberNodes() || !NumberClasses() || !NumberFolders())
+	if (!NumberNodes() || !NumberClasses() || !NumberFolders() || MayChangeSpelling())
 		return false;
 	PlacePackages();
 	CountHidden();
@@ -133,6 +132,51 @@ bool FRegistryOverlay::FMaker::NumberFolders()
 		Numbering.Add(OfBase < Spellings.End ? OfBase : NoId);
 	}
 	return true;
+}
+
+/** What has no file of its own is spelled as whoever mentions it first does. Where a package of the base spells it otherwise, who
+ * that is may change with what is hidden and added. Declared classes come before all. */
+bool FRegistryOverlay::FMaker::MayChangeSpelling() const
+{
+	if (!Tables.RespelledPackages.empty())
+		return true;
+	if (BaseTables.RespelledPackages.empty())
+		return false;
+	THashSet<uint32> Nodes(Out.Nodes.begin(), Out.Nodes.end());
+	THashSet<uint32> Classes;
+	const auto IsDeclared = [this](uint32 Class)
+	{ return BaseTables.ClassParents[Class] != NoId && BaseTables.GetText(EZone::Classes, Class).starts_with("/Script/"); };
+	for (const uint32 Class : Tables.AssetClasses)
+	{
+		if (const uint32 OfBase = Out.Classes[Class]; OfBase < Base.NumClasses() && !IsDeclared(OfBase))
+			Classes.insert(OfBase);
+	}
+	const auto ForEachMention = [this](uint32 Package, const auto& VisitNode, const auto& VisitClass)
+	{
+		const FRowRange Edges = FRegistryTables::RangeOf(BaseTables.FirstDependencies, Package);
+		for (uint32 Edge = Edges.Begin; Edge < Edges.End; ++Edge)
+			VisitNode(BaseTables.DependencyTargets[Edge]);
+		const FRowRange Assets = FRegistryTables::RangeOf(BaseTables.FirstAssets, Package);
+		for (uint32 Asset = Assets.Begin; Asset < Assets.End; ++Asset)
+			VisitClass(BaseTables.AssetClasses[Asset]);
+	};
+	for (const uint32 Package : Out.Hidden)
+	{
+		Nodes.insert(Package);
+		ForEachMention(
+			Package, [&](uint32 Node) { Nodes.insert(Node); },
+			[&](uint32 Class)
+			{
+				if (!IsDeclared(Class))
+					Classes.insert(Class);
+			});
+	}
+	bool bMentioned = false;
+	for (const uint32 Package : BaseTables.RespelledPackages)
+		ForEachMention(
+			Package, [&](uint32 Node) { bMentioned |= Nodes.contains(Node); },
+			[&](uint32 Class) { bMentioned |= Classes.contains(Class); });
+	return bMentioned;
 }
 
 void FRegistryOverlay::FMaker::PlacePackages()

@@ -40,10 +40,10 @@ std::string SearchAndRender(FTestProject& Project, const FAssetSearchParams& Par
 }
 
 /** A project whose texts are kept, until the test ends. */
-class FTextStoreTest : public testing::Test
+class TextStore : public testing::Test
 {
 protected:
-	~FTextStoreTest() override { FTextStore::Get() = {}; }
+	~TextStore() override { FTextStore::Get() = {}; }
 
 	void Start()
 	{
@@ -101,7 +101,7 @@ TEST(TextGrams, HoldWhateverTheFinderFinds)
 	}
 }
 
-TEST_F(FTextStoreTest, ReadsWhatWasToldToHaveChanged)
+TEST_F(TextStore, ReadsWhatWasToldToHaveChanged)
 {
 	Project.File("Docs/a.txt", "lamp").File("Docs/b.txt", "fog");
 	Start();
@@ -137,7 +137,7 @@ TEST_F(FTextStoreTest, ReadsWhatWasToldToHaveChanged)
 	EXPECT_EQ(Find("lamp"), "Notes/e.txt");
 }
 
-TEST_F(FTextStoreTest, KeepsWithinItsMemory)
+TEST_F(TextStore, KeepsWithinItsMemory)
 {
 	for (int32 Index = 0; Index < 100; ++Index)
 		Project.File("Docs/" + std::to_string(Index) + ".txt", "lamp " + std::to_string(Index));
@@ -151,7 +151,7 @@ TEST_F(FTextStoreTest, KeepsWithinItsMemory)
 	}
 }
 
-TEST_F(FTextStoreTest, ForgetsTheListOfAStoppedSearch)
+TEST_F(TextStore, ForgetsTheListOfAStoppedSearch)
 {
 	Project.File("Docs/a.txt", "lamp");
 	Start();
@@ -293,7 +293,7 @@ FAssetSearchParams MakeRandomParams(std::mt19937& Random)
 }
 }
 
-TEST_F(FTextStoreTest, AnswersAsWithoutIt)
+TEST_F(TextStore, AnswersAsWithoutIt)
 {
 	Start();
 	const uint32 Seed = GetSeed();

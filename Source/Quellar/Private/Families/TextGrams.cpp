@@ -36,9 +36,9 @@ uint32 PushByte(uint32 Bytes, char Byte)
 	return Bytes << 8 | static_cast<uint8>(Byte);
 }
 
-void SetBit(std::vector<uint64>& Bits, uint32 Hash)
+void SetBit(uint64* Words, uint32 Hash)
 {
-	Bits[Hash / WordBits] |= uint64{1} << (Hash % WordBits);
+	Words[Hash / WordBits] |= uint64{1} << (Hash % WordBits);
 }
 
 std::size_t CountFolded(const std::vector<uint64>& Bits, std::size_t NumWords)
@@ -94,15 +94,22 @@ void FTextGramsBuilder::Append(FStringView Text)
 {
 	Folded.clear();
 	Unicode::AppendFolded(Folded, Text);
-	for (const char Byte : Folded)
+	uint64* const Words = Bits.data();
+	uint32 Bytes = Last;
+	std::size_t Index = 0;
+	for (; Index < Folded.size() && NumLast < 2; ++Index, ++NumLast)
 	{
-		Last = PushByte(Last, Byte);
-		if (NumLast >= 1)
-			SetBit(Bits, HashPair(Last));
-		if (NumLast >= 2)
-			SetBit(Bits, HashTriple(Last));
-		NumLast = std::min(NumLast + 1, 2);
+		Bytes = PushByte(Bytes, Folded[Index]);
+		if (NumLast == 1)
+			SetBit(Words, HashPair(Bytes));
 	}
+	for (; Index < Folded.size(); ++Index)
+	{
+		Bytes = PushByte(Bytes, Folded[Index]);
+		SetBit(Words, HashPair(Bytes));
+		SetBit(Words, HashTriple(Bytes));
+	}
+	Last = Bytes;
 }
 
 FTextGrams FTextGramsBuilder::Finish()

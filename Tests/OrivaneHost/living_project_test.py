@@ -25,6 +25,7 @@ SETTINGS = [
     "[/Script/OrivaneToolkit.OrivaneSettings]\nMaterialSearchMode=0\n",
     "[/Script/Quellar.QuellarSettings]\n+ExcludedDirectories=UI\n+ExcludedDirectories=Docs\n",
     "[/Script/Quellar.QuellarSettings]\n!ExcludedDirectories=ClearArray\nbExcludeEnginePlugins=False\n",
+    "[/Script/Quellar.QuellarSettings]\n+TextSearchExtensions=md\n+TextSearchExtensions=uplugin\n",
     "half a line [",
 ]
 FAMILIES = ["Blueprint", "Text", "BehaviorTree", "Blackboard", "DataAsset", "DataTable", "EnvQuery", "Enum", "Struct", "Material", "NiagaraSystem"]
@@ -215,9 +216,9 @@ class Project:
         if file and self.rng.random() < 0.7:
             file.write_text(self.rng.choice(WORDS) + " and other words", encoding=self.rng.choice(["utf-8", "utf-16"]))
             return f"text {file}"
-        folder = self.pick(self.folders())
-        if not folder:
-            return None
+        logs = self.folder / "Saved/Logs"  # is not watched
+        logs.mkdir(parents=True, exist_ok=True)
+        folder = self.pick([*self.folders(), logs, logs])
         (folder / f"{self.name()}.txt").write_text(self.rng.choice(WORDS))
         return f"new text in {folder}"
 

@@ -103,7 +103,7 @@ TEST(TextGrams, HoldWhateverTheFinderFinds)
 
 TEST_F(TextStore, ReadsWhatWasToldToHaveChanged)
 {
-	Project.File("Docs/a.txt", "lamp").File("Docs/b.txt", "fog");
+	Project.File("Docs/a.txt", "lamp").File("Docs/b.txt", "fog").File("Docs/quiet.txt", "fog");
 	Start();
 	EXPECT_EQ(Find("zz"), "");
 	EXPECT_GT(FTextStore::Get().GetMemory(), 0);
@@ -116,12 +116,22 @@ TEST_F(TextStore, ReadsWhatWasToldToHaveChanged)
 	TellFile("Docs/c.txt");
 	Write("Docs/a.txt", "fog");
 	TellFile("Docs/a.txt");
-	EXPECT_EQ(Find("lamp"), "Docs/b.txt Docs/c.txt") << "two changes before a search";
+	Write("Docs/quiet.txt", "lamp");
+	EXPECT_EQ(Find("lamp"), "Docs/b.txt Docs/c.txt")
+		<< "two changes before a search; what has not changed stays known where files come";
+
+	Project.GetFolder().Remove("Docs/quiet.txt");
 
 	Project.GetFolder().Rename("Docs", "Notes");
 	TellFolder("Docs");
 	TellFolder("Notes");
 	EXPECT_EQ(Find("lamp"), "Notes/b.txt Notes/c.txt");
+	Write("Notes/a.txt", "lamp");
+	TellFolder("Notes");
+	EXPECT_EQ(Find("lamp"), "Notes/a.txt Notes/b.txt Notes/c.txt") << "a folder is told with what is in it";
+	Project.GetFolder().Remove("Notes/a.txt");
+	TellFile("Notes/a.txt");
+
 	Write("Saved/d.txt", "lamp");
 	EXPECT_EQ(Find("lamp"), "Notes/b.txt Notes/c.txt Saved/d.txt") << "of this folder nothing is told";
 	Write("Saved/d.txt", "fog");
@@ -159,7 +169,7 @@ TEST_F(TextStore, ForgetsTheListOfAStoppedSearch)
 		std::stop_source Stop;
 		Stop.request_stop();
 		const FStopScope Scope(Stop.get_token());
-		Find("lamp");
+		FTextStore::Get().Find(FPaths::ProjectDir(), FTermGrams("lamp"), [](std::string_view) { return true; });
 	}
 	EXPECT_EQ(Find("lamp"), "Docs/a.txt");
 }

@@ -25,6 +25,7 @@ SETTINGS = [
     "[/Script/OrivaneToolkit.OrivaneSettings]\nMaterialSearchMode=0\n",
     "[/Script/Quellar.QuellarSettings]\n+ExcludedDirectories=UI\n+ExcludedDirectories=Docs\n",
     "[/Script/Quellar.QuellarSettings]\n!ExcludedDirectories=ClearArray\nbExcludeEnginePlugins=False\n",
+    "[/Script/Quellar.QuellarSettings]\n+TextSearchExtensions=md\n+TextSearchExtensions=uplugin\n",
     "half a line [",
 ]
 FAMILIES = ["Blueprint", "Text", "BehaviorTree", "Blackboard", "DataAsset", "DataTable", "EnvQuery", "Enum", "Struct", "Material", "NiagaraSystem"]
@@ -106,6 +107,7 @@ class Project:
         self.outside = folder.parent / "Outside"
         self.outside.mkdir()
         self.unfinished = None  # a package half written, and the rest of it
+        self.text_word = None  # last written into a text that was there before
         self.count = 0
         shutil.copytree(sample, folder)
 
@@ -213,11 +215,12 @@ class Project:
     def change_text(self):
         file = self.pick(self.files(".md", ".txt", ".py"))
         if file and self.rng.random() < 0.7:
-            file.write_text(self.rng.choice(WORDS) + " and other words", encoding=self.rng.choice(["utf-8", "utf-16"]))
+            self.text_word = self.rng.choice(WORDS)
+            file.write_text(self.text_word + " and other words", encoding=self.rng.choice(["utf-8", "utf-16"]))
             return f"text {file}"
-        folder = self.pick(self.folders())
-        if not folder:
-            return None
+        logs = self.folder / "Saved/Logs"  # is not watched
+        logs.mkdir(parents=True, exist_ok=True)
+        folder = self.pick([*self.folders(), logs, logs])
         (folder / f"{self.name()}.txt").write_text(self.rng.choice(WORDS))
         return f"new text in {folder}"
 
@@ -431,6 +434,9 @@ class Run:
                 if done:
                     edits += 1
                     self.log.append(done)
+            if self.project.text_word:
+                self.compare("asset_search", {"term": self.project.text_word, "include_asset_families": ["Text"]})
+                self.project.text_word = None
             for _ in range(self.rng.choice([1, 1, 2])):
                 self.compare()
         self.log.append(self.project.start_over())

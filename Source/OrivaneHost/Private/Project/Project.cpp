@@ -16,6 +16,7 @@
 #include "Project/ProjectRegistry.h"
 #include "Project/ProjectWatch.h"
 #include "Project/UserFolders.h"
+#include "Quellar/Families/TextSearch.h"
 
 #include <cerrno>
 #include <chrono>
@@ -171,6 +172,7 @@ FString FProject::GetPackageFileName(FName PackageName)
 void FProject::Close()
 {
 	FAssetOperationBase::ForgetTextFiles();
+	StopKeepingTextFiles();
 	PackageMemory::Forget();
 	SearchMemory::Forget();
 	UnloadAllLoadedPackages();
@@ -230,6 +232,8 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	SetObjectMemoryLimit(Options.ObjectMemory > 0 ? Options.ObjectMemory : GetDefaultObjectMemory());
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
+	if (Opened.Watch)
+		StartKeepingTextFiles(ListUnwatchedFolders(Options, Summary.Folder));
 	Opened.bOpen = true;
 	GetOpenProject() = std::move(Opened);
 	return true;
@@ -250,7 +254,9 @@ void TakeChanges(FOpenProject& Project)
 {
 	try
 	{
-		Project.Changes.Add(Project.Watch->Take(), Project.Summary.Folder, Project.Scan.Sources);
+		const FFolderChanges Taken = Project.Watch->Take();
+		NoteTextFileChanges(Taken);
+		Project.Changes.Add(Taken, Project.Summary.Folder, Project.Scan.Sources);
 	}
 	catch (...) // out of memory: what was taken is not told again
 	{

@@ -20,7 +20,7 @@ struct FProjectChanges
 	bool HasPackages() const { return !Files.empty() || !Folders.empty(); }
 	bool IsEmpty() const { return !bReopen && !bPlugins && !bSettings && !HasPackages(); }
 	bool Concerns(FName Package) const;
-	/** Files that mean nothing, such as texts, which are read whenever they are searched, add nothing. Paths as the mount points
+	/** Files that mean nothing, such as texts, which are kept by their search alone, add nothing. Paths as the mount points
 	 * spell them; ProjectFolder with a slash at the end. */
 	void Add(const FFolderChanges& Changes, const FString& ProjectFolder, const TArray<const IPackageSource*>& Sources);
 

@@ -5,15 +5,17 @@
 
 namespace
 {
-/** Generated folders of the project's own are not watched, or what the program writes there would be a change. */
-FFolderWatchOptions MakeWatchOptions(const FProjectOptions& Options, const FString& Folder, const FString& EngineContent)
+/** With a slash at the end; "" for none. */
+FString GetEngineContent(const FProjectOptions& Options)
+{
+	return Options.EngineContent.IsEmpty() ? FString() : FPaths::ConvertRelativePathToFull(Options.EngineContent) + "/";
+}
+
+FFolderWatchOptions MakeWatchOptions(const FProjectOptions& Options, const FString& Folder)
 {
 	TArray<FString> Left;
-	for (const FString& Name : Orivane::Tarnwell::DefaultExcludedDirectories)
-	{
-		if (!EngineContent.StartsWith(Folder + Name + "/", ESearchCase::CaseSensitive))
-			Left.Add(Folder + Name);
-	}
+	for (const FString& Name : ListUnwatchedFolders(Options, Folder))
+		Left.Add(Folder + Name);
 	FFolderWatchOptions Watch;
 	Watch.EnterFolder = [Left](std::string_view Path)
 	{ return !Left.ContainsByPredicate([Path](const FString& Each) { return Each.View() == Path; }); };
@@ -29,11 +31,19 @@ TUniquePtr<FFolderWatch> MakeProjectWatch(const FProjectOptions& Options, const 
 	if (Options.Watch == EProjectWatch::Off)
 		return nullptr;
 	TArray<FString> Roots = {Folder};
-	const FString Engine =
-		Options.EngineContent.IsEmpty() ? FString() : FPaths::ConvertRelativePathToFull(Options.EngineContent) + "/";
+	const FString Engine = GetEngineContent(Options);
 	if (!Engine.IsEmpty() && !Engine.StartsWith(Folder, ESearchCase::CaseSensitive))
 		Roots.Add(Engine);
-	return MakeUnique<FFolderWatch>(Roots, MakeWatchOptions(Options, Folder, Engine));
+	return MakeUnique<FFolderWatch>(Roots, MakeWatchOptions(Options, Folder));
+}
+
+/** Generated folders of the project's own are not watched, or what the program writes there would be a change. */
+TArray<FString> ListUnwatchedFolders(const FProjectOptions& Options, const FString& Folder)
+{
+	TArray<FString> Names = Orivane::Tarnwell::DefaultExcludedDirectories;
+	Names.RemoveAll([Folder, Engine = GetEngineContent(Options)](const FString& Name)
+		{ return Engine.StartsWith(Folder + Name + "/", ESearchCase::CaseSensitive); });
+	return Names;
 }
 
 FString DescribeProjectWatch(const FFolderWatch* Watch)

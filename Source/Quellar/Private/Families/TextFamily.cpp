@@ -4,12 +4,13 @@
 #include "Core/Files/File.h"
 #include "Core/Text/TextDecoder.h"
 #include "Core/Text/TextFinder.h"
-#include "Core/Text/Unicode.h"
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "Families/FamilyScan.h"
+#include "Families/TextStore.h"
 #include "Quellar/Assets/QuellarSettings.h"
 
+#include <atomic>
 #include <deque>
 #include <vector>
 
@@ -59,8 +60,11 @@ private:
 class FPiecewiseSearch
 {
 public:
-	/** Window is scratch. */
-	FPiecewiseSearch(const FContentMatcher& InMatcher, std::string& InWindow) : Matcher(InMatcher), Window(InWindow)
+	/** Window is scratch. What is searched is appended to Grams, unless it is null. */
+	FPiecewiseSearch(const FContentMatcher& InMatcher, std::string& InWindow, FTextGramsBuilder* InGrams)
+		: Matcher(InMatcher)
+		, Window(InWindow)
+		, Grams(InGrams)
 	{
 		Window.clear();
 	}
@@ -69,19 +73,30 @@ public:
 	bool Take(std::string_view Piece)
 	{
 		DropSearched();
+		const std::size_t NumSearched = Window.size();
 		Decoder.Append(Piece, Window);
+		AppendGrams(NumSearched);
 		bFound = Matcher.Matches(Window);
-		return !bFound && !IsStopRequested();
+		bAllTaken = !bFound && !IsStopRequested();
+		return bAllTaken;
 	}
 	/** After the last piece. */
 	bool Finish()
 	{
 		const std::size_t NumSearched = Window.size();
 		Decoder.Finish(Window);
+		AppendGrams(NumSearched);
 		return bFound || (Window.size() > NumSearched && Matcher.Matches(Window));
 	}
+	/** Whether no piece was the last one wanted. */
+	bool HasTakenAll() const { return bAllTaken; }
 
 private:
+	void AppendGrams(std::size_t From)
+	{
+		if (Grams)
+			Grams->Append(std::string_view(Window).substr(From));
+	}
 	/** Keeps what the term may begin in. */
 	void DropSearched()
 	{
@@ -91,8 +106,10 @@ private:
 
 	const FContentMatcher& Matcher;
 	std::string& Window;
+	FTextGramsBuilder* Grams;
 	FTextDecoder Decoder;
 	bool bFound = false;
+	bool bAllTaken = true;
 };
 
 /** One search of the family: the roots are visited in order, files in ascending byte order, until the cap is reached or a stop is
@@ -131,12 +148,9 @@ private:
 		Unreadable,
 	};
 
-	bool IsCandidate(const FString& Prefix, FStringView RelativeToRoot) const
+	bool PassesFilter(const FString& Prefix, FStringView RelativeToRoot) const
 	{
-		if (!Unicode::IsValidUtf8(RelativeToRoot))
-			return IsCandidate(Prefix, FString::FromExternal(RelativeToRoot));
-		return IsSearchableTextFile(RelativeToRoot) &&
-			(Params.PathContains.IsEmpty() || PassesPathFilter(Prefix + RelativeToRoot, Params));
+		return Params.PathContains.IsEmpty() || PassesPathFilter(Prefix + FString::FromExternal(RelativeToRoot), Params);
 	}
 
 	/** What one thread reads with. */
@@ -146,25 +160,61 @@ private:
 		FFileTreeReader Reader;
 		std::string Bytes;
 		std::string Scratch;
+		FTextGramsBuilder Builder;
 	};
 
-	EOutcome TestFile(FFileReader& File, int32 Index) const
+	/** What is learned of one file. */
+	struct FTested
+	{
+		EOutcome Outcome = EOutcome::NoMatch;
+		FTextGrams Grams;
+	};
+
+	FTested Test(FFileReader& File, int32 Index, bool bWantsGrams)
+	{
+		FTested Tested;
+		Tested.Outcome = TestFile(File, Index, bWantsGrams && GramBytesLeft > 0 ? &Tested.Grams : nullptr);
+		if ((GramBytesLeft -= Tested.Grams.GetBytes()) < 0)
+		{
+			GramBytesLeft += Tested.Grams.GetBytes();
+			Tested.Grams = {};
+		}
+		return Tested;
+	}
+
+	/** Grams stay unknown where the file is not gone through to its end. */
+	EOutcome TestFile(FFileReader& File, int32 Index, FTextGrams* Grams) const
 	{
 		const bool bWhole = Matcher.ComparesWhole() && !Params.Term.IsEmpty();
 		const std::size_t MaxBytes = bWhole ? Matcher.GetMaxTermBytes() + MaxMarkBytes : PieceBytes;
 		const EFileRead Read = File.Reader.Read(Index, File.Bytes, MaxBytes);
 		if (Read == EFileRead::TooLarge)
-			return bWhole ? EOutcome::NoMatch : TestFileInPieces(File, Index);
-		return ToOutcome(
-			Read, [&] { return Params.Term.IsEmpty() || Matcher.Matches(FFileHelper::DecodeText(File.Bytes, File.Scratch)); });
+			return bWhole ? EOutcome::NoMatch : TestFileInPieces(File, Index, Grams);
+		return ToOutcome(Read,
+			[&]
+			{
+				if (Params.Term.IsEmpty())
+					return true;
+				const FStringView Text = FFileHelper::DecodeText(File.Bytes, File.Scratch);
+				if (Grams)
+				{
+					File.Builder.Append(Text);
+					*Grams = File.Builder.Finish();
+				}
+				return Matcher.Matches(Text);
+			});
 	}
 
-	EOutcome TestFileInPieces(FFileReader& File, int32 Index) const
+	EOutcome TestFileInPieces(FFileReader& File, int32 Index, FTextGrams* Grams) const
 	{
-		FPiecewiseSearch Search(Matcher, File.Scratch);
+		FPiecewiseSearch Search(Matcher, File.Scratch, Grams ? &File.Builder : nullptr);
 		const EFileRead Read = File.Reader.ReadInPieces(Index, File.Bytes, FFileHelper::MaxTextFileBytes, PieceBytes,
 			[&](std::string_view Piece) { return !Params.Term.IsEmpty() && Search.Take(Piece); });
-		return ToOutcome(Read, [&] { return Params.Term.IsEmpty() || Search.Finish(); });
+		const EOutcome Outcome = ToOutcome(Read, [&] { return Params.Term.IsEmpty() || Search.Finish(); });
+		FTextGrams Made = Grams ? File.Builder.Finish() : FTextGrams();
+		if (Grams && Read == EFileRead::Ok && !Params.Term.IsEmpty() && Search.HasTakenAll())
+			*Grams = std::move(Made);
+		return Outcome;
 	}
 
 	/** A file that has gone meanwhile is not a gap. */
@@ -185,37 +235,63 @@ private:
 		return Matches() ? EOutcome::Match : EOutcome::NoMatch;
 	}
 
+	/** The files to look at; all of them, unless the store knows better. */
+	FTextFiles ListFiles(const FString& Root, const FString& Prefix) const
+	{
+		const auto Filter = [&](std::string_view Path) { return PassesFilter(Prefix, Path); };
+		if (FTextStore::Get().IsOn() && Prefix.IsEmpty())
+			return FTextStore::Get().Find(Root, FTermGrams(Params.Term), Filter);
+		FFileTreeOptions Options;
+		Options.KeepFile = [&](std::string_view Path) { return IsSearchableTextFile(Path) && Filter(Path); };
+		Options.Stop = GetStopToken();
+		FTextFiles Files;
+		Files.Tree = FFileTree::List(Root, Options);
+		Files.UnreadableFolders = Files.Tree.GetUnreadableFolders();
+		Files.Places.assign(static_cast<std::size_t>(Files.Tree.Num()), FTextFiles::NoPlace);
+		return Files;
+	}
+
 	void ScanRoot(const FString& Root)
 	{
 		const FString Prefix =
 			Root.Replace(FPaths::ProjectDir(), ""); // turns paths relative to the root into ones relative to the project
-		FFileTreeOptions Options;
-		Options.KeepFile = [&](std::string_view Path) { return IsCandidate(Prefix, Path); };
-		Options.Stop = GetStopToken();
-		const FFileTree Files = FFileTree::List(Root, Options);
+		const FTextFiles Files = ListFiles(Root, Prefix);
+		for (const std::string& Folder : Files.UnreadableFolders)
+			Gaps.Unreadable.Add(Prefix + FString::FromExternal(Folder) + "/");
+		if (Found.Results.Num() < MaxFiles)
+			TestFiles(Files, Prefix);
+	}
 
+	void TestFiles(const FTextFiles& Files, const FString& Prefix)
+	{
 		std::deque<FFileReader> Readers;
 		for (int32 Worker = 0; Worker < GetNumWorkers(); ++Worker)
-			Readers.emplace_back(Files);
-		for (const std::string& Folder : Files.GetUnreadableFolders())
-			Gaps.Unreadable.Add(Prefix + FString::FromExternal(Folder) + "/");
-		std::vector<EOutcome> Outcomes(static_cast<std::size_t>(Files.Num()));
-		const auto Test = [&](int32 Begin, int32 End, int32 Worker)
+			Readers.emplace_back(Files.Tree);
+		std::vector<FTested> Tested(Files.Places.size());
+		const auto TestChunk = [&](int32 Begin, int32 End, int32 Worker)
 		{
-			for (int32 Index = Begin; Index < End && !IsStopRequested(); ++Index)
-				Outcomes[static_cast<std::size_t>(Index)] = TestFile(Readers[static_cast<std::size_t>(Worker)], Index);
+			for (auto Index = static_cast<std::size_t>(Begin); Index < static_cast<std::size_t>(End) && !IsStopRequested();
+				 ++Index)
+			{
+				const bool bWantsGrams = Files.Places[Index] != FTextFiles::NoPlace;
+				Tested[Index] = Test(Readers[static_cast<std::size_t>(Worker)], static_cast<int32>(Index), bWantsGrams);
+			}
 		};
 		const auto Report = [&](int32 Begin, int32 End)
 		{
 			for (int32 Index = Begin; Index < End && Found.Results.Num() < MaxFiles; ++Index)
 			{
-				if (const EOutcome Outcome = Outcomes[static_cast<std::size_t>(Index)]; Outcome != EOutcome::NoMatch)
-					Add(Outcome, Prefix + FString::FromExternal(Files.GetRelativePath(Index)));
+				if (const EOutcome Outcome = Tested[static_cast<std::size_t>(Index)].Outcome; Outcome != EOutcome::NoMatch)
+					Add(Outcome, Prefix + FString::FromExternal(Files.Tree.GetRelativePath(Index)));
 			}
 			return Found.Results.Num() < MaxFiles && !IsStopRequested();
 		};
-		if (Found.Results.Num() < MaxFiles)
-			ParallelForOrdered(Files.Num(), FilesPerChunk, Test, Report);
+		ParallelForOrdered(Files.Tree.Num(), FilesPerChunk, TestChunk, Report);
+		for (std::size_t Index = 0; Index < Tested.size(); ++Index)
+		{
+			if (Tested[Index].Grams.IsKnown())
+				FTextStore::Get().Keep(Files.Places[Index], std::move(Tested[Index].Grams));
+		}
 	}
 
 	void Add(EOutcome Outcome, FString RelativePath)
@@ -238,6 +314,7 @@ private:
 	const FAssetSearchParams& Params;
 	FContentMatcher Matcher;
 	int32 MaxFiles;
+	std::atomic<int64> GramBytesLeft = FTextStore::Get().GetBytesLeft();
 	TSet<FString> Reported; // two files whose paths differ only in case are one
 	FAssetSearchResult Found;
 	FTextSearchGaps Gaps;
@@ -257,7 +334,7 @@ const FTextSearchGaps& GetTextSearchGaps()
 
 bool IsSearchableTextFile(FStringView Path)
 {
-	const FString Extension = FPaths::GetExtension(Path);
+	const FString Extension = FString::FromExternal(FPaths::GetExtension(Path));
 	const UQuellarSettings* Settings = UQuellarSettings::StaticClass()->GetDefaultObject<UQuellarSettings>();
 	if (Settings && !Settings->TextSearchExtensions.IsEmpty())
 		return Settings->TextSearchExtensions.Contains(Extension);
@@ -276,4 +353,22 @@ void SearchTextFiles(const FAssetSearchParams& Params, FOnAssetSearchComplete On
 	const FAssetSearchResult Found = Scan.Run();
 	GetLastGaps() = Scan.TakeGaps();
 	OnDone.ExecuteIfBound(Found);
+}
+
+void StartKeepingTextFiles(const TArray<FString>& UntoldFolders)
+{
+	checkGameThread();
+	FTextStore::Get().Start(UntoldFolders);
+}
+
+void StopKeepingTextFiles()
+{
+	checkGameThread();
+	FTextStore::Get().Stop();
+}
+
+void NoteTextFileChanges(const FFolderChanges& Changes)
+{
+	checkGameThread();
+	FTextStore::Get().Note(Changes);
 }

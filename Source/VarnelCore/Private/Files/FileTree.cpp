@@ -43,6 +43,30 @@ FFileTree FFileTree::List(FStringView Root, const FFileTreeOptions& Options)
 	return Tree;
 }
 
+FFileTree FFileTree::FromPaths(FStringView Root, const std::vector<std::string_view>& RelativePaths)
+{
+	FFileTree Tree;
+	Tree.Root = PathResolver::Open(Root, SecureOpen::ToPassFolder);
+	if (!Tree.Root.IsOpen())
+		return Tree;
+	Tree.Files.reserve(RelativePaths.size());
+	for (const std::string_view Path : RelativePaths)
+	{
+		const std::size_t NameStart = Path.rfind('/') + 1; // 0 where there is no slash
+		Tree.AddFile(Path.substr(0, NameStart), Path.substr(NameStart));
+	}
+	return Tree;
+}
+
+void FFileTree::AddFile(std::string_view FolderWithSlash, std::string_view Name)
+{
+	const std::size_t FolderLength = FolderWithSlash.empty() ? 0 : FolderWithSlash.size() - 1;
+	Files.push_back({.PathStart = Arena.size(),
+		.PathLength = static_cast<uint32>(FolderWithSlash.size() + Name.size()),
+		.FolderLength = static_cast<uint32>(FolderLength)});
+	Arena.append(FolderWithSlash).append(Name);
+}
+
 void FFileTree::Gather(const FFolderWalk& Walk)
 {
 	Arena.reserve(Walk.CountPathBytes());
@@ -50,11 +74,7 @@ void FFileTree::Gather(const FFolderWalk& Walk)
 	Walk.Visit(
 		[this](std::string_view Folder, std::string_view Name, const FFileStamp* Stamp)
 		{
-			const std::size_t FolderLength = Folder.empty() ? 0 : Folder.size() - 1;
-			Files.push_back({.PathStart = Arena.size(),
-				.PathLength = static_cast<uint32>(Folder.size() + Name.size()),
-				.FolderLength = static_cast<uint32>(FolderLength)});
-			Arena.append(Folder).append(Name);
+			AddFile(Folder, Name);
 			if (Stamp)
 				Stamps.push_back(*Stamp);
 		});

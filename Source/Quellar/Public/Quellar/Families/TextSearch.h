@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Core/Files/FolderWatch.h"
 #include "Quellar/Hits/AssetSearchTypes.h"
 
 /** The file's extension is one of the settings' text extensions, or of the default ones where the settings list none. Case is
- * ignored. Any thread. */
+ * ignored. Path may be any bytes. Any thread. */
 bool IsSearchableTextFile(FStringView Path);
 
 /** Whether text contains the term, or in exact mode equals it as a whole; Params gives the term. For callers that have the text:
@@ -19,3 +20,15 @@ struct FTextSearchGaps
 
 /** Of the last search that included text files; empty before. Game thread; valid until the next search. */
 const FTextSearchGaps& GetTextSearchGaps();
+
+/**
+ * From now on every change of the opened project's files is told through NoteTextFileChanges before the next search, but for what
+ * lies in UntoldFolders ("Saved": names of folders directly below the project). Searches may therefore keep what they learn of
+ * text files, and answer as of the changes told last; in the untold folders they look at the files each time. Game thread.
+ */
+void StartKeepingTextFiles(const TArray<FString>& UntoldFolders);
+/** Nothing is told any more: what is kept goes, and searches read all files. To be called before another project is opened. Game
+ * thread. */
+void StopKeepingTextFiles();
+/** Files outside of the project may be among them. Game thread. */
+void NoteTextFileChanges(const FFolderChanges& Changes);

@@ -58,6 +58,8 @@ public:
 	 * does one that is reached through a symbolic link below the opened project. Any depth.
 	 */
 	static FFileTree List(FStringView Root, const FFileTreeOptions& Options);
+	/** Files that the caller knows, to be read; in ascending byte order. Empty where the root cannot be opened. */
+	static FFileTree FromPaths(FStringView Root, const std::vector<std::string_view>& RelativePaths);
 
 	int32 Num() const { return static_cast<int32>(Files.size()); }
 	/** Relative to the root, separated by "/". Not repaired: the bytes of the file system. */
@@ -78,6 +80,7 @@ private:
 		uint32 FolderLength = 0; // bytes of the folder part, without the slash
 	};
 	void Gather(const FFolderWalk& Walk);
+	void AddFile(std::string_view FolderWithSlash, std::string_view Name);
 
 	FFileHandle Root;
 	std::string Arena;

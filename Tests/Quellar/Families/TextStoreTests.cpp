@@ -5,6 +5,7 @@
 #include "Core/Text/Unicode.h"
 #include "Core/Threads/StopToken.h"
 #include "Quellar/Assets/QuellarSettings.h"
+#include "Quellar/Families/SearchMemory.h"
 #include "Quellar/Families/TextSearch.h"
 #include "Support/Seed.h"
 #include "Support/TestProject.h"
@@ -152,7 +153,7 @@ TEST_F(TextStore, KeepsWithinItsMemory)
 	for (int32 Index = 0; Index < 100; ++Index)
 		Project.File("Docs/" + std::to_string(Index) + ".txt", "lamp " + std::to_string(Index));
 	Start();
-	FTextStore::Get().SetMemoryLimit(500);
+	SearchMemory::SetLimit(500);
 	for (int32 Run = 0; Run < 2; ++Run)
 	{
 		EXPECT_EQ(Find("lamp 77"), "Docs/77.txt");

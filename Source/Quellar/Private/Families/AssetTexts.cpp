@@ -14,17 +14,8 @@
 
 namespace
 {
-struct FMemory
-{
-	int64 NumBytes = 0;
-	int64 MaxBytes = SearchMemory::DefaultLimit;
-};
-
-FMemory& GetTextMemory()
-{
-	static FMemory Memory;
-	return Memory;
-}
+/** Of all scans, as they were counted last. */
+int64 NumAllBytes = 0;
 
 /** Never destroyed, as what it holds refers to other modules. */
 TMap<FString, TUniquePtr<FAssetTexts>>& GetAllTexts()
@@ -75,7 +66,7 @@ FAssetTexts::FAssetTexts(ETextOrigin InOrigin, std::function<TArray<FAssetData>(
 
 FAssetTexts::~FAssetTexts()
 {
-	GetTextMemory().NumBytes -= NumBytes;
+	NumAllBytes -= NumBytes;
 }
 
 FAssetTexts& FAssetTexts::Get(const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List)
@@ -86,19 +77,14 @@ FAssetTexts& FAssetTexts::Get(const FString& Name, ETextOrigin Origin, std::func
 	return *Texts;
 }
 
-void SearchMemory::Forget()
+void FAssetTexts::ForgetAll()
 {
 	GetAllTexts() = {};
 }
 
-void SearchMemory::SetLimit(int64 MaxBytes)
+int64 FAssetTexts::GetMemory()
 {
-	GetTextMemory().MaxBytes = MaxBytes;
-}
-
-int64 SearchMemory::GetBytes()
-{
-	return GetTextMemory().NumBytes;
+	return NumAllBytes;
 }
 
 void FAssetTexts::Refresh()
@@ -194,7 +180,7 @@ void FAssetTexts::DropStale()
 bool FAssetTexts::WantsTexts(int32 Place) const
 {
 	return Origin != ETextOrigin::Unkept && StateNumber > 0 && !HasTexts(Place) &&
-		GetTextMemory().NumBytes - NumBytes + CountBytes() < GetTextMemory().MaxBytes;
+		SearchMemory::GetBytesLeft() > CountBytes() - NumBytes;
 }
 
 bool FAssetTexts::Note(int32 Place, const FNotedTexts& Noted, std::string_view FoldedTerm)
@@ -274,6 +260,6 @@ int64 FAssetTexts::CountBytes() const
 void FAssetTexts::UpdateMemory()
 {
 	const int64 Now = CountBytes();
-	GetTextMemory().NumBytes += Now - NumBytes;
+	NumAllBytes += Now - NumBytes;
 	NumBytes = Now;
 }

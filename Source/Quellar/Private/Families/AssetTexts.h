@@ -54,6 +54,10 @@ public:
 	/** For the scan of that name, which has one list and origin as long as the program runs. */
 	static FAssetTexts& Get(const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List);
 
+	/** Of all scans. */
+	static void ForgetAll();
+	static int64 GetMemory();
+
 	/** Brings list and texts up to date. To be called once at the start of a search; what follows holds until it ends. */
 	void Refresh();
 	const TArray<FAssetData>& GetAssets() const { return Assets; }

@@ -9,6 +9,7 @@
 #include "Families/FamilyScan.h"
 #include "Families/TextStore.h"
 #include "Quellar/Assets/QuellarSettings.h"
+#include "Quellar/Families/SearchMemory.h"
 
 #include <atomic>
 #include <deque>
@@ -314,7 +315,7 @@ private:
 	const FAssetSearchParams& Params;
 	FContentMatcher Matcher;
 	int32 MaxFiles;
-	std::atomic<int64> GramBytesLeft = FTextStore::Get().GetBytesLeft();
+	std::atomic<int64> GramBytesLeft = SearchMemory::GetBytesLeft();
 	TSet<FString> Reported; // two files whose paths differ only in case are one
 	FAssetSearchResult Found;
 	FTextSearchGaps Gaps;

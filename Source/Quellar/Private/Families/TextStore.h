@@ -38,10 +38,8 @@ public:
 	FTextFiles Find(const FString& Root, const FTermGrams& Term, const std::function<bool(std::string_view Path)>& Filter);
 	/** Places are of the last Find. */
 	void Keep(int32 Place, FTextGrams Grams);
-	/** What grams may still take. */
-	int64 GetBytesLeft() const { return MaxBytes - NumBytes; }
+	/** What grams take; SearchMemory has the limit. */
 	int64 GetMemory() const { return NumBytes; }
-	void SetMemoryLimit(int64 NewMaxBytes) { MaxBytes = NewMaxBytes; }
 
 private:
 	struct FFile
@@ -66,6 +64,5 @@ private:
 	TArray<FString> Extensions; // of the settings, when the files were listed
 	std::vector<FFile> Files;	// ascending
 	std::vector<std::string> UnreadableFolders;
-	int64 MaxBytes = int64{128} * 1024 * 1024;
 	int64 NumBytes = 0; // of grams
 };

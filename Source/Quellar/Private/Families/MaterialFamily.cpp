@@ -152,7 +152,7 @@ private:
 	}
 
 	THashMap<const FMaterialParameterView*, FMatching> Matching;
-	const TArray<int32> NoneMatch;
+	const TArray<int32> NoneMatch = {};
 };
 
 void LoadAndRead(const FAssetData& Asset, FAssetResult& Result, FHitSink& Hits, FMaterialReader& Reader)

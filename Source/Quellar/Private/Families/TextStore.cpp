@@ -144,7 +144,7 @@ void FTextStore::ListAgain(const FString& Root)
 FFileTree FTextStore::ListUntold(const FString& Root) const
 {
 	FFileTreeOptions Options;
-	Options.KeepFile = [this](std::string_view Path)
+	Options.KeepFile = [](std::string_view Path)
 	{ return Path.find('/') != std::string_view::npos && IsSearchableTextFile(Path); };
 	Options.EnterFolder = [this](std::string_view Path) { return IsUntold(Path); };
 	Options.Stop = GetStopToken();

@@ -3,10 +3,9 @@
 #include <algorithm>
 
 FOverlayMerge::FOverlayMerge(
-	const FRegistrySnapshot& InSnapshot, std::vector<uint32> InAdded, std::function<bool(FRowRange Assets)> InVisit)
-	: Snapshot(InSnapshot)
-	, Overlay(*InSnapshot.Overlay)
-	, Base(InSnapshot.Base->Image->GetTables())
+	const FRegistrySnapshot& Snapshot, std::vector<uint32> InAdded, std::function<bool(FRowRange Assets)> InVisit)
+	: Overlay(*Snapshot.Overlay)
+	, Base(Snapshot.Base->Image->GetTables())
 	, Added(std::move(InAdded))
 	, Visit(std::move(InVisit))
 {

@@ -12,8 +12,7 @@ class FOverlayMerge
 {
 public:
 	/** Added are rows of the overlay's part, ascending. Visit takes assets of the snapshot and returns false to end. */
-	FOverlayMerge(
-		const FRegistrySnapshot& InSnapshot, std::vector<uint32> InAdded, std::function<bool(FRowRange Assets)> InVisit);
+	FOverlayMerge(const FRegistrySnapshot& Snapshot, std::vector<uint32> InAdded, std::function<bool(FRowRange Assets)> InVisit);
 
 	/** Takes assets of the base, ascending from call to call. False once ended. */
 	bool Take(FRowRange Assets);
@@ -25,7 +24,6 @@ private:
 	/** Of the base: where the next added one goes. */
 	uint32 GetNextPlace() const;
 
-	const FRegistrySnapshot& Snapshot;
 	const FRegistryOverlay& Overlay;
 	const FRegistryTables& Base;
 	const std::vector<uint32> Added;

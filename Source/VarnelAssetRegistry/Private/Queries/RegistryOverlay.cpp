@@ -142,14 +142,14 @@ bool FRegistryOverlay::FMaker::MayChangeSpelling() const
 		return true;
 	if (BaseTables.RespelledPackages.empty())
 		return false;
-	THashSet<uint32> Nodes(Out.Nodes.begin(), Out.Nodes.end());
-	THashSet<uint32> Classes;
+	THashSet<uint32> ConcernedNodes(Out.Nodes.begin(), Out.Nodes.end());
+	THashSet<uint32> ConcernedClasses;
 	const auto IsDeclared = [this](uint32 Class)
 	{ return BaseTables.ClassParents[Class] != NoId && BaseTables.GetText(EZone::Classes, Class).starts_with("/Script/"); };
 	for (const uint32 Class : Tables.AssetClasses)
 	{
 		if (const uint32 OfBase = Out.Classes[Class]; OfBase < Base.NumClasses() && !IsDeclared(OfBase))
-			Classes.insert(OfBase);
+			ConcernedClasses.insert(OfBase);
 	}
 	const auto ForEachMention = [this](uint32 Package, const auto& VisitNode, const auto& VisitClass)
 	{
@@ -162,20 +162,20 @@ bool FRegistryOverlay::FMaker::MayChangeSpelling() const
 	};
 	for (const uint32 Package : Out.Hidden)
 	{
-		Nodes.insert(Package);
+		ConcernedNodes.insert(Package);
 		ForEachMention(
-			Package, [&](uint32 Node) { Nodes.insert(Node); },
+			Package, [&](uint32 Node) { ConcernedNodes.insert(Node); },
 			[&](uint32 Class)
 			{
 				if (!IsDeclared(Class))
-					Classes.insert(Class);
+					ConcernedClasses.insert(Class);
 			});
 	}
 	bool bMentioned = false;
 	for (const uint32 Package : BaseTables.RespelledPackages)
 		ForEachMention(
-			Package, [&](uint32 Node) { bMentioned |= Nodes.contains(Node); },
-			[&](uint32 Class) { bMentioned |= Classes.contains(Class); });
+			Package, [&](uint32 Node) { bMentioned |= ConcernedNodes.contains(Node); },
+			[&](uint32 Class) { bMentioned |= ConcernedClasses.contains(Class); });
 	return bMentioned;
 }
 
@@ -301,13 +301,13 @@ bool FRegistryOverlay::FMaker::GatherGenerated(std::vector<uint32>& OutHidden, s
 
 bool FRegistryOverlay::FMaker::AddClasses()
 {
-	std::vector<uint32> Hidden;
+	std::vector<uint32> Ungenerated;
 	std::vector<uint32> Added;
-	if (!GatherGenerated(Hidden, Added))
+	if (!GatherGenerated(Ungenerated, Added))
 		return false;
-	std::sort(Hidden.begin(), Hidden.end());
+	std::sort(Ungenerated.begin(), Ungenerated.end());
 	// Classes whose Blueprint is gone keep the parent that was declared for them, which the part knows too.
-	for (const uint32 Class : Hidden)
+	for (const uint32 Class : Ungenerated)
 	{
 		const uint32 OfPart = Part.FindClass(BaseTables.GetText(EZone::Classes, Class));
 		const uint32 Parent = OfPart == NoId ? NoId : Tables.ClassParents[OfPart];

@@ -1,7 +1,6 @@
 #include "Scan/ScanScope.h"
 
 #include <algorithm>
-#include <ranges>
 
 void FScanScope::AddFile(std::string_view Path)
 {
@@ -68,9 +67,15 @@ std::vector<uint32> FScanScope::FindPackages(const FRegistryPart& Part) const
 		const FRowRange Rows = FRegistryTables::RangeOf(Tables.FirstRootFiles, Root);
 		const auto FindFirst = [&](std::string_view Relative)
 		{
-			const auto Numbers = std::views::iota(Rows.Begin, Rows.End);
-			return *std::ranges::lower_bound(
-				Numbers, Relative, {}, [&](uint32 File) { return Part.Image->GetRelativePath(File); });
+			uint32 File = Rows.Begin;
+			for (uint32 Num = Rows.Num(); Num > 0;)
+			{
+				const uint32 Half = Num / 2;
+				const bool bBelow = Part.Image->GetRelativePath(File + Half) < Relative;
+				File = bBelow ? File + Half + 1 : File;
+				Num = bBelow ? Num - Half - 1 : Half;
+			}
+			return File;
 		};
 		const auto TakeBelow = [&](std::string_view Relative)
 		{

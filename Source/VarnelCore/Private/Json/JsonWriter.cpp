@@ -144,7 +144,7 @@ public:
 
 	void WriteValue(const FJsonValue& Value)
 	{
-		std::visit([this](const auto& Alternative) { Write(Alternative); }, Value.Data);
+		std::visit([this](const auto& Alternative) { this->Write(Alternative); }, Value.Data);
 	}
 
 	void WriteObject(const FJsonObject& Object)

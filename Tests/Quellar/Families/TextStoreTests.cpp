@@ -162,6 +162,22 @@ TEST_F(TextStore, KeepsWithinItsMemory)
 	}
 }
 
+TEST_F(TextStore, HearsOfFilesThatAreNoTextsForAWhile)
+{
+	Project.File("Docs/a.txt", "fog");
+	Start();
+	EXPECT_EQ(Find("lamp"), "");
+	TArray<FString>& Extensions = UQuellarSettings::StaticClass()->GetDefaultObject<UQuellarSettings>()->TextSearchExtensions;
+	Extensions = {"md"};
+	for (const char* File : {"Docs/a.txt", "Docs/b.txt"})
+	{
+		Write(File, "lamp");
+		TellFile(File);
+	}
+	Extensions = {};
+	EXPECT_EQ(Find("lamp"), "Docs/a.txt Docs/b.txt");
+}
+
 TEST_F(TextStore, ForgetsTheListOfAStoppedSearch)
 {
 	Project.File("Docs/a.txt", "lamp");

@@ -68,12 +68,14 @@ void FTextStore::NoteFile(std::string_view Path)
 	if (!Path.starts_with(Root.View()))
 		return;
 	Path.remove_prefix(Root.View().size());
-	if (!IsSearchableTextFile(Path))
-		return;
 	const auto File = FindFirst(Path);
 	const bool bKnown = File != Files.end() && File->Path == Path;
 	if (bKnown)
 		DropGrams(*File);
+	if (Extensions != GetExtensions()) // the settings may change back before the next search
+		bListed = false;
+	if (!IsSearchableTextFile(Path))
+		return;
 	bListed = bListed && bKnown && IFileManager::Get().FileExists(Root + FString::FromExternal(Path));
 }
 

@@ -179,7 +179,7 @@ void FAssetTexts::DropStale()
 
 bool FAssetTexts::WantsTexts(int32 Place) const
 {
-	return Origin != ETextOrigin::Unkept && StateNumber > 0 && !HasTexts(Place) &&
+	return Origin != ETextOrigin::Unkept && StateNumber > 0 && Blocks[static_cast<std::size_t>(Place)] == NoBlock &&
 		SearchMemory::GetBytesLeft() > CountBytes() - NumBytes;
 }
 

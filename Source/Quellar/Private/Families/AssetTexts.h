@@ -43,8 +43,6 @@ enum class ETextOrigin : uint8
 class FAssetTexts
 {
 public:
-	using FIsWanted = std::function<bool(const FAssetData&)>;
-
 	/** Lists give the assets, in the order of the scan. */
 	FAssetTexts(ETextOrigin InOrigin, std::function<TArray<FAssetData>()> InList);
 	~FAssetTexts();
@@ -65,7 +63,6 @@ public:
 	std::vector<int32> FindCandidates(const FString& Term) const;
 	/** Whether the asset's texts are to be noted, and can be. */
 	bool WantsTexts(int32 Place) const;
-	bool HasTexts(int32 Place) const { return Blocks[static_cast<std::size_t>(Place)] != NoBlock; }
 	/** Notes texts, and says whether the asset may match: the folded term is among them, or they could not be kept. */
 	bool Note(int32 Place, const FNotedTexts& Noted, std::string_view FoldedTerm);
 	/** Texts that several assets share are noted with the first of them. */

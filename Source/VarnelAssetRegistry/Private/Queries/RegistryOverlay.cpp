@@ -196,10 +196,9 @@ void FRegistryOverlay::FMaker::CountHidden()
 
 void FRegistryOverlay::FMaker::AddGraph()
 {
-	std::vector<uint32> Targets;
 	for (const uint32 Target : Tables.DependencyTargets)
 		Out.DependencyTargets.push_back(Out.Nodes[Target]);
-	Targets = Out.DependencyTargets;
+	std::vector<uint32> Targets = Out.DependencyTargets;
 	for (const uint32 Package : Out.Hidden)
 	{
 		const FRowRange Edges = FRegistryTables::RangeOf(BaseTables.FirstDependencies, Package);

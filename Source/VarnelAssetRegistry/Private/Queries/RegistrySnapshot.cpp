@@ -67,7 +67,7 @@ uint32 FRegistrySnapshot::FindNode(FName Name) const
 		return Node;
 	if (const uint32 OfPart = Node == NoId ? Overlay->Part->Names.FindNode(Name) : NoId; OfPart != NoId)
 		Node = Overlay->Nodes[OfPart];
-	return Node == NoId || FindPackage(Node).Row != NoId || !GetReferencers(Node).Nodes.empty() ? Node : NoId;
+	return IsKnown(Node) ? Node : NoId;
 }
 
 uint32 FRegistrySnapshot::FindNode(std::string_view Name) const
@@ -77,7 +77,12 @@ uint32 FRegistrySnapshot::FindNode(std::string_view Name) const
 		return Node;
 	if (const uint32 OfPart = Node == NoId ? Overlay->Part->Image->FindNode(Name) : NoId; OfPart != NoId)
 		Node = Overlay->Nodes[OfPart];
-	return Node == NoId || FindPackage(Node).Row != NoId || !GetReferencers(Node).Nodes.empty() ? Node : NoId;
+	return IsKnown(Node) ? Node : NoId;
+}
+
+bool FRegistrySnapshot::IsKnown(uint32 Node) const
+{
+	return Node != NoId && (FindPackage(Node).Row != NoId || !GetReferencers(Node).Nodes.empty());
 }
 
 FName FRegistrySnapshot::GetNodeName(uint32 Node) const

@@ -87,4 +87,8 @@ struct FRegistrySnapshot
 
 	TSharedPtr<const FRegistryPart> Base;
 	TSharedPtr<const FRegistryOverlay> Overlay; // null: nothing has changed
+
+private:
+	/** The node of the numbering has a file, or others refer to it; a change may have taken both away. */
+	bool IsKnown(uint32 Node) const;
 };

@@ -2,7 +2,6 @@
 
 #include "Scan/RegistryScan.h"
 
-#include <map>
 #include <mutex>
 #include <thread>
 

@@ -34,7 +34,7 @@ public:
 	FAssetPathView() = default;
 	explicit FAssetPathView(TSharedPtr<const FRegistrySnapshot> InSnapshot) : Snapshot(std::move(InSnapshot)) {}
 
-	/** Visits the assets that match, each once, ascending; not all of them once stopped, see Core/StopToken.h. */
+	/** Visits the assets that match, each once, in registry order; not all of them once stopped, see Core/StopToken.h. */
 	void Find(const FAssetPathQuery& Query, const std::function<void(FRange)>& Visit) const;
 
 	int32 NumAssets() const;

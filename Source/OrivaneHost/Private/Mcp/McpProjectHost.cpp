@@ -2,6 +2,7 @@
 
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Packages/Loader.h"
+#include "Quellar/Tools/AssetSearchOperation.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Tools/TimeOutAdvice.h"
 #include "Tools/ToolCaller.h"
@@ -21,10 +22,19 @@ TSharedPtr<FJsonObject> MakeAnyObjectSchema()
 	return Schema;
 }
 
-void RefreshProject()
+/** Packages, of which there are many, may be left for a later call by one that asks nothing about them. */
+EFolderLook ChooseLook(const Orivane::FToolCommand& Command)
+{
+	TSharedPtr<FJsonObject> Args;
+	const bool bTextsAlone = Command.ToolName == ToolNames::AssetSearch && Json::ParseObject(Command.ArgumentsJson, Args) &&
+		!FAssetSearchOperation::NeedsPackages(*Args);
+	return bTextsAlone ? EFolderLook::WithoutBulk : EFolderLook::All;
+}
+
+void RefreshProject(EFolderLook Look)
 {
 	FDiagnosticSink Faults;
-	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
+	if (FProject::Refresh(Faults, Look) && !Faults.GetSorted().IsEmpty())
 		Log::Write(LogMcp, ELogVerbosity::Warning, "files were read again, with faults; see: orivane check");
 }
 
@@ -103,10 +113,10 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 /** The executor answers on other threads or later, so an answer finds the executor's id stored: it waits for the lock. */
 void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 {
-	const auto BeforeStart = [WeakThis = weak_from_this(), Number]
+	const auto BeforeStart = [WeakThis = weak_from_this(), Number, Look = ChooseLook(Call.Command)]
 	{
 		if (const auto This = WeakThis.lock())
-			This->PrepareCall(Number);
+			This->PrepareCall(Number, Look);
 	};
 	Call.ExecutorId =
 		Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut, .BeforeStart = BeforeStart},
@@ -118,10 +128,10 @@ void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 }
 
 /** Objects go only when no tool may hold them. */
-void FMcpProjectHost::PrepareCall(FMcpCallNumber Number)
+void FMcpProjectHost::PrepareCall(FMcpCallNumber Number, EFolderLook Look)
 {
 	if (!Executor->IsAnyToolRunning())
-		RefreshProject();
+		RefreshProject(Look);
 	std::lock_guard Guard(Lock);
 	if (const auto Found = Calls.find(Number); Found != Calls.end())
 	{

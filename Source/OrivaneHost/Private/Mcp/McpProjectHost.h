@@ -53,7 +53,7 @@ private:
 	};
 
 	void Dispatch(FMcpCallNumber Number, FCall& Call);
-	void PrepareCall(FMcpCallNumber Number);
+	void PrepareCall(FMcpCallNumber Number, EFolderLook Look);
 	void OnCallAnswered(FMcpCallNumber Number, const Orivane::FToolResult& Result);
 	void Fail(const FCall& Call) const;
 

@@ -356,10 +356,10 @@ void SearchTextFiles(const FAssetSearchParams& Params, FOnAssetSearchComplete On
 	OnDone.ExecuteIfBound(Found);
 }
 
-void StartKeepingTextFiles(const TArray<FString>& UntoldFolders)
+void StartKeepingTextFiles(const TArray<FString>& UntoldFolders, EFolderWatchMode Mode)
 {
 	checkGameThread();
-	FTextStore::Get().Start(UntoldFolders);
+	FTextStore::Get().Start(UntoldFolders, Mode);
 }
 
 void StopKeepingTextFiles()

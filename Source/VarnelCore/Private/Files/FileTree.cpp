@@ -46,6 +46,8 @@ FFileTree FFileTree::List(FStringView Root, const FFileTreeOptions& Options)
 FFileTree FFileTree::FromPaths(FStringView Root, const std::vector<std::string_view>& RelativePaths)
 {
 	FFileTree Tree;
+	if (RelativePaths.empty()) // most searches of a project that is watched look at no file
+		return Tree;
 	Tree.Root = PathResolver::Open(Root, SecureOpen::ToPassFolder);
 	if (!Tree.Root.IsOpen())
 		return Tree;

@@ -100,6 +100,8 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 	FCall Call{
 		.Command = {FString::FromInt(static_cast<int64>(Number)), ToolName, ArgumentsJson}, .OnAnswer = std::move(OnAnswer)};
 	std::unique_lock Guard(Lock);
+	if (State == EState::Failed && Open)
+		OpenAgain();
 	if (State == EState::Failed)
 	{
 		Guard.unlock();
@@ -200,6 +202,24 @@ FMcpCallProgress FMcpProjectHost::GetCallProgress(FMcpCallNumber) const
 	if (State == EState::Opening)
 		return {.Text = "the project is being opened", .NumDone = Opening.NumDone, .NumTotal = Opening.NumTotal};
 	return {.Text = "the tool is running or queued after an earlier call"};
+}
+
+void FMcpProjectHost::OpenBy(std::function<void()> InOpen)
+{
+	Open = std::move(InOpen);
+	Open();
+}
+
+/** What was wrong may be mended by now. */
+void FMcpProjectHost::OpenAgain()
+{
+	State = EState::Opening;
+	AsyncTask(ENamedThreads::GameThread,
+		[WeakThis = weak_from_this()]
+		{
+			if (const auto This = WeakThis.lock())
+				This->Open();
+		});
 }
 
 void FMcpProjectHost::OnProjectOpened()

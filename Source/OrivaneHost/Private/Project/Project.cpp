@@ -16,6 +16,7 @@
 #include "Project/ProjectRegistry.h"
 #include "Project/ProjectWatch.h"
 #include "Project/UserFolders.h"
+#include "Quellar/Families/BlueprintFindUtils.h"
 #include "Quellar/Families/TextSearch.h"
 
 #include <cerrno>
@@ -175,6 +176,7 @@ void FProject::Close()
 	StopKeepingTextFiles();
 	PackageMemory::Forget();
 	SearchMemory::Forget();
+	FBlueprintFindUtils::Get().ClearResults();
 	UnloadAllLoadedPackages();
 	SetPackageLocator(nullptr);
 	FRegistryScanReport Report;
@@ -343,6 +345,7 @@ ERegistryUpdate RefreshPackages(const FOpenProject& Project, FDiagnosticSink& Di
 	const ERegistryUpdate Done = GetProjectRegistry().Update(Scan, Project.Changes.Files, Project.Changes.Folders, Report);
 	if (Done == ERegistryUpdate::Updated)
 	{
+		FBlueprintFindUtils::Get().ClearResults(); // they keep the registry's former image in memory
 		DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
 		RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);
 	}

@@ -151,7 +151,8 @@ expect "a path that is not there" 2 "preload: the project has no package or fold
 expect "settings with what they do" 0 'about +Additional directories to exclude' "$orivane" info --settings -p "$project"
 truncate -s 257M "$project/Docs/Huge.md"
 expect "a text file that is too large" 0 'Docs/Huge\.md: warning: .*256 MiB.* \[text-too-large\]' "$orivane" check -p "$project"
-expect "is not passed over in silence" 0 'warning: 1 text file.* Docs/Huge\.md' "$orivane" search Health -f Text -p "$project"
+expect "is not passed over in silence" 0 'orivane search: 1 file.* Docs/Huge\.md \(larger' "$orivane" search Health -f Text -p "$project"
+expect "by no way to search" 0 'Docs/Huge\.md \(larger' "$orivane" console -c 'Orivane.TextSearch term=Health' -p "$project"
 rm "$project/Docs/Huge.md"
 expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game
 

@@ -166,6 +166,8 @@ printf '{"varnel_package": 1, "assets": [{"name": "BT_Loop", "class": "/Script/E
 printf 'nonsense\n[Unclosed\n' >>"$project/Config/DefaultGame.ini"
 printf '{"varnel_script": 1, "classes": [{"name": "Odd", "super": "/Script/Engine.Nowhere"}]}' >"$project/Script/Odd.vscript"
 expect "faults are named with file, line and column" 1 'Content/Broken/Cut\.vasset:1:[0-9]+: error: .* \[' "$orivane" check -p "$project"
+printf '{"varnel_package": 1, "assets": [], "dependencies": [], "blueprint_index": [], "objects": [{{{]}' >"$project/Content/Broken/Bare.vasset"
+expect "of a package without assets too" 1 'Content/Broken/Bare\.vasset:1:[0-9]+: error: .* \[' "$orivane" check -p "$project"
 expect "a wrong version" 1 'Content/Broken/Version\.vasset:1:[0-9]+: error: .* \[package-version\]' "$orivane" check -p "$project"
 expect "a tree that holds itself" 1 'BT_Loop\.vasset: error: .* is below itself \[tree-cycle\]' "$orivane" check -p "$project"
 expect "and is searched all the same" 0 'BT_Loop  BehaviorTree' "$orivane" search BT_Loop -f BehaviorTree --object-memory 1 -p "$project"

@@ -231,10 +231,28 @@ for command in "search Health" "graph $hub" "paths BT_" "info" "info --dump-regi
 	[[ $command != *--help && $command != --version ]] || options=()
 	expect "$command on a full disk" 2 'cannot write to standard output: No space left on device' without full "$orivane" $command "${options[@]}"
 done
+printf '{"jsonrpc":"2.0","id":1,"method":"ping"}\n' >"$scratch/ping"
+from_ping() { "$@" <"$scratch/ping"; }
+expect "mcp on a full disk" 2 'cannot write to standard output: No space left on device' without full from_ping "$orivane" mcp -p "$project"
 expect "an output that is closed" 2 'cannot write to standard output' without output "$orivane" search Health -p "$project"
 head -c 70000 /dev/zero | tr '\0' x | cat - <(echo; echo help) | "$orivane" console -p "$project" >"$scratch/output" 2>&1
 [ $? -eq 2 ] && grep -q '64 KiB and was skipped' "$scratch/output" && grep -q Orivane.AssetSearch "$scratch/output" ||
 	{ echo "FAILED: a console line that is too long"; failures=$((failures + 1)); }
+
+few_files() (
+	ulimit -n "$1"
+	"${@:2}"
+)
+"$orivane" search e -p "$project" >"$scratch/all" 2>/dev/null
+for number in 5 6 7 8 9 10 11 12 13 14 16; do # where it has enough it answers as ever, where not it says so
+	few_files $number "$orivane" search e -p "$project" >"$scratch/few" 2>"$scratch/errors"
+	code=$?
+	few_files $number "$orivane" mcp -p "$project" >/dev/null 2>"$scratch/mcp" </dev/null
+	[ $? -le 2 ] || { echo "FAILED: a server with $number descriptors"; head -3 "$scratch/mcp"; failures=$((failures + 1)); }
+	{ [ $code -eq 0 ] && cmp -s "$scratch/all" "$scratch/few"; } ||
+		{ [ $code -eq 2 ] && grep -q 'too many files are open' "$scratch/errors"; } ||
+		{ echo "FAILED: with $number descriptors: exit $code"; head -3 "$scratch/errors"; failures=$((failures + 1)); }
+done
 
 # Sanitizers need room of their own: with them this says nothing.
 limited() (

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/time.h>
 #include <thread>
@@ -161,5 +162,8 @@ int RunMcp(const FMcpArguments& Arguments)
 		Host->OnProjectFailed(DescribeFailure(Failure));
 	}
 	RunGameThread(Ended.get_token());
-	return EExitCode::Found;
+	const int Error = Stdio.GetWriteError();
+	if (Error != 0)
+		Terminal::PrintError(FString("orivane mcp: cannot write to standard output: ") + std::strerror(Error) + "\n");
+	return Error == 0 ? EExitCode::Found : EExitCode::WrongUse;
 }

@@ -191,10 +191,16 @@ void FLiveRegistry::StartFold(const FRegistryScanOptions& Options)
 		[&Own = *Fold, Known = Base.Part->Image](std::stop_token Stop)
 		{
 			Own.Options.Stop = std::move(Stop);
-			FRegistryScanReport Report;
-			FRegistryScan Run(Own.Options, Own.ClassParents, Report, {.Known = Known, .Changed = &Own.Changed});
-			if (TSharedPtr<const FRegistryImage> Image = Run.Run())
-				Own.Result = {MakeShared<FRegistryPart>(std::move(Image), Own.Options), Run.TakeNamesWithoutRecord()};
+			try
+			{
+				FRegistryScanReport Report;
+				FRegistryScan Run(Own.Options, Own.ClassParents, Report, {.Known = Known, .Changed = &Own.Changed});
+				if (TSharedPtr<const FRegistryImage> Image = Run.Run())
+					Own.Result = {MakeShared<FRegistryPart>(std::move(Image), Own.Options), Run.TakeNamesWithoutRecord()};
+			}
+			catch (const std::exception&) // out of memory or descriptors: the overlay goes on growing until the next attempt
+			{
+			}
 			Own.bDone = true;
 		});
 }

@@ -156,6 +156,12 @@ expect "by no way to search" 0 'Docs/Huge\.md \(larger' "$orivane" console -c 'O
 rm "$project/Docs/Huge.md"
 expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game
 
+rm -rf "$project/Intermediate"
+touch "$project/Intermediate"
+expect "a cache that cannot be written" 0 "cache cannot be written.*: .*/Intermediate/AssetRegistry.cache \(.+\), .*\(.+\)" \
+	env XDG_CACHE_HOME=/dev/null "$orivane" paths BT_ -p "$project"
+rm "$project/Intermediate"
+
 mkdir -p "$project/Content/Broken"
 printf '{"varnel_package": 1, "assets": [' >"$project/Content/Broken/Cut.vasset"
 printf '{"varnel_package": 2, "assets": []}' >"$project/Content/Broken/Version.vasset"
@@ -175,7 +181,7 @@ expect "a settings line" 1 'Config/DefaultGame\.ini:[0-9]+:1: error: ' "$orivane
 expect "a script class without a parent" 1 'Script/Odd\.vscript:1:[0-9]+: error: .*Nowhere' "$orivane" check -p "$project"
 expect "faults as JSON" 1 '^\{"errors":[1-9][0-9]*,"warnings":' "$orivane" check --json -p "$project"
 expect "the rest is still found" 0 'DataTable' "$orivane" search Health -p "$project"
-expect "a search mentions the faults" 0 'orivane check' "$orivane" search Health -p "$project"
+expect "a search names the faults" 0 'fault\(s\) in project files.*: Config/DefaultGame\.ini:[0-9]+:1: error: .*; see: orivane check' "$orivane" search Health -p "$project"
 
 
 [ -n "$(cd "$project/Docs" && "$orivane" search Health 2>/dev/null)" ] || { echo "FAILED: found upward"; failures=$((failures + 1)); }

@@ -273,6 +273,7 @@ TEST(RegistryCache, UsesTheFirstFolderThatWorks)
 	EXPECT_FALSE(Nowhere.bCacheWritten);
 	EXPECT_EQ(Nowhere.CacheFile.View(), "");
 	EXPECT_EQ(Nowhere.CacheState.View(), "created; no cache folder can be written");
+	EXPECT_EQ(Nowhere.CacheError, Project.Folder.Path("File/Intermediate/AssetRegistry.cache") + " (Not a directory)");
 }
 
 TEST(RegistryCache, AReadOnlyFolderFallsToTheNext)

@@ -102,7 +102,7 @@ void OpenProjectForServer(const FProjectOptions& Options, std::stop_token Stop, 
 		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Opening.Error);
 		return Host.OnProjectFailed(Opening.Error);
 	}
-	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark})
+	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark, Opening.CacheRemark})
 	{
 		if (!Remark.IsEmpty())
 			Log::Write(LogMcp, ELogVerbosity::Warning, Remark);

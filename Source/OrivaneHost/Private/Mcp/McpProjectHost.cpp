@@ -2,6 +2,7 @@
 
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Packages/Loader.h"
+#include "Project/OpenProject.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Tools/TimeOutAdvice.h"
 #include "Tools/ToolCaller.h"
@@ -19,13 +20,6 @@ TSharedPtr<FJsonObject> MakeAnyObjectSchema()
 	auto Schema = MakeShared<FJsonObject>();
 	Schema->SetStringField("type", "object");
 	return Schema;
-}
-
-void RefreshProject()
-{
-	FDiagnosticSink Faults;
-	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
-		Log::Write(LogMcp, ELogVerbosity::Warning, "files were read again, with faults; see: orivane check");
 }
 
 TArray<FString> ListNarrowingArguments(const FToolDeclaration& Tool)
@@ -121,7 +115,10 @@ void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 void FMcpProjectHost::PrepareCall(FMcpCallNumber Number)
 {
 	if (!Executor->IsAnyToolRunning())
-		RefreshProject();
+	{
+		if (const FString Faults = RefreshOpenProject(); !Faults.IsEmpty())
+			Log::Write(LogMcp, ELogVerbosity::Warning, Faults);
+	}
 	std::lock_guard Guard(Lock);
 	if (const auto Found = Calls.find(Number); Found != Calls.end())
 	{

@@ -5,7 +5,9 @@
 #include "Scan/RegistryCache.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <utility>
 
 namespace
@@ -284,10 +286,17 @@ void FRegistryScan::WriteCache(const FRegistryImage& Image)
 	{
 		const FRegistryCache Cache(Options.ProjectFolder, Folder);
 		if (!Cache.Write(Image))
+		{
+			Report.CacheError += Report.CacheError.IsEmpty() ? "" : ", ";
+			Report.CacheError += Cache.GetFileName() + " (" + FString::FromExternal(std::strerror(errno)) + ")";
 			continue;
+		}
+		Report.CacheError = {};
 		Report.bCacheWritten = true;
 		Report.CacheFile = Cache.GetFileName();
 		return;
 	}
 	Report.CacheState += "; no cache folder can be written";
+	if (Report.CacheError.IsEmpty())
+		Report.CacheError = "there is no folder for it";
 }

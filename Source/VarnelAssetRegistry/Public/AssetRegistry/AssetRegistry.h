@@ -51,6 +51,7 @@ struct FRegistryScanReport
 	bool bCacheUsed = false;
 	bool bCacheWritten = false;
 	FString CacheFile;	// where it was read from or written to; "" when nowhere
+	FString CacheError; // why it could not be written anywhere, for people; "" when it was, or needed not be
 	FString CacheState; // one phrase for people: "up to date", "updated (12 files)", "rebuilt: damaged", ...
 	double ListSeconds = 0;
 	double ParseSeconds = 0;

@@ -35,9 +35,11 @@ FAssetSearchParams MakeTextParams(const std::string& Term)
 
 std::string SearchAndRender(FTestProject& Project, const FAssetSearchParams& Params)
 {
-	const std::string Found = RenderAssets(Project.Search(Params));
-	const FTextSearchGaps& Gaps = GetTextSearchGaps();
-	return Found + "; too large: " + Join(Gaps.TooLarge) + "; unreadable: " + Join(Gaps.Unreadable);
+	const FAssetSearchResult Found = Project.Search(Params);
+	std::string Text = RenderAssets(Found);
+	for (const FUnreadFile& File : Found.Unread)
+		Text += "; " + File.Path.ToStdString() + " " + std::to_string(static_cast<int>(File.Reason));
+	return Text;
 }
 
 /** A project whose texts are kept, until the test ends. */

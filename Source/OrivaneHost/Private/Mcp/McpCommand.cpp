@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/time.h>
 #include <thread>
@@ -102,7 +103,7 @@ try
 		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Opening.Error);
 		return Host.OnProjectFailed(Opening.Error);
 	}
-	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark})
+	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark, Opening.CacheRemark})
 	{
 		if (!Remark.IsEmpty())
 			Log::Write(LogMcp, ELogVerbosity::Warning, Remark);
@@ -159,5 +160,8 @@ int RunMcp(const FMcpArguments& Arguments)
 		});
 	Host->OpenBy([&] { OpenProjectForServer(Arguments.Project, Ended.get_token(), *Host); });
 	RunGameThread(Ended.get_token());
-	return EExitCode::Found;
+	const int Error = Stdio.GetWriteError();
+	if (Error != 0)
+		Terminal::PrintError(FString("orivane mcp: cannot write to standard output: ") + std::strerror(Error) + "\n");
+	return Error == 0 ? EExitCode::Found : EExitCode::WrongUse;
 }

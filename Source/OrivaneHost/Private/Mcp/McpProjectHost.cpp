@@ -2,6 +2,7 @@
 
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Packages/Loader.h"
+#include "Project/OpenProject.h"
 #include "Quellar/Tools/AssetSearchOperation.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Tools/TimeOutAdvice.h"
@@ -29,13 +30,6 @@ EFolderLook ChooseLook(const Orivane::FToolCommand& Command)
 	const bool bTextsAlone = Command.ToolName == ToolNames::AssetSearch && Json::ParseObject(Command.ArgumentsJson, Args) &&
 		!FAssetSearchOperation::NeedsPackages(*Args);
 	return bTextsAlone ? EFolderLook::WithoutBulk : EFolderLook::All;
-}
-
-void RefreshProject(EFolderLook Look)
-{
-	FDiagnosticSink Faults;
-	if (FProject::Refresh(Faults, Look) && !Faults.GetSorted().IsEmpty())
-		Log::Write(LogMcp, ELogVerbosity::Warning, "files were read again, with faults; see: orivane check");
 }
 
 TArray<FString> ListNarrowingArguments(const FToolDeclaration& Tool)
@@ -133,7 +127,10 @@ void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 void FMcpProjectHost::PrepareCall(FMcpCallNumber Number, EFolderLook Look)
 {
 	if (!Executor->IsAnyToolRunning())
-		RefreshProject(Look);
+	{
+		if (const FString Faults = RefreshOpenProject(Look); !Faults.IsEmpty())
+			Log::Write(LogMcp, ELogVerbosity::Warning, Faults);
+	}
 	std::lock_guard Guard(Lock);
 	if (const auto Found = Calls.find(Number); Found != Calls.end())
 	{

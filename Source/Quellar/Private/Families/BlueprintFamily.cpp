@@ -85,6 +85,7 @@ private:
 	const FOnAssetSearchComplete OnDone;
 	const std::stop_token StopToken = GetStopToken();
 	int32 TotalHits = 0;					   // of the index and of widgets; names do not count
+	TArray<FUnreadFile> Unread;				   // of the packages with widgets
 	TMap<FString, FAssetResult> IndexResults;  // by object path
 	TMap<FString, FAssetResult> ObjectResults; // by object path: those with widgets, then those found by their names alone
 };
@@ -137,7 +138,7 @@ void FBlueprintSearch::Finish()
 void FBlueprintSearch::Report()
 {
 	const FStopScope Scope(StopToken);
-	FAssetSearchResult Found;
+	FAssetSearchResult Found{.Unread = Unread};
 	for (const auto& [Path, Result] : IndexResults)
 	{
 		if (!Result.Hits.IsEmpty())
@@ -166,6 +167,7 @@ void FBlueprintSearch::ReadWidgets()
 		FAssetResult Result = MakeResult(Asset);
 		FHitSink Hits(Result, Params, TotalHits);
 		Read(Result, Hits);
+		Scan.AddIfUnread(Unread);
 		if (Hits.HasHits())
 			ObjectResults.Add(Asset.GetObjectPathString(), std::move(Result));
 	}

@@ -92,7 +92,14 @@ TEST_F(SampleAnswers, OfDrawings)
 	FGraphPicture Picture;
 	Call("explore_asset_graph", Hub,
 		[&Picture](const Orivane::FToolResult& Result)
-		{ Picture = MakeGraphPicture(*ToolOutput::GetContent(Result), "Blueprint"); });
+		{
+			Picture = MakeGraphPicture({.Content = ToolOutput::GetContent(Result),
+				.FindClass = [](const FString& Package) -> FString {
+					return Package.Contains("/SK_") ? "SkeletalMesh" : Package.Contains("/BP_") ? "Blueprint" : "";
+				},
+				.Missing = {},
+				.Notes = {"more \"qualify\""}});
+		});
 	ExpectGolden("Sample/graph.dot", GraphDrawing::WriteDot(Picture).View());
 	ExpectGolden("Sample/graph.mermaid", GraphDrawing::WriteMermaid(Picture).View());
 

@@ -85,10 +85,14 @@ expect "arguments beside calls from standard input" 2 'come from standard input'
 expect "calls need a project" 3 'cannot open the project' "$orivane" call - -p "$scratch/empty"
 
 hub=/Game/Characters/BP_LanternCharacter
-expect "a graph is a tree" 0 '^└─ /Game/Data/Tables/DT_Weapons  DataTable  Runtime$' "$orivane" graph $hub -p "$project"
-expect "the second level is indented" 0 '^│  └─ /Game/Data/Enums/E_DamageKind  Enum  Runtime$' "$orivane" graph $hub --depth 2 -p "$project"
+expect "a graph is a tree" 0 '^└─ /Game/Data/Tables/DT_Weapons  DataTable  Runtime$' "$orivane" graph $hub --high-signal -p "$project"
+expect "the second level is indented" 0 '^│  └─ /Game/Data/Enums/E_DamageKind  Enum  Runtime$' "$orivane" graph $hub --depth 2 --high-signal -p "$project"
+expect "all kinds by default, with their classes" 0 '^├─ /Game/Audio/SW_LampIgnite  uasset \(SoundWave\)  Runtime$' "$orivane" graph $hub -p "$project"
+expect "what a short form leaves out" 0 '^9 more dependencies of other kinds: uasset 8, NiagaraSystem 1; --all-kinds shows them$' "$orivane" graph $hub --high-signal -p "$project"
+expect "a dependency that does not exist" 0 '^└─ /Game/Legacy/DT_OldPrices  missing$' "$orivane" graph /Game/Data/Tables/DT_Items -p "$project"
+expect "which cap struck a search" 0 '^more assets match: DataTable 7; raise --max-per-type \(2\)$' "$orivane" search e --family DataTable --max-per-type 2 -p "$project"
 expect "both directions have headings with numbers" 0 '^referred to by: [0-9]+ relations \(.*; Runtime [0-9]+' "$orivane" graph $hub -r both -p "$project"
-expect "a cut tree says so" 0 '^truncated at 2 relations' "$orivane" graph $hub --max-nodes 2 -p "$project"
+expect "a cut tree says so" 0 "^more dependencies qualify; raise --max-nodes \(2\)$" "$orivane" graph $hub --max-nodes 2 -p "$project"
 expect "the payload of a graph" 0 '^\{"root":"/Game/Characters/BP_LanternCharacter","direction":"Referencers"' "$orivane" graph $hub -r REFERENCERS --json -p "$project"
 expect "a drawing for Graphviz" 0 '^\s*n0 -> n1 \[color=' "$orivane" graph $hub --format dot -p "$project"
 expect "a drawing for Markdown" 0 '^\s*n0 --> n1$' "$orivane" graph $hub --format mermaid -p "$project"
@@ -151,7 +155,7 @@ expect "a path that is not there" 2 "preload: the project has no package or fold
 expect "settings with what they do" 0 'about +Additional directories to exclude' "$orivane" info --settings -p "$project"
 truncate -s 257M "$project/Docs/Huge.md"
 expect "a text file that is too large" 0 'Docs/Huge\.md: warning: .*256 MiB.* \[text-too-large\]' "$orivane" check -p "$project"
-expect "is not passed over in silence" 0 'orivane search: 1 file.* Docs/Huge\.md \(larger' "$orivane" search Health -f Text -p "$project"
+expect "is not passed over in silence" 0 '^1 file.* Docs/Huge\.md \(larger' "$orivane" search Health -f Text -p "$project"
 expect "by no way to search" 0 'Docs/Huge\.md \(larger' "$orivane" console -c 'Orivane.TextSearch term=Health' -p "$project"
 rm "$project/Docs/Huge.md"
 expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game

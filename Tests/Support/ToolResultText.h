@@ -14,7 +14,21 @@ inline std::string RenderMessages(const Orivane::FToolResult& Result)
 	return Text;
 }
 
-/** Everything that the result holds, a line each: messages behind the number of their type, then payloads. */
+/** "more match [max_nodes=1]", a line each. */
+inline std::string RenderRemarks(const Orivane::FToolResult& Result)
+{
+	std::string Text;
+	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
+	{
+		Text += Remark.Text.ToStdString();
+		for (const FString& Name : Remark.Names)
+			Text += " " + Name.ToStdString();
+		Text += (Remark.Argument.IsEmpty() ? "" : " [" + Remark.Argument + "=" + Remark.Value + "]").ToStdString() + "\n";
+	}
+	return Text;
+}
+
+/** Everything that the result holds but remarks, a line each: messages behind the number of their type, then payloads. */
 inline std::string RenderResult(const Orivane::FToolResult& Result)
 {
 	std::string Text;

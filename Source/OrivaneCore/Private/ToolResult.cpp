@@ -32,6 +32,12 @@ FToolResult& FToolResult::SetData(const FString& Key, const TSharedPtr<FJsonObje
 	return *this;
 }
 
+FToolResult& FToolResult::AddRemark(FToolRemark Remark)
+{
+	Remarks.Add(std::move(Remark));
+	return *this;
+}
+
 bool FToolResult::HasErrors() const
 {
 	return Messages.ContainsByPredicate([](const FToolMessage& Message) { return Message.Type == EToolMessage::Error; });

@@ -5,15 +5,18 @@
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
+#include <functional>
+
 namespace
 {
-std::string Execute(const std::string& ArgumentsJson)
+std::string Execute(
+	const std::string& ArgumentsJson, const std::function<std::string(const Orivane::FToolResult&)>& Render = RenderResult)
 {
 	TSharedPtr<FJsonObject> Args;
 	EXPECT_TRUE(Json::ParseObject(ArgumentsJson, Args)) << ArgumentsJson;
 	Orivane::FToolResult Result({"1", "explore_asset_graph", ArgumentsJson});
 	FAssetGraphOperation::Execute(*Args, Result);
-	return RenderResult(Result);
+	return Render(Result);
 }
 
 /** The messages alone. */
@@ -96,6 +99,42 @@ TEST(AssetGraphOperation, ReadsItsArguments)
 		"\n"))
 		<< OfTextFile;
 	EXPECT_EQ(Execute(R"({"asset_path": "/Game/Gone"})").find("content="), std::string::npos);
+}
+
+TEST(AssetGraphOperation, RemarksWhatIsLeftOut)
+{
+	FTestProject Project;
+	Project.Links("/Game/Map", {"Map World"},
+		{"/Game/T_A", "/Game/T_B", "/Game/M_A", "/Game/Hero", "/Game/Hub", "/Game/Gone", "/Script/Engine", "/Game/Saved/BP_Old"});
+	Project.Links("/Game/T_A", {"T_A Texture2D"}, {})
+		.Links("/Game/T_B", {"T_B Texture2D"}, {})
+		.Links("/Game/M_A", {"M_A Material"}, {});
+	Project.Links("/Game/Hero", {"Hero Blueprint"}, {"/Game/T_A", "/Game/Gone", "/Game/Lost"});
+	Project.Links("/Game/Hub", {"Hub Blueprint"}, {"/Game/T_A", "/Game/T_B", "/Game/M_A", "/Game/Hero"});
+	Project.Links("/Game/Saved/BP_Old", {"BP_Old Blueprint"}, {});
+	Project.Open();
+	const TCase<> Cases[] = {
+		{"low signal, excluded folders, missing packages", R"({"asset_path": "/Game/Map"})",
+			"3 more dependencies of other kinds: uasset 2, Material 1 [high_signal_only=false]\n"
+			"1 more dependency in folders or plugins that the settings exclude\n"
+			"1 dependency does not exist /Game/Gone\n"},
+		{"each once, however many need it", R"({"asset_path": "/Game/Map", "depth": 2, "high_signal_only": false})",
+			"1 more dependency in folders or plugins that the settings exclude\n"
+			"2 dependencies do not exist /Game/Gone /Game/Lost\n"},
+		{"packages that were not walked through",
+			R"({"asset_path": "/Game/Map", "depth": 2, "high_signal_only": false, "max_fanout_per_node": 3, "max_nodes": 9})",
+			"1 package with many neighbours not walked through [max_fanout_per_node=3]\n"
+			"1 more dependency in folders or plugins that the settings exclude\n"
+			"2 dependencies do not exist /Game/Gone /Game/Lost\n"},
+		{"the budget", R"({"asset_path": "/Game/Map", "max_nodes": 1, "high_signal_only": false})",
+			"more dependencies qualify [max_nodes=1]\n"},
+		{"both directions", R"({"asset_path": "/Game/Hero", "relation": "Both"})",
+			"1 more dependency of other kinds: uasset 1 [high_signal_only=false]\n"
+			"2 dependencies do not exist /Game/Gone /Game/Lost\n"},
+		{"nothing", R"({"asset_path": "/Game/T_A", "relation": "Dependencies"})", ""},
+	};
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Execute(Case.Given, RenderRemarks), Case.Expected);
 }
 
 TEST(AssetGraphOperation, WritesTheConsoleDocument)

@@ -12,7 +12,8 @@
 
 namespace
 {
-std::string Execute(FTestProject& Project, const std::string& ArgumentsJson)
+std::string Execute(FTestProject& Project, const std::string& ArgumentsJson,
+	const std::function<std::string(const Orivane::FToolResult&)>& Render = RenderResult)
 {
 	Project.Open();
 	TSharedPtr<FJsonObject> Args;
@@ -27,7 +28,7 @@ std::string Execute(FTestProject& Project, const std::string& ArgumentsJson)
 		});
 	FGameThread::Get().RunUntil([&] { return NumCompletions > 0; }, std::chrono::seconds(60));
 	EXPECT_EQ(NumCompletions, 1);
-	return RenderResult(Result);
+	return Render(Result);
 }
 }
 
@@ -109,19 +110,39 @@ TEST(AssetSearchOperation, NamesWhatCouldNotBeSearched)
 		std::filesystem::resize_file(Project.GetFolder().GetRoot() + "/" + File, FFileHelper::MaxTextFileBytes + 1); // a hole
 	}
 	const TCase<> Cases[] = {
-		{"a package", "DataTable", "1 1 file(s) or folder(s) could not be searched: /Game/DT_Faulty (cannot be loaded); "},
-		{"the same for the next search, which does not try to load it", "DataTable", "1 1 file(s) or folder(s) "},
+		{"a package", "DataTable", "1 file(s) or folder(s) could not be searched: /Game/DT_Faulty (cannot be loaded); "},
+		{"the same for the next search, which does not try to load it", "DataTable", "1 file(s) or folder(s) "},
 		{"the first of many texts", "Text",
-			"1 3 file(s) or folder(s) could not be searched: Docs/a.md (larger than 256 MiB), Docs/b.md (larger than 256 MiB), "
+			"3 file(s) or folder(s) could not be searched: Docs/a.md (larger than 256 MiB), Docs/b.md (larger than 256 MiB), "
 			"Docs/c.md (larger than 256 MiB); orivane check names all"},
 		{"all families together", "Text\", \"DataTable\", \"Struct", "Docs/b.md (larger than 256 MiB), ...; orivane check"},
 	};
 	for (const auto& Case : Traced(Cases))
 	{
-		const std::string Result =
-			Execute(Project, R"({"term": "Health", "include_asset_families": [")" + std::string(Case.Given) + "\"]}");
+		const std::string Result = Execute(
+			Project, R"({"term": "Health", "include_asset_families": [")" + std::string(Case.Given) + "\"]}", RenderRemarks);
 		EXPECT_NE(Result.find(Case.Expected), std::string::npos) << Result;
 	}
+}
+
+TEST(AssetSearchOperation, RemarksWhichCapStruck)
+{
+	FTestProject Project;
+	for (const std::string Name : {"A", "B", "C"})
+	{
+		Project.Table("/Game/DT_" + Name, "Row").Column("Health", "int");
+		Project.File("Docs/" + Name + ".md", "Health");
+	}
+	const TCase<> Cases[] = {
+		{"nothing left out", R"({"term": "Health"})", ""},
+		{"by type", R"({"term": "Health", "max_hits_per_asset_type": 2})",
+			"more assets match: Text 1, DataTable 1 [max_hits_per_asset_type=2]\n"},
+		{"in all, where each family ends by itself too", R"({"term": "Health", "max_total_hits": 3})",
+			"more assets match: 3 [max_total_hits=3]\n"
+			"more may match in Text, DataTable, where the search ended after so many hits [max_total_hits=3]\n"},
+	};
+	for (const auto& Case : Traced(Cases))
+		EXPECT_EQ(Execute(Project, Case.Given, RenderRemarks), Case.Expected);
 }
 
 TEST(AssetSearchOperation, LeavesOutWhatIsGone)

@@ -25,6 +25,15 @@ struct FToolMessage
 	FString Text;
 };
 
+/** What an answer leaves out. The host tells it, in words that fit the caller: each kind knows an argument by another name. */
+struct FToolRemark
+{
+	FString Text;		   // "at least 12 more assets match"; no full stop
+	FString Argument;	   // key of the tool's argument that shows more; "" where none does
+	FString Value;		   // of the argument: a cap's in this call, or what a flag is to be set to
+	TArray<FString> Names; // of what is left out, where they are known
+};
+
 /** What a tool hands back: messages in the order in which they were added, and payloads by key. A call has failed when it holds
  * an error. One thread at a time. */
 class FToolResult
@@ -44,12 +53,17 @@ public:
 	/** The same for serialized JSON, which is read again where the answer is written as JSON; any other text becomes a string. */
 	FToolResult& SetData(const FString& Key, const FString& Value);
 
+	/** For the host; not among the messages. */
+	FToolResult& AddRemark(FToolRemark Remark);
+
 	bool HasErrors() const;
 	const TArray<FToolMessage>& GetMessages() const { return Messages; }
 	const TMap<FString, FPayload>& GetData() const { return Data; }
+	const TArray<FToolRemark>& GetRemarks() const { return Remarks; }
 
 private:
 	TArray<FToolMessage> Messages;
 	TMap<FString, FPayload> Data;
+	TArray<FToolRemark> Remarks;
 };
 }

@@ -43,10 +43,10 @@ constexpr const char* SearchExamples = R"(Examples:
 
 constexpr const char* GraphExamples = R"(ASSET is a long package name, an object path, or the file of a package.
 Examples:
-  orivane graph /Game/Maps/L_Village
-  orivane graph /Game/Data/DT_Items --relation referencers --depth 2
-  orivane graph Content/UI/W_MainMenu.vasset --relation both --all-kinds --format html -o graph.html
-  orivane graph /Game/Maps/L_Village --format dot | dot -Tsvg -o graph.svg
+  orivane graph /Game/Maps/L_Harbour
+  orivane graph /Game/Data/Tables/DT_Weapons --relation referencers --depth 2
+  orivane graph Content/UI/WBP_MainMenu.vasset --relation both --high-signal --format html -o graph.html
+  orivane graph /Game/Maps/L_Harbour --format dot | dot -Tsvg -o graph.svg
 
 Runtime links are needed by the game, Editor links by the editor alone. Siblings come out newest first.)";
 
@@ -187,8 +187,15 @@ CLI::Option* AddToolArgument(CLI::App& App, const FToolArgument& Argument, const
 	const auto Key = Argument.Key;
 	const char* const Names = Argument.Shell.Names;
 	if (!Argument.Shell.FlagValue.IsNull())
-		return App.add_flag_callback(
-			Names, [Out, Key, Value = Argument.Shell.FlagValue] { Out->SetField(Key, Value); }, Help);
+	{
+		const auto Take = [Out, Key, Value = Argument.Shell.FlagValue] { Out->SetField(Key, Value); };
+		CLI::Option* const Flag = App.add_flag_callback(Names, Take, Help);
+		if (!*Argument.Shell.OffNames)
+			return Flag;
+		Take();
+		const auto TakeOther = [Out, Key, Value = Argument.Default] { Out->SetField(Key, Value); };
+		return App.add_flag_callback(Argument.Shell.OffNames, TakeOther, Argument.Shell.OffHelp)->excludes(Flag);
+	}
 	if (Argument.Type == EToolArgument::Integer)
 		return AddInteger(App, Argument, Out, Help);
 	if (Argument.Type == EToolArgument::TextList)

@@ -91,8 +91,11 @@ int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Argu
 		FResultPrinter Printer(Terminal::UsesColor(Arguments.Color));
 		for (const FJsonValue& Asset : Assets)
 			Printer.PrintAsset(*Asset.AsObject());
-		Terminal::Print(Printer.GetOutput() + FString::Printf("%d asset(s)\n", Assets.Num()));
+		Terminal::Print(Printer.GetOutput());
 	}
+	if (!Arguments.bJson)
+		Terminal::PrintError(FString::Printf("%d %s\n", Assets.Num(), Assets.Num() == 1 ? "asset" : "assets") +
+			DescribeRemarks(ToolNames::AssetSearch, Result));
 	return Assets.IsEmpty() ? EExitCode::NotFound : EExitCode::Found;
 }
 }

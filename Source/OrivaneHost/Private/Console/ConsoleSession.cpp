@@ -9,26 +9,20 @@
 #include "CoreObject/Packages/Loader.h"
 #include "Project/PackageMemory.h"
 #include "Project/Project.h"
+#include "Quellar/Tools/AssetSearchOperation.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/StopTimer.h"
 #include "Terminal/Terminal.h"
 #include "Tools/TimeOutAdvice.h"
 #include "Tools/ToolOutput.h"
+#include "Tools/ToolRemarks.h"
 
 #include <algorithm>
 
 namespace
 {
 constexpr int32 MaxListed = 10; // assets named on the screen; the file holds all
-
-FString DescribeCounts(const TMap<FString, int32>& Counts)
-{
-	TArray<FString> Texts;
-	for (const auto& [Name, Number] : Counts)
-		Texts.Add(Terminal::Sanitize(Name) + " " + FString::FromInt(Number));
-	return FString::Join(Texts, ", ");
-}
 
 FString MakeRelativeToProject(const FString& File)
 {
@@ -48,8 +42,7 @@ FString Summarize(const FAssetSearchResult& Found)
 		NumHits += Asset.Hits.Num();
 	}
 	FString Text = FString::Printf("%d asset(s), %d hit(s)", Found.Results.Num(), NumHits);
-	Text += FString(Kinds.IsEmpty() ? "" : ": ") + DescribeCounts(Kinds) +
-		(Found.bTruncated ? " (more were left out; raise max=)\n" : "\n");
+	Text += FString(Kinds.IsEmpty() ? "" : ": ") + Terminal::Sanitize(DescribeCounts(Kinds)) + "\n";
 	for (int32 Index = 0; Index < std::min(Found.Results.Num(), MaxListed); ++Index)
 	{
 		const FAssetResult& Asset = Found.Results[Index];
@@ -176,9 +169,10 @@ void FConsoleSession::OnSearchFinished(const FConsoleSearches::FReport& Report)
 		LastExitCode = EExitCode::WrongUse;
 		Terminal::PrintError(FString("cannot write ") + File + "\n");
 	}
-	if (const FString Unread = DescribeUnread(Report.Found.Unread); !Unread.IsEmpty())
-		Terminal::PrintError(Terminal::Sanitize(Unread) + "\n");
 	Terminal::Print((Report.bWritten ? File + "\n" : FString()) + Summarize(Report.Found));
+	for (const Orivane::FToolRemark& Remark : FAssetSearchOperation::MakeRemarks(Report.Params, Report.Found))
+		Terminal::PrintError(
+			Terminal::Sanitize(DescribeRemarkForConsole(Remark, *FindToolDeclaration(ToolNames::AssetSearch))) + "\n");
 }
 
 int FConsoleSession::RunHelp(const TArray<FString>& Args)

@@ -5,10 +5,9 @@
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
-#include "Quellar/Families/AssetFamily.h"
-#include "Quellar/Graph/AssetGraphService.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Terminal/ExitCode.h"
+#include "Tools/ToolRemarks.h"
 
 namespace
 {
@@ -24,21 +23,22 @@ FString GetAsset(const FGraphArguments& Arguments)
 	return Asset;
 }
 
-int32 GetMaxNodes(const FGraphArguments& Arguments)
+/** Short name; "" for a package without assets. */
+FString FindClass(const FString& Package)
 {
-	int32 MaxNodes = FExploreAssetGraphParams().MaxNodes;
-	Arguments.Tool->TryGetNumberField("max_nodes", MaxNodes);
-	return MaxNodes;
+	FAssetData Asset;
+	return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
 }
 
-/** The answer does not tell what the root is. */
-FString GetRootKind(const FJsonObject& Content)
+FGraphAnswer MakeAnswer(const Orivane::FToolResult& Result, TSharedPtr<FJsonObject> Content)
 {
-	FString Root;
-	Content.TryGetStringField("root", Root);
-	FAssetData Asset;
-	return AssetPathUtils::GetRepresentativeAsset(Root, Asset) ? AssetTypeFromClassName(Asset.AssetClassPath.AssetName)
-															   : FString();
+	FGraphAnswer Answer{.Content = std::move(Content), .FindClass = FindClass};
+	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
+	{
+		Answer.Missing.Append(Remark.Names);
+		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindToolDeclaration(ToolNames::AssetGraph))));
+	}
+	return Answer;
 }
 
 /** "hero", "Hero.vasset" and "/Game/Old/Hero.Hero" all name assets called Hero. */
@@ -71,24 +71,23 @@ bool IsStandardOutput(const FString& File)
 	return File.IsEmpty() || File.View() == "-";
 }
 
-FString Render(const FJsonObject& Content, const FGraphArguments& Arguments)
+FString Render(const FGraphAnswer& Answer, const FGraphArguments& Arguments)
 {
-	const FString RootKind = GetRootKind(Content);
 	switch (Arguments.Format)
 	{
 		case EGraphFormat::Json:
-			return Json::Write(Content) + "\n";
+			return Json::Write(*Answer.Content) + "\n";
 		case EGraphFormat::Dot:
-			return GraphDrawing::WriteDot(MakeGraphPicture(Content, RootKind));
+			return GraphDrawing::WriteDot(MakeGraphPicture(Answer));
 		case EGraphFormat::Mermaid:
-			return GraphDrawing::WriteMermaid(MakeGraphPicture(Content, RootKind));
+			return GraphDrawing::WriteMermaid(MakeGraphPicture(Answer));
 		case EGraphFormat::Html:
-			return GraphDrawing::WriteHtml(MakeGraphPicture(Content, RootKind));
+			return GraphDrawing::WriteHtml(MakeGraphPicture(Answer));
 		case EGraphFormat::Tree:
 			break;
 	}
 	const bool bColor = Terminal::UsesColor(Arguments.Color) && IsStandardOutput(Arguments.OutputFile);
-	return RenderGraphTree(Content, RootKind, GetMaxNodes(Arguments), FPainter(bColor));
+	return RenderGraphTree(Answer, FPainter(bColor));
 }
 
 /** False after saying why. */
@@ -107,8 +106,7 @@ bool Write(const FString& Text, const FGraphArguments& Arguments)
 int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Arguments)
 {
 	const TSharedPtr<FJsonObject> Content = GetContent(Result);
-	if (!Content || Arguments.Format != EGraphFormat::Tree) // the tree says itself when it is cut
-		PrintProblems("graph", Result);
+	PrintProblems("graph", Result);
 	if (!Content)
 	{
 		PrintSuggestions(GetAsset(Arguments));
@@ -119,8 +117,10 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(GetAsset(Arguments)) + "' is not a package\n");
 		return EExitCode::NotFound;
 	}
-	if (!Write(Render(*Content, Arguments), Arguments))
+	if (!Write(Render(MakeAnswer(Result, Content), Arguments), Arguments))
 		return EExitCode::WrongUse;
+	if (Arguments.Format == EGraphFormat::Json) // the others say it themselves
+		Terminal::PrintError(DescribeRemarks(ToolNames::AssetGraph, Result));
 	const bool bFound = !GetArray(*Content, "relations").IsEmpty() || !GetArray(*Content, "dependencies").IsEmpty() ||
 		!GetArray(*Content, "referencers").IsEmpty();
 	return bFound ? EExitCode::Found : EExitCode::NotFound;

@@ -8,6 +8,10 @@ namespace
 {
 constexpr const char* RuntimeColor = "#3b6fd4";
 constexpr const char* EditorColor = "#c07a1e";
+// What viewers take by default.
+constexpr int32 MaxMermaidLinks = 500;
+constexpr int64 MaxMermaidBytes = 50'000;
+constexpr int64 MermaidTailBytes = 4'000; // for classes and notes
 
 FString GetLabel(const FGraphPicture::FNode& Node)
 {
@@ -50,6 +54,7 @@ TSharedPtr<FJsonObject> MakeNodeJson(const FGraphPicture::FNode& Node)
 	Json->SetStringField("path", Node.Path);
 	Json->SetStringField("label", GetLabel(Node));
 	Json->SetStringField("kind", Node.Kind);
+	Json->SetStringField("described", DescribeKind(Node.Kind, Node.Class));
 	Json->SetStringField("color", GetAssetTypeColor(Node.Kind));
 	Json->SetNumberField("level", Node.Level);
 	return Json;
@@ -75,7 +80,10 @@ TSharedPtr<FJsonObject> MakePictureJson(const FGraphPicture& Picture)
 	auto Json = MakeShared<FJsonObject>();
 	Json->SetArrayField("nodes", std::move(Nodes));
 	Json->SetArrayField("links", std::move(Links));
-	Json->SetBoolField("truncated", Picture.bTruncated);
+	FJsonArray Notes;
+	for (const FString& Note : Picture.Notes)
+		Notes.Add(Note);
+	Json->SetArrayField("notes", std::move(Notes));
 	return Json;
 }
 }
@@ -89,41 +97,85 @@ FString GraphDrawing::WriteDot(const FGraphPicture& Picture)
 	for (int32 Index = 0; Index < Picture.Nodes.Num(); ++Index)
 	{
 		const FGraphPicture::FNode& Node = Picture.Nodes[Index];
-		Out += FString("\t") + NameOf(Index) + " [label=\"" + EscapeDot(GetLabel(Node)) + "\\n" + EscapeDot(Node.Kind) +
-			"\", tooltip=\"" + EscapeDot(Node.Path) + "\", fillcolor=\"" + GetAssetTypeColor(Node.Kind) + "\"" +
-			(Index == 0 ? ", penwidth=3" : "") + "];\n";
+		Out += FString("\t") + NameOf(Index) + " [label=\"" + EscapeDot(GetLabel(Node)) + "\\n" +
+			EscapeDot(DescribeKind(Node.Kind, Node.Class)) + "\", tooltip=\"" + EscapeDot(Node.Path) + "\", fillcolor=\"" +
+			GetAssetTypeColor(Node.Kind) + "\"" + (Index == 0 ? ", penwidth=3" : "") + "];\n";
 	}
 	for (const FGraphPicture::FLink& Link : Picture.Links)
 	{
 		Out += FString("\t") + NameOf(Link.From) + " -> " + NameOf(Link.To) + " [color=\"" +
 			(Link.bRuntime ? RuntimeColor : EditorColor) + "\", style=" + (Link.bRuntime ? "solid" : "dashed") + "];\n";
 	}
-	if (Picture.bTruncated)
-		Out += "\tlabel=\"truncated: more relations qualify\";\n";
+	if (!Picture.Notes.IsEmpty())
+		Out += "\tlabel=\"" + EscapeDot(FString::Join(Picture.Notes, "; ")) + "\";\n";
 	return Out + "}\n";
 }
 
-FString GraphDrawing::WriteMermaid(const FGraphPicture& Picture)
+namespace
 {
-	FString Out = "flowchart LR\n";
-	TMap<FString, FString> ClassOfKind;
-	for (int32 Index = 0; Index < Picture.Nodes.Num(); ++Index)
+/** A flow chart within the limits of viewers: the nodes first, each with the links to those before it, as far as they fit. */
+class FMermaidWriter
+{
+public:
+	explicit FMermaidWriter(const FGraphPicture& InPicture) : Picture(InPicture) {}
+
+	FString Write()
+	{
+		int32 NumNodes = 0;
+		while (NumNodes < Picture.Nodes.Num() && AddNode(NumNodes))
+			++NumNodes;
+		Out += Links;
+		TArray<FString> Notes = Picture.Notes;
+		if (NumNodes < Picture.Nodes.Num())
+			Notes.Add(FString::Printf(
+				"%d more assets do not fit into a flow chart; --format html or dot draws them", Picture.Nodes.Num() - NumNodes));
+		for (const auto& [Kind, Class] : ClassOfKind)
+			Out += FString("\tclassDef ") + Class + " fill:" + GetAssetTypeColor(Kind) + ",stroke:#5a6472,color:#16202b\n";
+		Out += "\tstyle n0 stroke-width:3px\n";
+		if (!Notes.IsEmpty())
+			Out += "\tnotes[\"" + EscapeMermaid(FString::Join(Notes, "; ")) + "\"]\n";
+		return Out;
+	}
+
+private:
+	/** False where it does not fit. */
+	bool AddNode(int32 Index)
 	{
 		const FGraphPicture::FNode& Node = Picture.Nodes[Index];
 		FString& Class = ClassOfKind.FindOrAdd(Node.Kind);
 		if (Class.IsEmpty())
 			Class = FString("kind") + FString::FromInt(ClassOfKind.Num());
-		Out += FString("\t") + NameOf(Index) + "[\"" + EscapeMermaid(GetLabel(Node)) + "<br/>" + EscapeMermaid(Node.Kind) +
-			"\"]:::" + Class + "\n";
+		const FString Line = FString("\t") + NameOf(Index) + "[\"" + EscapeMermaid(GetLabel(Node)) + "<br/>" +
+			EscapeMermaid(DescribeKind(Node.Kind, Node.Class)) + "\"]:::" + Class + "\n";
+		FString NewLinks;
+		int32 NumNewLinks = 0;
+		for (const FGraphPicture::FLink& Link : Picture.Links)
+		{
+			if (std::max(Link.From, Link.To) != Index)
+				continue;
+			NewLinks += FString("\t") + NameOf(Link.From) + (Link.bRuntime ? " --> " : " -.-> ") + NameOf(Link.To) + "\n";
+			++NumNewLinks;
+		}
+		const int64 NumBytes = int64{Out.NumBytes()} + Links.NumBytes() + Line.NumBytes() + NewLinks.NumBytes();
+		if (NumLinks + NumNewLinks > MaxMermaidLinks || NumBytes > MaxMermaidBytes - MermaidTailBytes)
+			return false;
+		NumLinks += NumNewLinks;
+		Out += Line;
+		Links += NewLinks;
+		return true;
 	}
-	for (const FGraphPicture::FLink& Link : Picture.Links)
-		Out += FString("\t") + NameOf(Link.From) + (Link.bRuntime ? " --> " : " -.-> ") + NameOf(Link.To) + "\n";
-	for (const auto& [Kind, Class] : ClassOfKind)
-		Out += FString("\tclassDef ") + Class + " fill:" + GetAssetTypeColor(Kind) + ",stroke:#5a6472,color:#16202b\n";
-	Out += "\tstyle n0 stroke-width:3px\n";
-	if (Picture.bTruncated)
-		Out += "\ttruncated[\"truncated: more relations qualify\"]\n";
-	return Out;
+
+	const FGraphPicture& Picture;
+	FString Out = "flowchart LR\n";
+	FString Links;
+	int32 NumLinks = 0;
+	TMap<FString, FString> ClassOfKind;
+};
+}
+
+FString GraphDrawing::WriteMermaid(const FGraphPicture& Picture)
+{
+	return FMermaidWriter(Picture).Write();
 }
 
 FString GraphDrawing::WriteHtml(const FGraphPicture& Picture)

@@ -1,6 +1,7 @@
 #include "Graph/GraphPicture.h"
 
 #include "Core/Base/Map.h"
+#include "Quellar/Families/AssetFamily.h"
 #include "Tools/ToolOutput.h"
 
 #include <cstdlib>
@@ -16,7 +17,13 @@ enum class EStep : int32
 class FPictureBuilder
 {
 public:
-	FPictureBuilder(FGraphPicture& InPicture) : Picture(InPicture) {}
+	FPictureBuilder(FGraphPicture& InPicture, const FGraphAnswer& InAnswer) : Picture(InPicture), Answer(InAnswer) {}
+
+	int32 AddRoot(const FString& Path)
+	{
+		const FString Class = Answer.FindClass(Path);
+		return AddNode(Path, Class.IsEmpty() ? FString() : AssetTypeFromClassName(Class), 0);
+	}
 
 	int32 AddNode(const FString& Path, const FString& Kind, int32 Level)
 	{
@@ -28,7 +35,7 @@ public:
 			return *Known;
 		}
 		NodeByPath.Add(Path, Picture.Nodes.Num());
-		return Picture.Nodes.Add({Path, Kind, Level});
+		return Picture.Nodes.Add({Path, Kind, Answer.FindClass(Path), Level});
 	}
 
 	void AddRelations(int32 Parent, int32 ParentLevel, const FJsonArray& Relations, EStep Step)
@@ -53,21 +60,29 @@ private:
 	}
 
 	FGraphPicture& Picture;
+	const FGraphAnswer& Answer;
 	TMap<FString, int32> NodeByPath;
 	TSet<int64> KnownLinks; // a link found from both of its ends is the registry's one link
 };
 }
 
-FGraphPicture MakeGraphPicture(const FJsonObject& Content, const FString& RootKind)
+FString DescribeKind(const FString& Kind, const FString& Class)
 {
+	const bool bSaysNoMore = Class.EndsWith(Kind); // "UserDefinedEnum"
+	return bSaysNoMore || Class.IsEmpty() ? Kind : Kind + (Kind.IsEmpty() ? "" : " ") + "(" + Class + ")";
+}
+
+FGraphPicture MakeGraphPicture(const FGraphAnswer& Answer)
+{
+	const FJsonObject& Content = *Answer.Content;
 	FGraphPicture Picture;
-	FPictureBuilder Builder(Picture);
-	const int32 Root = Builder.AddNode(ToolOutput::GetPrintable(Content, "root"), RootKind, 0);
+	FPictureBuilder Builder(Picture, Answer);
+	const int32 Root = Builder.AddRoot(ToolOutput::GetPrintable(Content, "root"));
 	const bool bReferencers = ToolOutput::GetPrintable(Content, "direction") == "Referencers";
 	Builder.AddRelations(
 		Root, 0, ToolOutput::GetArray(Content, "relations"), bReferencers ? EStep::ToReferencer : EStep::ToDependency);
 	Builder.AddRelations(Root, 0, ToolOutput::GetArray(Content, "dependencies"), EStep::ToDependency);
 	Builder.AddRelations(Root, 0, ToolOutput::GetArray(Content, "referencers"), EStep::ToReferencer);
-	Content.TryGetBoolField("truncated", Picture.bTruncated);
+	Picture.Notes = Answer.Notes;
 	return Picture;
 }

@@ -1,5 +1,7 @@
 #include "Graph/GraphTree.h"
 
+#include "Quellar/Families/AssetFamily.h"
+
 namespace
 {
 using namespace ToolOutput;
@@ -7,28 +9,62 @@ using namespace ToolOutput;
 class FTreePrinter
 {
 public:
-	explicit FTreePrinter(const FPainter& InPaint) : Paint(InPaint) {}
+	FTreePrinter(const FGraphAnswer& InAnswer, const FPainter& InPaint) : Answer(InAnswer), Paint(InPaint) {}
 
-	void PrintDirection(const char* Heading, const FJsonArray& Relations, const TSharedPtr<FJsonObject>& Summary)
+	void PrintRoot()
 	{
-		Out += Paint.Bold(Heading) + ": " + DescribeSummary(*Summary) + "\n";
-		PrintRelations(Relations, "");
+		const FString Root = GetPrintable(*Answer.Content, "root");
+		const FString Class = Answer.FindClass(Root);
+		Out += Paint.Bold(Root) + "  " + Paint.Dim(DescribeKind(Class.IsEmpty() ? Class : AssetTypeFromClassName(Class), Class)) +
+			"\n";
+	}
+	void PrintDependencies(const char* RelationsKey, const char* SummaryKey)
+	{
+		PrintHeading("depends on", SummaryKey);
+		PrintRelations(GetArray(*Answer.Content, RelationsKey), "", Answer.Missing);
+	}
+	void PrintReferencers(const char* RelationsKey, const char* SummaryKey)
+	{
+		PrintHeading("referred to by", SummaryKey);
+		PrintRelations(GetArray(*Answer.Content, RelationsKey), "", {});
+	}
+	void PrintNotes()
+	{
+		for (const FString& Note : Answer.Notes)
+			Out += Paint.Yellow(Note) + "\n";
 	}
 
 	FString Out;
 
 private:
-	void PrintRelations(const FJsonArray& Relations, const FString& Indent)
+	void PrintHeading(const char* Heading, const char* SummaryKey)
 	{
-		for (int32 Index = 0; Index < Relations.Num(); ++Index)
+		auto Summary = MakeShared<FJsonObject>();
+		Answer.Content->TryGetObjectField(SummaryKey, Summary);
+		Out += Paint.Bold(Heading) + ": " + DescribeSummary(*Summary) + "\n";
+	}
+
+	void PrintRelations(const FJsonArray& Relations, const FString& Indent, const TArray<FString>& Missing)
+	{
+		const int32 Num = Relations.Num() + Missing.Num();
+		for (int32 Index = 0; Index < Num; ++Index)
 		{
-			const FJsonObject& Relation = *Relations[Index].AsObject();
-			const bool bLast = Index == Relations.Num() - 1;
-			const FString Type = GetPrintable(Relation, "type");
-			Out += Paint.Dim(Indent + (bLast ? "└─ " : "├─ ")) + GetPrintable(Relation, "path") + "  " +
-				Paint.Dim(GetPrintable(Relation, "kind")) + "  " + (Type == "Runtime" ? Type : Paint.Yellow(Type)) + "\n";
-			PrintRelations(GetArray(Relation, "relations"), Indent + (bLast ? "   " : "│  "));
+			const bool bLast = Index == Num - 1;
+			Out += Paint.Dim(Indent + (bLast ? "└─ " : "├─ "));
+			if (Index < Relations.Num())
+				PrintRelation(*Relations[Index].AsObject(), Indent + (bLast ? "   " : "│  "));
+			else
+				Out += Terminal::Sanitize(Missing[Index - Relations.Num()]) + "  " + Paint.Red("missing") + "\n";
 		}
+	}
+
+	void PrintRelation(const FJsonObject& Relation, const FString& Indent)
+	{
+		const FString Path = GetPrintable(Relation, "path");
+		const FString Type = GetPrintable(Relation, "type");
+		Out += Path + "  " + Paint.Dim(DescribeKind(GetPrintable(Relation, "kind"), Answer.FindClass(Path))) + "  " +
+			(Type == "Runtime" ? Type : Paint.Yellow(Type)) + "\n";
+		PrintRelations(GetArray(Relation, "relations"), Indent, {});
 	}
 
 	/** "12 relations (Blueprint 7, Enum 5; Runtime 10, Editor 2)" */
@@ -56,36 +92,25 @@ private:
 		return FString::Join(Texts, ", ");
 	}
 
+	const FGraphAnswer& Answer;
 	const FPainter& Paint;
 };
-
-TSharedPtr<FJsonObject> GetSummary(const FJsonObject& Content, const char* Key)
-{
-	auto Summary = MakeShared<FJsonObject>();
-	Content.TryGetObjectField(Key, Summary);
-	return Summary;
-}
 }
 
-FString RenderGraphTree(const FJsonObject& Content, const FString& RootKind, int32 MaxNodes, const FPainter& Paint)
+FString RenderGraphTree(const FGraphAnswer& Answer, const FPainter& Paint)
 {
-	FTreePrinter Printer(Paint);
-	const FString Direction = GetPrintable(Content, "direction");
-	Printer.Out += Paint.Bold(GetPrintable(Content, "root")) + "  " + Paint.Dim(RootKind) + "\n";
+	FTreePrinter Printer(Answer, Paint);
+	Printer.PrintRoot();
+	const FString Direction = GetPrintable(*Answer.Content, "direction");
 	if (Direction == "Both")
 	{
-		Printer.PrintDirection("depends on", GetArray(Content, "dependencies"), GetSummary(Content, "dependencies_summary"));
-		Printer.PrintDirection("referred to by", GetArray(Content, "referencers"), GetSummary(Content, "referencers_summary"));
+		Printer.PrintDependencies("dependencies", "dependencies_summary");
+		Printer.PrintReferencers("referencers", "referencers_summary");
 	}
+	else if (Direction == "Referencers")
+		Printer.PrintReferencers("relations", "summary");
 	else
-	{
-		Printer.PrintDirection(Direction == "Referencers" ? "referred to by" : "depends on", GetArray(Content, "relations"),
-			GetSummary(Content, "summary"));
-	}
-	bool bTruncated = false;
-	Content.TryGetBoolField("truncated", bTruncated);
-	if (bTruncated)
-		Printer.Out +=
-			Paint.Yellow(FString::Printf("truncated at %d relations; more qualify, raise --max-nodes", MaxNodes)) + "\n";
+		Printer.PrintDependencies("relations", "summary");
+	Printer.PrintNotes();
 	return Printer.Out;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "Graph/GraphPicture.h"
 #include "Tools/ToolOutput.h"
 
-/** The payload of explore_asset_graph as a tree for people: a package a line with its kind and type, numbers, and a line when
- * relations were left out. */
-FString RenderGraphTree(const FJsonObject& Content, const FString& RootKind, int32 MaxNodes, const FPainter& Paint);
+/** An exploration as a tree for people: a package a line with its kind and type, numbers, what is missing, and in the last lines
+ * what is left out. */
+FString RenderGraphTree(const FGraphAnswer& Answer, const FPainter& Paint);

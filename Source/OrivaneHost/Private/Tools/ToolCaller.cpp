@@ -4,6 +4,7 @@
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Terminal/Terminal.h"
 #include "Tools/TimeOutAdvice.h"
+#include "Tools/ToolRemarks.h"
 
 #include <mutex>
 #include <stop_token>
@@ -28,13 +29,17 @@ const char* DescribeType(Orivane::EToolMessage Type)
 FJsonArray MakeMessagesJson(const Orivane::FToolResult& Result)
 {
 	FJsonArray Messages;
-	for (const Orivane::FToolMessage& Message : Result.GetMessages())
+	const auto Add = [&](Orivane::EToolMessage Type, const FString& Text)
 	{
 		auto Entry = MakeShared<FJsonObject>();
-		Entry->SetStringField("type", DescribeType(Message.Type));
-		Entry->SetStringField("text", Message.Text);
+		Entry->SetStringField("type", DescribeType(Type));
+		Entry->SetStringField("text", Text);
 		Messages.Add(Entry);
-	}
+	};
+	for (const Orivane::FToolMessage& Message : Result.GetMessages())
+		Add(Message.Type, Message.Text);
+	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
+		Add(Orivane::EToolMessage::Warning, DescribeRemark(Remark));
 	return Messages;
 }
 

@@ -6,7 +6,8 @@
 #include <chrono>
 #include <functional>
 
-/** Messages as JSON: [{"type": "error|warning|success", "text"}], in the order in which they were added. */
+/** Messages as JSON: [{"type": "error|warning|success", "text"}], in the order in which they were added; then what the answer
+ * leaves out, as warnings. */
 FJsonArray MakeMessagesJson(const Orivane::FToolResult& Result);
 /** A payload as a JSON value: text that is JSON is embedded as JSON, any other text as a string. */
 FJsonValue MakePayloadJson(const Orivane::FToolResult::FPayload& Payload);

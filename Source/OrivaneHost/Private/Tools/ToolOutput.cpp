@@ -1,6 +1,7 @@
 #include "Tools/ToolOutput.h"
 
 #include "Tools/ToolCaller.h"
+#include "Tools/ToolRemarks.h"
 
 #include <algorithm>
 
@@ -33,7 +34,16 @@ void ToolOutput::PrintProblems(const char* Command, const Orivane::FToolResult& 
 {
 	for (const Orivane::FToolMessage& Message : Result.GetMessages())
 	{
-		if (Message.Type != Orivane::EToolMessage::Success)
+		const bool bTold = Message.Type == Orivane::EToolMessage::Warning && !Result.GetRemarks().IsEmpty();
+		if (Message.Type != Orivane::EToolMessage::Success && !bTold)
 			Terminal::PrintError(FString("orivane ") + Command + ": " + Terminal::Sanitize(Message.Text) + "\n");
 	}
+}
+
+FString ToolOutput::DescribeRemarks(const char* ToolName, const Orivane::FToolResult& Result)
+{
+	FString Lines;
+	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
+		Lines += Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindToolDeclaration(ToolName))) + "\n";
+	return Lines;
 }

@@ -12,6 +12,7 @@ public:
 
 	FString Bold(const FString& Text) const { return Paint("\033[1m", Text); }
 	FString Dim(const FString& Text) const { return Paint("\033[2m", Text); }
+	FString Red(const FString& Text) const { return Paint("\033[31m", Text); }
 	FString Yellow(const FString& Text) const { return Paint("\033[33m", Text); }
 
 private:
@@ -32,6 +33,9 @@ const FJsonArray& GetArray(const FJsonObject& Object, const char* Key);
 TSharedPtr<FJsonObject> GetContent(const Orivane::FToolResult& Result, const char* Key = "content");
 /** Text with blanks after it, up to a number of code points. */
 FString Pad(const FString& Text, int32 Width);
-/** Errors and warnings on standard error, a line each after "orivane COMMAND: ". */
+/** Errors on standard error, a line each after "orivane COMMAND: ", and warnings, unless there are remarks: those say what a
+ * warning says, and what to do. */
 void PrintProblems(const char* Command, const Orivane::FToolResult& Result);
+/** What the answer leaves out, a line each; "" when nothing. */
+FString DescribeRemarks(const char* ToolName, const Orivane::FToolResult& Result);
 }

@@ -25,12 +25,13 @@ FConsoleSearchState& GetState()
 	return State;
 }
 
-void Finish(const FAssetFamily::FConsoleCommand& Command, int32 Number, const FAssetSearchResult& Found)
+void Finish(
+	const FAssetFamily::FConsoleCommand& Command, int32 Number, const FAssetSearchParams& Params, const FAssetSearchResult& Found)
 {
 	const FString File = FPaths::Combine(FPaths::ProjectSavedDir(), FString("Quellar/") + Command.File);
 	const bool bWritten = FFileHelper::SaveStringToFile(WriteConsoleSearchDocument(Found, EConsoleSearchForm::Detailed), File);
 	GetState().OnFinished.ExecuteIfBound(
-		{.Number = Number, .Command = Command.Name, .File = File, .bWritten = bWritten, .Found = Found});
+		{.Number = Number, .Command = Command.Name, .File = File, .bWritten = bWritten, .Params = Params, .Found = Found});
 }
 
 /** Registers itself before main. */
@@ -48,11 +49,12 @@ private:
 	void Run(const TArray<FString>& Words) const
 	{
 		const int32 Number = ++GetState().NumStarted;
-		UAssetSearchService::Get().AssetSearch(ReadSearchWords(Traits, Words),
-			[this, Number, StopToken = GetStopToken()](const FAssetSearchResult& Found)
+		const FAssetSearchParams Params = ReadSearchWords(Traits, Words);
+		UAssetSearchService::Get().AssetSearch(Params,
+			[this, Number, Params, StopToken = GetStopToken()](const FAssetSearchResult& Found)
 			{
 				if (!StopToken.stop_requested())
-					Finish(Traits.Command, Number, Found);
+					Finish(Traits.Command, Number, Params, Found);
 			});
 	}
 

@@ -84,7 +84,8 @@ private:
 	const FAssetSearchParams Params;
 	const FOnAssetSearchComplete OnDone;
 	const std::stop_token StopToken = GetStopToken();
-	int32 TotalHits = 0;					   // of the index and of widgets; names do not count
+	int32 TotalHits = 0; // of the index and of widgets; names do not count
+	bool bNamesEndedEarly = false;
 	TArray<FUnreadFile> Unread;				   // of the packages with widgets
 	TMap<FString, FAssetResult> IndexResults;  // by object path
 	TMap<FString, FAssetResult> ObjectResults; // by object path: those with widgets, then those found by their names alone
@@ -138,7 +139,7 @@ void FBlueprintSearch::Finish()
 void FBlueprintSearch::Report()
 {
 	const FStopScope Scope(StopToken);
-	FAssetSearchResult Found{.Unread = Unread};
+	FAssetSearchResult Found{.Unread = Unread, .bEndedEarly = IsFull() || bNamesEndedEarly};
 	for (const auto& [Path, Result] : IndexResults)
 	{
 		if (!Result.Hits.IsEmpty())
@@ -210,7 +211,8 @@ void FBlueprintSearch::ReadNames()
 			Result = MakeResult(Asset);
 		int32 NoHitsYet = 0; // this pass is capped by its assets, not by the hits of the search
 		OrivaneSearchUtils::AppendHitWithCaps(Result, "AssetName", Name, "", Params, NoHitsYet);
-		if (OrivaneSearchUtils::HasReachedCap(++NumReported, Params.MaxTotalHits))
+		bNamesEndedEarly = OrivaneSearchUtils::HasReachedCap(++NumReported, Params.MaxTotalHits);
+		if (bNamesEndedEarly)
 			return;
 	}
 }

@@ -162,7 +162,8 @@ void ScanAssets(const FString& Name, ETextOrigin Origin, const TArray<UClass*>& 
 			Result.AssetPath = Asset.GetSoftObjectPath().ToString();
 			Found.Results.Add(std::move(Result));
 		}
-		if (Hits.IsFull())
+		Found.bEndedEarly = Hits.IsFull();
+		if (Found.bEndedEarly)
 			break;
 	}
 	OnDone.ExecuteIfBound(Found);

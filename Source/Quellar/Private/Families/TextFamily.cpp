@@ -136,6 +136,7 @@ public:
 				ScanRoot(Root);
 			Visited.Add(Root);
 		}
+		Found.bEndedEarly = Found.Results.Num() >= MaxFiles;
 		return std::move(Found);
 	}
 

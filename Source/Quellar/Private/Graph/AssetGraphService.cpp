@@ -86,7 +86,7 @@ public:
 
 	void Run(FNode Root);
 	/** Hands out what was recorded; once. */
-	void Finish(TArray<FAssetRelation>& OutRelations, FAssetGraphSummary& OutSummary, bool& bOutTruncated);
+	void Finish(TArray<FAssetRelation>& OutRelations, FAssetGraphSummary& OutSummary, FAssetGraphLeftOut& OutLeftOut);
 
 private:
 	struct FEntry
@@ -101,6 +101,9 @@ private:
 	/** False when the relation did not fit any more. */
 	bool Visit(const FEntry& From, FNode Neighbour, uint8 Flags);
 	TOptional<uint32> FindRepresentativeAsset(FNode Node);
+	/** True for the first time. */
+	bool IsFirstLeftOut(FNode Node) { return DepthLimit == 1 || LeftOutNodes.insert(Node).second; }
+	void LeaveOutWithoutAsset(FNode Node);
 	void Record(const FEntry& From, FNode Neighbour, uint8 Flags, FString Kind);
 
 	const FPackageGraphView& Graph;
@@ -117,8 +120,9 @@ private:
 	std::vector<FAssetRelation> Relations;
 	std::vector<int32> Parents; // of Relations
 	FAssetGraphSummary Summary;
-	bool bTruncated = false;
-	std::vector<uint32> Assets; // of the neighbour at hand
+	FAssetGraphLeftOut LeftOut;
+	THashSet<FNode> LeftOutNodes; // of walks that may meet a package twice
+	std::vector<uint32> Assets;	  // of the neighbour at hand
 };
 
 void FDirectionalWalk::Run(FNode Root)
@@ -137,7 +141,10 @@ bool FDirectionalWalk::Expand(const FEntry& Entry)
 	const auto Neighbours = bDependencies ? Graph.GetDependencies(Entry.Node) : Graph.GetReferencers(Entry.Node);
 	const bool bHub = Neighbours.Num() > FanoutLimit; // see GraphTraversalUtils::ShouldExpandNode
 	if (bHub && Entry.Depth > 0)
+	{
+		++LeftOut.NumHubs;
 		return true;
+	}
 	for (std::size_t Index = 0; Index < Neighbours.Nodes.size(); ++Index)
 	{
 		if (IsStopRequested() || !Visit(Entry, Neighbours.Nodes[Index], Neighbours.Flags[Index]))
@@ -152,14 +159,37 @@ bool FDirectionalWalk::Visit(const FEntry& From, FNode Neighbour, uint8 Flags)
 		return true;
 	const TOptional<uint32> Asset = FindRepresentativeAsset(Neighbour);
 	if (!Asset)
-		return true;
+		return LeaveOutWithoutAsset(Neighbour), true;
 	FString Kind = AssetTypeFromClassName(Graph.GetAssetClass(*Asset).AssetName);
-	if ((bHighSignalOnly && !AssetPathUtils::IsHighSignalKind(Kind)) || Excluded.Contains(Graph, *Asset))
+	const bool bLowSignal = bHighSignalOnly && !AssetPathUtils::IsHighSignalKind(Kind);
+	if (Excluded.Contains(Graph, *Asset))
+	{
+		LeftOut.NumExcluded += IsFirstLeftOut(Neighbour) ? 1 : 0;
 		return true;
-	bTruncated = static_cast<int32>(Relations.size()) >= NodeBudget;
-	if (!bTruncated)
+	}
+	if (bLowSignal)
+	{
+		if (IsFirstLeftOut(Neighbour))
+			++LeftOut.LowSignalByKind.FindOrAdd(Kind);
+		return true;
+	}
+	LeftOut.bOverBudget = static_cast<int32>(Relations.size()) >= NodeBudget;
+	if (!LeftOut.bOverBudget)
 		Record(From, Neighbour, Flags, std::move(Kind));
-	return !bTruncated;
+	return !LeftOut.bOverBudget;
+}
+
+/** Native code ("/Script/Engine") has no packages, and is not missing. */
+void FDirectionalWalk::LeaveOutWithoutAsset(FNode Node)
+{
+	const bool bHidden = Graph.GetAssets(Node).Begin < Graph.GetAssets(Node).End;
+	const FString Name(Graph.GetPackageName(Node));
+	const bool bMissing = bDependencies && !Graph.HasFile(Node) && !Name.StartsWith("/Script/");
+	if ((!bHidden && !bMissing) || !IsFirstLeftOut(Node))
+		return;
+	LeftOut.NumHidden += bHidden ? 1 : 0;
+	if (bMissing)
+		LeftOut.Missing.Add(Name);
 }
 
 TOptional<uint32> FDirectionalWalk::FindRepresentativeAsset(FNode Node)
@@ -189,7 +219,8 @@ void FDirectionalWalk::Record(const FEntry& From, FNode Neighbour, uint8 Flags, 
 		Queue.push_back({Neighbour, From.Depth + 1, NewRelation});
 }
 
-void FDirectionalWalk::Finish(TArray<FAssetRelation>& OutRelations, FAssetGraphSummary& OutSummary, bool& bOutTruncated)
+void FDirectionalWalk::Finish(
+	TArray<FAssetRelation>& OutRelations, FAssetGraphSummary& OutSummary, FAssetGraphLeftOut& OutLeftOut)
 {
 	// Children follow their parents, so going backwards every subtree is complete before it moves to its parent. Siblings
 	// therefore come out newest first, which callers see and rely on.
@@ -201,11 +232,11 @@ void FDirectionalWalk::Finish(TArray<FAssetRelation>& OutRelations, FAssetGraphS
 		Siblings.Add(std::move(Relations[Index]));
 	}
 	OutSummary = std::move(Summary);
-	bOutTruncated = bTruncated;
+	OutLeftOut = std::move(LeftOut);
 }
 
 void Walk(const FExploreAssetGraphParams& Params, FName Root, bool bDependencies, TArray<FAssetRelation>& OutRelations,
-	FAssetGraphSummary& OutSummary, bool& bOutTruncated)
+	FAssetGraphSummary& OutSummary, FAssetGraphLeftOut& OutLeftOut)
 {
 	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
 	if (!Registry)
@@ -216,7 +247,7 @@ void Walk(const FExploreAssetGraphParams& Params, FName Root, bool bDependencies
 		return;
 	FDirectionalWalk DirectionalWalk(Graph, FExcludedAssets::Get(*Registry), Params, bDependencies);
 	DirectionalWalk.Run(RootNode);
-	DirectionalWalk.Finish(OutRelations, OutSummary, bOutTruncated);
+	DirectionalWalk.Finish(OutRelations, OutSummary, OutLeftOut);
 }
 }
 
@@ -232,19 +263,18 @@ void UAssetGraphService::ExploreGraph(const FExploreAssetGraphParams& Params, FE
 	{
 		case EAssetGraphDirection::Dependencies:
 			Result.Direction = "Dependencies";
-			Walk(Params, Root, true, Result.Relations, Result.Summary, Result.bTruncated);
+			Walk(Params, Root, true, Result.Relations, Result.Summary, Result.LeftOut);
 			break;
 		case EAssetGraphDirection::Referencers:
 			Result.Direction = "Referencers";
-			Walk(Params, Root, false, Result.Relations, Result.Summary, Result.bTruncated);
+			Walk(Params, Root, false, Result.Relations, Result.Summary, Result.LeftOut);
 			break;
 		case EAssetGraphDirection::Both:
-			bool bDependenciesTruncated = false;
-			bool bReferencersTruncated = false;
 			Result.Direction = "Both";
-			Walk(Params, Root, true, Result.DependencyRelations, Result.DependencySummary, bDependenciesTruncated);
-			Walk(Params, Root, false, Result.ReferencerRelations, Result.ReferencerSummary, bReferencersTruncated);
-			Result.bTruncated = bDependenciesTruncated || bReferencersTruncated;
+			Walk(Params, Root, true, Result.DependencyRelations, Result.DependencySummary, Result.DependencyLeftOut);
+			Walk(Params, Root, false, Result.ReferencerRelations, Result.ReferencerSummary, Result.ReferencerLeftOut);
 			break;
 	}
+	Result.bTruncated =
+		Result.LeftOut.bOverBudget || Result.DependencyLeftOut.bOverBudget || Result.ReferencerLeftOut.bOverBudget;
 }

@@ -112,6 +112,14 @@ FString DescribeUnread(const TArray<FUnreadFile>& Unread)
 		(Unread.Num() > MaxNamedUnread ? ", ..." : "") + "; orivane check names all";
 }
 
+FString DescribeCounts(const TMap<FString, int32>& Counts)
+{
+	TArray<FString> Texts;
+	for (const auto& [Name, Number] : Counts)
+		Texts.Add(Name + " " + FString::FromInt(Number));
+	return FString::Join(Texts, ", ");
+}
+
 namespace OrivaneSearchUtils
 {
 bool TermMatches(const FString& Text, const FAssetSearchParams& Params)

@@ -26,9 +26,11 @@ public:
 	}
 
 	/** Takes one family's report; after the last one the caller's delegate runs, still under the lock. */
-	void Merge(const FAssetSearchResult& Report)
+	void Merge(const FAssetFamily& Family, const FAssetSearchResult& Report)
 	{
 		std::lock_guard Guard(Lock);
+		if (Report.bEndedEarly)
+			LeftOut.EndedFamilies.Add(Family.Name);
 		for (const FAssetResult& Result : Report.Results)
 			Admit(Result);
 		Unread.Append(Report.Unread);
@@ -46,10 +48,12 @@ public:
 private:
 	void Admit(const FAssetResult& Result)
 	{
-		int32& Count = CountPerAssetType.FindOrAdd(GetAssetTypeGroup(Result.AssetClass));
+		const FString Group = GetAssetTypeGroup(Result.AssetClass);
+		int32& Count = CountPerAssetType.FindOrAdd(Group);
 		if (Count >= MaxPerAssetType)
 		{
 			bTruncated = true;
+			++LeftOut.OverTypeCap.FindOrAdd(Group);
 			return;
 		}
 		++Count;
@@ -61,11 +65,15 @@ private:
 		Results.StableSort([](const FAssetResult& A, const FAssetResult& B) { return A.AssetPath < B.AssetPath; });
 		if (Results.Num() > MaxTotal)
 		{
+			LeftOut.NumOverTotal = Results.Num() - MaxTotal;
 			Results.SetNum(MaxTotal);
 			bTruncated = true;
 		}
 		SortUnread();
-		OnComplete.ExecuteIfBound({.Results = std::move(Results), .bTruncated = bTruncated, .Unread = std::move(Unread)});
+		OnComplete.ExecuteIfBound({.Results = std::move(Results),
+			.bTruncated = bTruncated,
+			.Unread = std::move(Unread),
+			.LeftOut = std::move(LeftOut)});
 	}
 
 	/** Several families may have asked for one package. */
@@ -82,6 +90,7 @@ private:
 	std::mutex Lock; // guards everything below
 	TArray<FAssetResult> Results;
 	TArray<FUnreadFile> Unread;
+	FAssetSearchLeftOut LeftOut;
 	TMap<FString, int32> CountPerAssetType;
 	int32 PendingFamilies;
 	bool bTruncated = false;
@@ -127,8 +136,8 @@ void UAssetSearchService::AssetSearch(const FAssetSearchParams& Params, FOnAsset
 	for (const FAssetFamily* Family : Families)
 	{
 		if (IsStopRequested())
-			Aggregate->Merge({});
+			Aggregate->Merge(*Family, {});
 		else
-			Family->Search(Params, [Aggregate](const FAssetSearchResult& Report) { Aggregate->Merge(Report); });
+			Family->Search(Params, [Aggregate, Family](const FAssetSearchResult& Report) { Aggregate->Merge(*Family, Report); });
 	}
 }

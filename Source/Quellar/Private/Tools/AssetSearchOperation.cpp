@@ -39,8 +39,8 @@ void WriteReport(const FAssetSearchParams& Params, const FAssetSearchResult& Fou
 	Result.AddSuccessMessage(DescribeSuccess(Params, Kept.Results.Num()));
 	if (Kept.bTruncated)
 		Result.AddWarningMessage(FString::Printf("Results truncated at max_total_hits=%d", Params.MaxTotalHits));
-	if (!Found.Unread.IsEmpty())
-		Result.AddWarningMessage(DescribeUnread(Found.Unread));
+	for (Orivane::FToolRemark& Remark : FAssetSearchOperation::MakeRemarks(Params, Found))
+		Result.AddRemark(std::move(Remark));
 	Result.SetData("content", MakeAssetSearchJson(Kept));
 }
 }
@@ -68,4 +68,22 @@ bool FAssetSearchOperation::NeedsPackages(const FJsonObject& Args)
 {
 	FAssetSearchParams Params;
 	return ReadArguments(GetAssetSearchArguments(), Args, Params) && UAssetSearchService::NeedsPackages(Params);
+}
+
+TArray<Orivane::FToolRemark> FAssetSearchOperation::MakeRemarks(const FAssetSearchParams& Params, const FAssetSearchResult& Found)
+{
+	TArray<Orivane::FToolRemark> Remarks;
+	const auto Add = [&](const FString& Text, const char* Argument, int32 Cap)
+	{ Remarks.Add({.Text = Text, .Argument = Argument, .Value = FString::FromInt(Cap), .Names = {}}); };
+	const FAssetSearchLeftOut& LeftOut = Found.LeftOut;
+	if (!LeftOut.OverTypeCap.IsEmpty())
+		Add("more assets match: " + DescribeCounts(LeftOut.OverTypeCap), "max_hits_per_asset_type", Params.MaxHitsPerAssetType);
+	if (LeftOut.NumOverTotal > 0)
+		Add("more assets match: " + FString::FromInt(LeftOut.NumOverTotal), "max_total_hits", Params.MaxTotalHits);
+	if (!LeftOut.EndedFamilies.IsEmpty())
+		Add("more may match in " + FString::Join(LeftOut.EndedFamilies, ", ") + ", where the search ended after so many hits",
+			"max_total_hits", Params.MaxTotalHits);
+	if (!Found.Unread.IsEmpty())
+		Remarks.Add({.Text = DescribeUnread(Found.Unread), .Argument = {}, .Value = {}, .Names = {}});
+	return Remarks;
 }

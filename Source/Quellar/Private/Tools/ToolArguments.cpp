@@ -180,8 +180,10 @@ const TArray<TArgumentRow<FExploreAssetGraphParams>>& GetAssetGraphArguments()
 			 .Type = EToolArgument::Flag,
 			 .Help = "Leave out materials, particle systems, meshes, textures and the like.",
 			 .Shell = {.Names = "-a,--all-kinds",
-				 .Help = "Also materials, meshes, textures and other low-signal kinds",
-				 .FlagValue = false}},
+				 .Help = "All kinds of assets; the default here",
+				 .FlagValue = false,
+				 .OffNames = "--high-signal",
+				 .OffHelp = "Leave out materials, particle systems, meshes, textures and the like"}},
 			&P::bHighSignalOnly},
 	};
 	return Rows;

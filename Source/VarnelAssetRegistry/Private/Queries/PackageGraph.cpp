@@ -24,6 +24,11 @@ FStringView FPackageGraphView::GetPackageName(FNode Node) const
 	return Snapshot->GetNodeText(Node);
 }
 
+bool FPackageGraphView::HasFile(FNode Node) const
+{
+	return Snapshot->FindPackage(Node).Row != NoId;
+}
+
 FPackageGraphView::FAssetRange FPackageGraphView::GetAssets(FNode Node) const
 {
 	const FRowRange Assets = Snapshot->GetAssets(Snapshot->FindPackage(Node));

@@ -44,6 +44,8 @@ public:
 	/** Long package name. */
 	FStringView GetPackageName(FNode Node) const;
 
+	/** False for a package that others refer to and that does not exist, or is none of the project's ("/Script/Engine"). */
+	bool HasFile(FNode Node) const;
 	/** All assets, registry-filtered ones included; none for a package without a file. */
 	FAssetRange GetAssets(FNode Node) const;
 	bool IsRegistryFiltered(uint32 Asset) const;

@@ -18,6 +18,7 @@ public:
 		FString Command;
 		FString File;		   // absolute
 		bool bWritten = false; // false: the file is as it was
+		const FAssetSearchParams& Params;
 		const FAssetSearchResult& Found;
 	};
 

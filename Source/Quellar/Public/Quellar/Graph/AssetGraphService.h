@@ -40,6 +40,17 @@ struct FAssetGraphSummary
 	TMap<FString, int32> ByType;
 };
 
+/** Packages next to what was walked that are not among the relations of a direction; each counts once. */
+struct FAssetGraphLeftOut
+{
+	TMap<FString, int32> LowSignalByKind; // see AssetPathUtils::IsHighSignalKind
+	int32 NumExcluded = 0;				  // by the settings
+	int32 NumHidden = 0;				  // all of their assets are registry-filtered
+	int32 NumHubs = 0;					  // relations that were not walked through, having too many neighbours
+	TArray<FString> Missing;			  // dependencies that do not exist, long package names in the order of discovery
+	bool bOverBudget = false;			  // more relations qualify
+};
+
 /** What was reached. Owns everything. */
 struct FExploreAssetGraphResult
 {
@@ -49,12 +60,15 @@ struct FExploreAssetGraphResult
 	// One direction; empty for Both
 	TArray<FAssetRelation> Relations;
 	FAssetGraphSummary Summary;
+	FAssetGraphLeftOut LeftOut;
 
 	// Both
 	TArray<FAssetRelation> DependencyRelations;
 	FAssetGraphSummary DependencySummary;
+	FAssetGraphLeftOut DependencyLeftOut;
 	TArray<FAssetRelation> ReferencerRelations;
 	FAssetGraphSummary ReferencerSummary;
+	FAssetGraphLeftOut ReferencerLeftOut;
 
 	bool bTruncated = false; // a relation that qualifies was left out, because MaxNodes was reached
 };

@@ -2,6 +2,7 @@
 
 #include "Core/Base/Containers.h"
 #include "Core/Base/Delegate.h"
+#include "Core/Base/Map.h"
 #include "Core/Text/String.h"
 
 class FJsonObject;
@@ -84,16 +85,29 @@ struct FUnreadFile
 	EReason Reason = EReason::Unreadable;
 };
 
+/** What matched and is not among the results of a whole search; families that end early leave out more than is counted. */
+struct FAssetSearchLeftOut
+{
+	TMap<FString, int32> OverTypeCap; // assets by what the cap per asset type counts them as, see GetAssetTypeGroup
+	int32 NumOverTotal = 0;			  // assets
+	TArray<FString> EndedFamilies;	  // looked no further, having found MaxTotalHits
+};
+
 /** Assets with their hits: of a family in the order in which it found them, of a whole search in ascending path order. */
 struct FAssetSearchResult
 {
 	TArray<FAssetResult> Results;
-	bool bTruncated = false;	// an asset was dropped by the per-asset-type cap or the total cap
-	TArray<FUnreadFile> Unread; // of a whole search: ascending, each once; of a stopped search and behind a cap not all
+	bool bTruncated = false;	 // an asset was dropped by the per-asset-type cap or the total cap
+	TArray<FUnreadFile> Unread;	 // of a whole search: ascending, each once; of a stopped search and behind a cap not all
+	bool bEndedEarly = false;	 // of a family: it found MaxTotalHits and looked no further
+	FAssetSearchLeftOut LeftOut; // of a whole search
 };
 
 /** A sentence for people that tells how many there are and names the first; "" for none. */
 FString DescribeUnread(const TArray<FUnreadFile>& Unread);
+
+/** "Text 12, Blueprint 25", in the map's order. */
+FString DescribeCounts(const TMap<FString, int32>& Counts);
 
 /** Executed exactly once with what a search, or one family of it, found. */
 using FOnAssetSearchComplete = TDelegate<void(const FAssetSearchResult&)>;

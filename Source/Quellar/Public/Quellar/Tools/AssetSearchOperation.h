@@ -2,6 +2,7 @@
 
 #include "Core/Base/Delegate.h"
 #include "OrivaneCore/ToolResult.h"
+#include "Quellar/Hits/AssetSearchTypes.h"
 
 /** Body of the tool "asset_search". */
 class FAssetSearchOperation
@@ -13,6 +14,8 @@ public:
 	 */
 	static void ExecuteAsync(
 		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete);
+	/** What such a search left out. */
+	static TArray<Orivane::FToolRemark> MakeRemarks(const FAssetSearchParams& Params, const FAssetSearchResult& Found);
 	/** False where the arguments ask for text files alone. Any thread. */
 	static bool NeedsPackages(const FJsonObject& Args);
 };

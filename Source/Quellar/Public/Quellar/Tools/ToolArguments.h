@@ -26,7 +26,9 @@ struct FShellOption
 	const char* Placeholder = ""; // of its value in help texts
 	const char* Help = "";		  // the default is added where there is one
 	FJsonValue FlagValue;		  // set: an option without a value that means this one
-	int32 Least = INT32_MIN;	  // of an integer; what is below is wrong use
+	const char* OffNames = "";	  // of a flag whose value the shell takes for granted: the option that means the other one
+	const char* OffHelp = "";
+	int32 Least = INT32_MIN; // of an integer; what is below is wrong use
 };
 
 /** What a value at the console names, for its completion. */

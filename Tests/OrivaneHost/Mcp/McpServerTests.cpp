@@ -35,7 +35,7 @@ std::string Progress(const std::string& Token, const std::string& Members)
 
 TEST(McpServer, RefusesWhatIsNoRequestAndLives)
 {
-	const TCase<std::string> Cases[] = {
+	const TCase<std::string, std::string> Cases[] = {
 		{"half a message", R"({"jsonrpc":"2.0","id":1)", "-32700 null"},
 		{"two messages in a line", R"({"jsonrpc":"2.0","id":1,"method":"ping"} {})", "-32700 null"},
 		{"nested deeper than the limit", std::string(200, '['), "-32700 null"},

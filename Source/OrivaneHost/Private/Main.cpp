@@ -1,3 +1,4 @@
+#include "Core/Program/Memory.h"
 #include "OrivaneHost/Program.h"
 #include "Terminal/LastResort.h"
 
@@ -13,5 +14,6 @@ struct FInstallLastResort
 
 int main(int NumArguments, char** Arguments)
 {
+	LimitUnusedMemory();
 	return RunOrivane(NumArguments, Arguments);
 }

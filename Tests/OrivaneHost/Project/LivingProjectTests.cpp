@@ -3,8 +3,10 @@
 #include "Project/Project.h"
 #include "Project/ProjectRegistry.h"
 
+#include "Core/Threads/Tasks.h"
 #include "CoreObject/Objects/Object.h"
 #include "Project/HeadlessEngine.h"
+#include "Quellar/Families/BlueprintFindUtils.h"
 #include "Support/Cases.h"
 #include "Support/PackageText.h"
 #include "Support/ScratchFolder.h"
@@ -138,4 +140,22 @@ TEST(LivingProject, KeepsInMemoryWhatWasAskedFor)
 		EXPECT_EQ(FProject::GetTrouble(), "");
 		EXPECT_EQ(PackageMemory::Num(), 3);
 	}
+}
+
+TEST(LivingProject, LetsGoOfWhatWasFoundBeforeAChange)
+{
+	FLiving Project(EProjectWatch::Events);
+	Project.Disk.Write("Content/BP_Door.vasset",
+		R"({"varnel_package":1,"assets":[{"name":"BP_Door","class":"/Script/Engine.Blueprint"}],)"
+		R"("blueprint_index":[{"category":"Var","text":"Health"}]})");
+	Project.Refresh();
+	FBlueprintFindUtils& Utils = FBlueprintFindUtils::Get();
+	bool bAnswered = false;
+	Utils.MakeSearchQuery("health", {}, [&](TArray<TSharedPtr<FImaginaryFiBData>>&) { bAnswered = true; });
+	ASSERT_TRUE(FGameThread::Get().RunUntil([&] { return bAnswered; }, std::chrono::seconds(60)));
+	ASSERT_EQ(Utils.GetItemsFound().Num(), 1);
+	const std::weak_ptr Found = Utils.GetItemsFound()[0];
+	Project.WritePackage("FX/NS_N");
+	Project.Refresh();
+	EXPECT_TRUE(Found.expired()) << "it holds the registry's former image";
 }

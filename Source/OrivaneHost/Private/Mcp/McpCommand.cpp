@@ -89,7 +89,8 @@ void ServeClient(FMcpServer& Server, FMcpStdio& Stdio)
 	Stdio.Flush(FlushTime);
 }
 
-void OpenProjectForServer(const FProjectOptions& Options, std::stop_token Stop, FMcpProjectHost& Host)
+void OpenProjectForServer(const FProjectOptions& Options, const std::stop_token& Stop, FMcpProjectHost& Host)
+try
 {
 	FProjectOptions WithProgress = Options;
 	WithProgress.Progress = &Host.GetOpeningProgress();
@@ -109,6 +110,10 @@ void OpenProjectForServer(const FProjectOptions& Options, std::stop_token Stop, 
 			Log::Write(LogMcp, ELogVerbosity::Warning, Remark);
 	}
 	Host.OnProjectOpened();
+}
+catch (const std::exception& Failure)
+{
+	Host.OnProjectFailed(DescribeFailure(Failure));
 }
 
 /** A task that throws, for want of memory, costs the calls that are under way and not the session. */
@@ -155,14 +160,7 @@ int RunMcp(const FMcpArguments& Arguments)
 			Host->CancelCalls();
 			Ended.request_stop();
 		});
-	try
-	{
-		OpenProjectForServer(Arguments.Project, Ended.get_token(), *Host);
-	}
-	catch (const std::exception& Failure)
-	{
-		Host->OnProjectFailed(DescribeFailure(Failure));
-	}
+	Host->OpenBy([&] { OpenProjectForServer(Arguments.Project, Ended.get_token(), *Host); });
 	RunGameThread(Ended.get_token());
 	const int Error = Stdio.GetWriteError();
 	if (Error != 0)

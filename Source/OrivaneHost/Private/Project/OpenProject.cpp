@@ -50,10 +50,10 @@ FOpening OpenProject(const FProjectOptions& Options, FDiagnosticSink& Diagnostic
 	return Opening;
 }
 
-FString RefreshOpenProject()
+FString RefreshOpenProject(EFolderLook Look)
 {
 	FDiagnosticSink Faults;
-	if (!FProject::Refresh(Faults) || Faults.GetSorted().IsEmpty())
+	if (!FProject::Refresh(Faults, Look) || Faults.GetSorted().IsEmpty())
 		return {};
 	return "files were read again, with faults: " + NameFaults(Faults) + "; see: orivane check";
 }

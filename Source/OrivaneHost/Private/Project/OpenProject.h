@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Files/FolderWatch.h"
 #include "Core/Program/Diagnostics.h"
 #include "Project/ProjectOptions.h"
 
@@ -20,4 +21,4 @@ struct FOpening
 FOpening OpenProject(const FProjectOptions& Options, FDiagnosticSink& Diagnostics);
 
 /** FProject::Refresh; that something is wrong with what was read, a sentence that names the first faults; "" when nothing is. */
-FString RefreshOpenProject();
+FString RefreshOpenProject(EFolderLook Look = EFolderLook::All);

@@ -16,6 +16,7 @@
 #include "Project/ProjectRegistry.h"
 #include "Project/ProjectWatch.h"
 #include "Project/UserFolders.h"
+#include "Quellar/Families/BlueprintFindUtils.h"
 #include "Quellar/Families/TextSearch.h"
 
 #include <cerrno>
@@ -175,6 +176,7 @@ void FProject::Close()
 	StopKeepingTextFiles();
 	PackageMemory::Forget();
 	SearchMemory::Forget();
+	FBlueprintFindUtils::Get().ClearResults();
 	UnloadAllLoadedPackages();
 	SetPackageLocator(nullptr);
 	FRegistryScanReport Report;
@@ -233,7 +235,7 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
 	if (Opened.Watch)
-		StartKeepingTextFiles(ListUnwatchedFolders(Options, Summary.Folder));
+		StartKeepingTextFiles(ListUnwatchedFolders(Options, Summary.Folder), Opened.Watch->GetMode());
 	Opened.bOpen = true;
 	GetOpenProject() = std::move(Opened);
 	return true;
@@ -250,11 +252,11 @@ bool RefreshSettings(FOpenProject& Project, FDiagnosticSink& Diagnostics)
 	return true;
 }
 
-void TakeChanges(FOpenProject& Project)
+void TakeChanges(FOpenProject& Project, EFolderLook Look)
 {
 	try
 	{
-		const FFolderChanges Taken = Project.Watch->Take();
+		const FFolderChanges Taken = Project.Watch->Take(Look);
 		NoteTextFileChanges(Taken);
 		Project.Changes.Add(Taken, Project.Summary.Folder, Project.Scan.Sources);
 	}
@@ -343,6 +345,7 @@ ERegistryUpdate RefreshPackages(const FOpenProject& Project, FDiagnosticSink& Di
 	const ERegistryUpdate Done = GetProjectRegistry().Update(Scan, Project.Changes.Files, Project.Changes.Folders, Report);
 	if (Done == ERegistryUpdate::Updated)
 	{
+		FBlueprintFindUtils::Get().ClearResults(); // they keep the registry's former image in memory
 		DropLoadedPackages([&](FName Package) { return Project.Changes.Concerns(Package); });
 		RenewMemory(PackageMemory::GetRequests(), Project.Options.Stop, Diagnostics);
 	}
@@ -350,14 +353,14 @@ ERegistryUpdate RefreshPackages(const FOpenProject& Project, FDiagnosticSink& Di
 }
 }
 
-bool FProject::Refresh(FDiagnosticSink& Diagnostics)
+bool FProject::Refresh(FDiagnosticSink& Diagnostics, EFolderLook Look)
 {
 	checkGameThread();
 	FOpenProject& Project = GetOpenProject();
 	if (!Project.Watch && Project.Changes.IsEmpty())
 		return Project.bOpen && RefreshSettings(Project, Diagnostics);
 	if (Project.Watch)
-		TakeChanges(Project);
+		TakeChanges(Project, Look);
 	if (Project.Changes.IsEmpty())
 		return false;
 	if (Project.Changes.bReopen || (Project.Changes.bPlugins && HavePluginsChanged(Project.Summary)))

@@ -342,10 +342,10 @@ void SearchTextFiles(const FAssetSearchParams& Params, FOnAssetSearchComplete On
 	OnDone.ExecuteIfBound(Scan.Run());
 }
 
-void StartKeepingTextFiles(const TArray<FString>& UntoldFolders)
+void StartKeepingTextFiles(const TArray<FString>& UntoldFolders, EFolderWatchMode Mode)
 {
 	checkGameThread();
-	FTextStore::Get().Start(UntoldFolders);
+	FTextStore::Get().Start(UntoldFolders, Mode);
 }
 
 void StopKeepingTextFiles()

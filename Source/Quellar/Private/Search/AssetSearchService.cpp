@@ -106,6 +106,12 @@ UAssetSearchService& UAssetSearchService::Get()
 	return Service;
 }
 
+bool UAssetSearchService::NeedsPackages(const FAssetSearchParams& Params)
+{
+	return SelectFamilies(Params.IncludeAssetFamilies)
+		.ContainsByPredicate([](const FAssetFamily* Family) { return !Family->Classes.IsEmpty(); });
+}
+
 void UAssetSearchService::AssetSearch(const FAssetSearchParams& Params, FOnAssetSearchComplete OnComplete)
 {
 	checkGameThread();

@@ -63,3 +63,9 @@ void FAssetSearchOperation::ExecuteAsync(
 			OnComplete.ExecuteIfBound(Result);
 		});
 }
+
+bool FAssetSearchOperation::NeedsPackages(const FJsonObject& Args)
+{
+	FAssetSearchParams Params;
+	return ReadArguments(GetAssetSearchArguments(), Args, Params) && UAssetSearchService::NeedsPackages(Params);
+}

@@ -1,5 +1,6 @@
 #include "Scan/LiveRegistry.h"
 
+#include "Core/Program/Memory.h"
 #include "Core/Text/Unicode.h"
 #include "Image/FolderText.h"
 #include "Queries/RegistryOverlay.h"
@@ -177,6 +178,14 @@ void FLiveRegistry::AdoptFold()
 	Scope = std::move(Done->Since);
 }
 
+void FLiveRegistry::RunFold(FFold& Own, TSharedPtr<const FRegistryImage> Known)
+{
+	FRegistryScanReport Report;
+	FRegistryScan Run(Own.Options, Own.ClassParents, Report, {.Known = std::move(Known), .Changed = &Own.Changed});
+	if (TSharedPtr<const FRegistryImage> Image = Run.Run())
+		Own.Result = {MakeShared<FRegistryPart>(std::move(Image), Own.Options), Run.TakeNamesWithoutRecord()};
+}
+
 void FLiveRegistry::StartFold(const FRegistryScanOptions& Options)
 {
 	Fold = MakeUnique<FFold>();
@@ -193,14 +202,12 @@ void FLiveRegistry::StartFold(const FRegistryScanOptions& Options)
 			Own.Options.Stop = std::move(Stop);
 			try
 			{
-				FRegistryScanReport Report;
-				FRegistryScan Run(Own.Options, Own.ClassParents, Report, {.Known = Known, .Changed = &Own.Changed});
-				if (TSharedPtr<const FRegistryImage> Image = Run.Run())
-					Own.Result = {MakeShared<FRegistryPart>(std::move(Image), Own.Options), Run.TakeNamesWithoutRecord()};
+				RunFold(Own, Known);
 			}
 			catch (const std::exception&) // out of memory or descriptors: the overlay goes on growing until the next attempt
 			{
 			}
+			ReturnUnusedMemory(); // several times the image
 			Own.bDone = true;
 		});
 }

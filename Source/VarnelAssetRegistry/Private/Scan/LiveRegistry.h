@@ -53,6 +53,7 @@ private:
 	TSharedPtr<const FRegistryOverlay> MakeOverlay(TSharedPtr<const FRegistryImage> Changed, const FNamesWithoutRecord& Strays,
 		const FRegistryScanOptions& Options, std::vector<uint32> Hidden) const;
 	void AdoptFold();
+	static void RunFold(FFold& Own, TSharedPtr<const FRegistryImage> Known);
 	void StartFold(const FRegistryScanOptions& Options);
 
 	std::mutex ScanLock; // one scan or update at a time; guards what follows

@@ -114,7 +114,7 @@ bool FFolderEvents::IsAnyRootBack() const
  * folder's removal. */
 FFileHandle FFolderEvents::OpenRoot(const std::string& Path)
 {
-	return FFileHandle(open(Path.c_str(), SecureOpen::ToPassFolder | O_CLOEXEC));
+	return SecureOpen::MakeHandle(open(Path.c_str(), SecureOpen::ToPassFolder | O_CLOEXEC));
 }
 
 const FFolderEvents::FRoot* FFolderEvents::FindRoot(std::string_view Path) const
@@ -287,7 +287,7 @@ void FFolderEvents::HandleEvent(const FEvent& Event)
 		HandleOwnEvent(Event, Known->second);
 	else if (std::string Path = Known->second->first + std::string(Event.Name); (Event.Mask & IN_ISDIR) != 0)
 		HandleFolder(Event.Mask, Path + "/");
-	else
+	else if (!Options.KeepFile || Options.KeepFile(Path))
 		ChangedFiles.insert(std::move(Path));
 }
 

@@ -13,10 +13,11 @@ bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params
 
 /**
  * From now on every change of the opened project's files is told through NoteTextFileChanges before the next search, but for what
- * lies in UntoldFolders ("Saved": names of folders directly below the project). Searches may therefore keep what they learn of
- * text files, and answer as of the changes told last; in the untold folders they look at the files each time. Game thread.
+ * lies in UntoldFolders ("Saved": names of folders directly below the project), which searches watch themselves, in this mode
+ * where it is to be had. Searches may therefore keep what they learn of text files, and answer as of the changes told last. Game
+ * thread.
  */
-void StartKeepingTextFiles(const TArray<FString>& UntoldFolders);
+void StartKeepingTextFiles(const TArray<FString>& UntoldFolders, EFolderWatchMode Mode);
 /** Nothing is told any more: what is kept goes, and searches read all files. To be called before another project is opened. Game
  * thread. */
 void StopKeepingTextFiles();

@@ -3,8 +3,6 @@
 #include "Core/Base/Containers.h"
 #include "Core/Text/String.h"
 
-#include <thread>
-
 /** What a thread of its own does. */
 class FRunnable
 {
@@ -19,13 +17,15 @@ public:
 	virtual void Stop() {}
 };
 
-/** A named thread that runs one runnable, once. */
+/** A named thread that runs one runnable, once. A few of the system's threads are kept for those that follow, as starting one
+ * takes longer than a short search; they end with the program. */
 class FRunnableThread
 {
 public:
 	/**
-	 * Starts the thread. The runnable must outlive it. StackSize in bytes, 0 for the system's own; it, Priority, AffinityMask (0:
-	 * any processor) and CreationFlags are hints that this platform leaves to the system. Null where there are no more threads.
+	 * Starts the thread. The runnable must outlive this object. StackSize in bytes, 0 for the system's own; it, Priority,
+	 * AffinityMask (0: any processor) and CreationFlags are hints that this platform leaves to the system. Null where there are
+	 * no more threads.
 	 */
 	static TSharedPtr<FRunnableThread> Create(FRunnable* Runnable, const FString& Name, uint32 StackSize = 0, int32 Priority = 0,
 		uint64 AffinityMask = 0, uint32 CreationFlags = 0);
@@ -38,8 +38,12 @@ public:
 	void WaitForCompletion();
 
 private:
+	class FSystemThread;
+	class FIdleThreads;
+
 	FRunnableThread(FRunnable& InRunnable, const FString& Name);
 
 	FRunnable& Runnable;
-	std::thread Thread;
+	const TSharedPtr<FIdleThreads> IdleThreads;
+	TUniquePtr<FSystemThread> Thread; // null when what it ran has ended and been waited for
 };

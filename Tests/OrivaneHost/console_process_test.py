@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The console on a terminal, as a person meets it: a pseudo-terminal types and reads. usage: console_process_test.py ORIVANE SAMPLE_PROJECT"""
 
+import json
 import os
 import pathlib
 import pty
@@ -154,6 +155,46 @@ def give_the_prompt_back(console):
     console.expect_end(0)
 
 
+def keep_the_terminal(orivane, project, environment):
+    """Whatever a project is made of, no command lets it steer a terminal."""
+    hostile = "\u202eko\u2066\x1b[2J\x9b2J\u2028\x7f"
+    name = "DT_\u202eko\u200f"
+    asset = {"name": name, "class": "/Script/Engine.DataTable", "tags": {hostile: hostile}}
+    package = {"varnel_package": 1, "assets": [asset, {"name": hostile}], "dependencies": [{"package": "/Game/AI/BT_Guard"}],
+               "objects": [{"path": name, "class": "/Script/Engine.DataTable", "properties": {"Rows": {}, hostile: hostile}}]}
+    project.joinpath(f"Content/{name}.vasset").write_text(json.dumps(package, ensure_ascii=False), encoding="utf-8")
+    project.joinpath(f"Docs/{hostile}.md").write_text("hostile", encoding="utf-8")
+    project.joinpath(f"Docs/{hostile}large.md").touch()
+    os.truncate(project.joinpath(f"Docs/{hostile}large.md"), 257 << 20)
+    project.joinpath("Config/DefaultGame.ini").open("a", encoding="utf-8").write(f"\n{hostile}\n[/Script/Quellar.QuellarSettings]\n{hostile}=1\n")
+    descriptor = next(project.glob("*.uproject"))
+    descriptor.write_text(json.dumps({"name": hostile, "description": hostile}), encoding="utf-8")
+    calls = [["search", "hostile"], ["search", "hostile", "--json"], ["search", "DT_"], ["paths", "DT_"], ["paths", "DT_", "--json"],
+             ["check"], ["check", "--json"], ["info"], ["info", "--json"], ["info", "--settings"], ["info", "--dump-registry"],
+             ["call", "asset_search", '{"term": "hostile"}'], ["call", "explore_asset_graph", json.dumps({"asset_path": f"/Game/{name}"})],
+             ["console", "-c", "Orivane.TextSearch term=hostile", "-c", "load /Game", "-c", "Orivane.DataTableSearch term=DT_"]]
+    calls += [["graph", "/Game/AI/BT_Guard", "-r", "both", "--format", form] for form in ("tree", "json", "dot", "mermaid", "html")]
+    for call in calls:
+        run = Terminal([orivane, *call, "--project", str(project)], environment)
+        while run.read(LIMIT):
+            pass
+        os.waitpid(run.process, 0)
+        os.close(run.handle)
+        steering = re.findall("[\x00-\x08\x0b\x0c\x0e-\x1f\x7f-\x9f\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069].{0,9}",
+                              re.sub(r"\x1b\[[0-9;]*m", "", run.screen))
+        if steering or not run.screen:
+            sys.exit(f"FAILED: orivane {' '.join(call)} lets through {steering[:5]}")
+    console = Terminal([orivane, "console", "--project", str(project)], environment)
+    console.expect(PROMPT)
+    console.send("load /Game/DT_\t\t\x03exit\r")
+    console.expect_end(0)
+    if re.search("[\u202e\u200f]", console.screen):
+        sys.exit("FAILED: completion lets a direction through")
+    lines = subprocess.run([orivane, "paths", "DT_", "--json", "--project", str(project)], capture_output=True, check=True).stdout
+    if name not in lines.decode():
+        sys.exit("FAILED: other programs get names as they are")
+
+
 def main():
     orivane, sample = sys.argv[1:3]
     with tempfile.TemporaryDirectory() as scratch:
@@ -171,6 +212,7 @@ def main():
                                           capture_output=True, check=False).returncode != 2
         if knows_blueprints:
             give_the_prompt_back(Terminal(command + ["--time-limit", "0.3"], environment))
+        keep_the_terminal(orivane, project, environment)
     print("the console behaves")
 
 

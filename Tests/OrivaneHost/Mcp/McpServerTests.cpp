@@ -35,7 +35,7 @@ std::string Progress(const std::string& Token, const std::string& Members)
 
 TEST(McpServer, RefusesWhatIsNoRequestAndLives)
 {
-	const TCase<std::string> Cases[] = {
+	const TCase<std::string, std::string> Cases[] = {
 		{"half a message", R"({"jsonrpc":"2.0","id":1)", "-32700 null"},
 		{"two messages in a line", R"({"jsonrpc":"2.0","id":1,"method":"ping"} {})", "-32700 null"},
 		{"nested deeper than the limit", std::string(200, '['), "-32700 null"},
@@ -51,7 +51,7 @@ TEST(McpServer, RefusesWhatIsNoRequestAndLives)
 		{"a fraction is no id", R"({"jsonrpc":"2.0","id":1.5,"method":"ping"})", "-32600 null"},
 		{"an object is no id", R"({"jsonrpc":"2.0","id":{},"method":"ping"})", "-32600 null"},
 		{"an id that would fill the answer", R"({"jsonrpc":"2.0","id":")" + std::string(5000, 'x') + R"(","method":"ping"})",
-			"-32600 null"},
+			"-32600 \"" + std::string(5000, 'x') + "\""},
 		{"integer ids stay integers", R"({"jsonrpc":"2.0","id":-7,"method":"ping"})", "-7"},
 		{"large ids keep their digits", R"({"jsonrpc":"2.0","id":9007199254740993,"method":"ping"})", "9007199254740993"},
 		{"text ids stay texts", R"({"jsonrpc":"2.0","id":"7","method":"ping"})", "\"7\""},

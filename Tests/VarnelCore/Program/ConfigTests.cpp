@@ -87,6 +87,7 @@ TEST(Config, AppliesLinesToLists)
 		{"the first mention replaces the defaults", "+K=a\n", "a;"},
 		{"later ones add", "K=a\nK=b\n+K=c\n", "a;b;c;"},
 		{"removal takes all equal ones, without regard to case", "K=a\nK=b\nK=A\n-k=A\n", "b;"},
+		{"what was removed may come again", "K=a\nK=b\n-K=a\n+K=A\n", "b;A;"},
 		{"clearing in between", "K=a\n!K=ClearArray\nK=b\n", "b;"},
 		{"clearing alone", "!K=ClearArray\n", ""},
 		{"twice the same stays twice", "K=a\nK=a\n", "a;a;"},

@@ -64,10 +64,10 @@ TEST(Log, LinesSayWhereAndHowBad)
 	Log::Write(LogTest, ELogVerbosity::Warning, "forged\n[LogTest] Error: line");
 	Log::Write(LogTest, ELogVerbosity::Warning,
 		"terminal \x1B[2J\xC2\x9B"
-		"2J");
+		"2J\u202Eturned");
 	EXPECT_EQ(Pipe.Take(),
 		"[LogTest] Error: Grüße\n[LogTest] Warning: forged\\n[LogTest] Error: line\n[LogTest] Warning: terminal "
-		"\\x1b[2J\\x9b2J\n");
+		"\\x1b[2J\\x9b2J\\u202eturned\n");
 }
 
 TEST(Log, AStuckOrClosedReaderBlocksNobody)

@@ -83,7 +83,9 @@ unsigned char FLineEditor::FState::Complete(EditLine* Editor, wint_t)
 	el_get(Editor, EL_CLIENTDATA, &This);
 	const LineInfo* const Info = el_line(Editor);
 	const FString Line = FString::FromExternal(FStringView(Info->buffer, static_cast<std::size_t>(Info->cursor - Info->buffer)));
-	const FLineCompletion Completion = This->Completer(Line);
+	FLineCompletion Completion = This->Completer(Line);
+	Completion.Candidates.RemoveAll( // the editor would show it as it is
+		[](const FString& Candidate) { return Terminal::Sanitize(Candidate).View() != Candidate.View(); });
 	if (Completion.Candidates.IsEmpty())
 		return CC_REFRESH_BEEP;
 	const FStringView Typed = Line.View().substr(static_cast<std::size_t>(Completion.Start));

@@ -1,6 +1,7 @@
 #include "Commands/Commands.h"
 #include "Core/Base/Failure.h"
 #include "Core/Program/Log.h"
+#include "Core/Text/Printable.h"
 #include "Core/Threads/Tasks.h"
 #include "Mcp/McpProjectHost.h"
 #include "Mcp/McpServer.h"
@@ -148,7 +149,8 @@ int RunMcp(const FMcpArguments& Arguments)
 		FMcpServerOptions{.Deadline = Arguments.Deadline,
 			.MaxAnswerBytes = Arguments.MaxAnswerBytes,
 			.bFollowsFiles = Arguments.Project.Watch != EProjectWatch::Off},
-		[&Stdio](std::string Line) { Stdio.Write(std::move(Line)); });
+		[&Stdio, bTerminal = isatty(Output) != 0](std::string Line)
+		{ Stdio.Write(bTerminal ? Printable::FilterLaidOut(Line) : std::move(Line)); });
 
 	std::stop_source Ended;
 	const std::jthread Protocol(

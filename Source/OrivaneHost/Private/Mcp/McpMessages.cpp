@@ -4,7 +4,7 @@
 
 namespace
 {
-/** Longer ids are refused: an id is repeated in the answer, whose size is limited. */
+/** Requests with longer ids are refused: an id is repeated in the answer, whose size is limited. */
 constexpr int32 MaxIdBytes = 4096;
 
 FMcpMessage Refuse(FMcpMessage Message, int32 Code, const FString& Text)
@@ -16,8 +16,13 @@ FMcpMessage Refuse(FMcpMessage Message, int32 Code, const FString& Text)
 
 bool IsUsableId(const FJsonValue& Id)
 {
+	return Id.Type() == EJson::String || Id.IsInteger();
+}
+
+bool IsTooLong(const FJsonValue& Id)
+{
 	FString Text;
-	return Id.Type() == EJson::String ? Id.TryGetString(Text) && Text.NumBytes() <= MaxIdBytes : Id.IsInteger();
+	return AsJsonString(&Id, Text) && Text.NumBytes() > MaxIdBytes;
 }
 
 bool HasVersion(const FJsonObject& Object)
@@ -50,6 +55,9 @@ FMcpMessage ReadObject(const FJsonObject& Object)
 		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest, "the id of a request is a string or an integer");
 	if (Id)
 		Message.Id = *Id;
+	if (Id && IsTooLong(*Id)) // under this id all the same, so that its sender does not wait
+		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest,
+			FString::Printf("the id of a request has %d bytes at most", MaxIdBytes));
 	if (!HasVersion(Object))
 		return Refuse(std::move(Message), EMcpErrorCode::InvalidRequest, R"("jsonrpc": "2.0" is missing)");
 	if (!bHasMethod)

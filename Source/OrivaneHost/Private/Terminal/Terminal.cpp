@@ -1,6 +1,6 @@
 #include "Terminal/Terminal.h"
 
-#include "Core/Text/Unicode.h"
+#include "Core/Text/Printable.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/WakePipe.h"
 
@@ -89,6 +89,12 @@ void Terminal::FillClosedStreams()
 
 bool Terminal::Print(FStringView Text)
 {
+	std::string Filtered;
+	if (IsStdoutTerminal())
+	{
+		Filtered = Printable::FilterLaidOut(Text);
+		Text = Filtered;
+	}
 	if (std::fwrite(Text.data(), 1, Text.size(), stdout) == Text.size() && std::fflush(stdout) == 0)
 		return true;
 	OutputError = OutputError == 0 ? errno : OutputError;
@@ -127,18 +133,8 @@ void Terminal::PrintError(FStringView Text)
 FString Terminal::Sanitize(FStringView Text)
 {
 	std::string Out;
-	Out.reserve(Text.size());
-	for (std::size_t Position = 0; Position < Text.size();)
-	{
-		const std::size_t Start = Position;
-		const char32_t CodePoint = Unicode::DecodeNext(Text, Position);
-		const bool bControl = CodePoint < 0x20 || (CodePoint >= 0x7F && CodePoint < 0xA0);
-		if (bControl)
-			Out += FString::Printf("\\x%02x", static_cast<unsigned>(CodePoint)).View();
-		else
-			Out.append(Text.substr(Start, Position - Start));
-	}
-	return Out;
+	Printable::Append(Out, Text);
+	return FString(std::move(Out));
 }
 
 void Interrupt::Install()

@@ -22,7 +22,8 @@ bool IsStdinTerminal();
 bool IsStdoutTerminal();
 bool IsStderrTerminal();
 bool UsesColor(EColor Color);
-/** Writes and flushes; false when it cannot be written; GetOutputError says so from then on. */
+/** Writes and flushes; false when it cannot be written; GetOutputError says so from then on. To a terminal nothing of the text
+ * goes that steers it, but for lines, tabs and colours; other readers get it byte for byte. */
 bool Print(FStringView Text);
 /** Why standard output could not be written, an error number of the system; 0 as long as all is well. */
 int GetOutputError();
@@ -30,7 +31,8 @@ int GetOutputError();
  * as Interrupt::IsRequested tells then. */
 int64 ReadInput(char* Buffer, std::size_t MaxBytes);
 void PrintError(FStringView Text);
-/** Text fit for a terminal: control characters are shown as escapes, so that no file or asset name can steer the terminal. */
+/** Text fit for a line on a terminal: what would steer it is shown as escapes, see Core/Text/Printable.h, so that no file or
+ * asset name can. */
 FString Sanitize(FStringView Text);
 }
 

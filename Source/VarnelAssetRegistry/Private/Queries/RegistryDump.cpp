@@ -1,5 +1,6 @@
 #include "Queries/RegistryDump.h"
 
+#include "Core/Text/Printable.h"
 #include "CoreObject/Packages/PackageSource.h"
 
 #include <algorithm>
@@ -10,11 +11,7 @@ namespace
 std::string Escape(std::string_view Text)
 {
 	std::string Out;
-	for (const char Byte : Text)
-	{
-		const auto Value = static_cast<uint8>(Byte);
-		Out += Value < 0x20 || Value == 0x7F ? FString::Printf("\\x%02x", Value).ToStdString() : std::string(1, Byte);
-	}
+	Printable::Append(Out, Text);
 	return Out;
 }
 

@@ -114,7 +114,7 @@ bool FFolderEvents::IsAnyRootBack() const
  * folder's removal. */
 FFileHandle FFolderEvents::OpenRoot(const std::string& Path)
 {
-	return FFileHandle(open(Path.c_str(), SecureOpen::ToPassFolder | O_CLOEXEC));
+	return SecureOpen::MakeHandle(open(Path.c_str(), SecureOpen::ToPassFolder | O_CLOEXEC));
 }
 
 const FFolderEvents::FRoot* FFolderEvents::FindRoot(std::string_view Path) const

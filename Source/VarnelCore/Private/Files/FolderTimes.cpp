@@ -17,7 +17,7 @@ constexpr int32 FoldersPerChunk = 16;
 FFileHandle OpenFolder(const FFileHandle& Root, const std::string& Path)
 {
 	if (Path.empty())
-		return FFileHandle(openat(Root.Get(), ".", SecureOpen::ToPassFolder | O_CLOEXEC));
+		return SecureOpen::MakeHandle(openat(Root.Get(), ".", SecureOpen::ToPassFolder | O_CLOEXEC));
 	return SecureOpen::OpenBeneath(Root.Get(), std::string_view(Path).substr(0, Path.size() - 1), SecureOpen::ToPassFolder);
 }
 }
@@ -56,7 +56,7 @@ FFolderChanges FFolderTimes::Take(EFolderLook Look)
 
 void FFolderTimes::LookAtRoot(FRoot& Root, EFolderLook Look)
 {
-	const FFileHandle Handle(open(Root.Path.c_str(), SecureOpen::ToPassFolder | O_CLOEXEC));
+	const FFileHandle Handle = SecureOpen::MakeHandle(open(Root.Path.c_str(), SecureOpen::ToPassFolder | O_CLOEXEC));
 	struct stat Status = {};
 	const bool bThere = Handle.IsOpen() && fstat(Handle.Get(), &Status) == 0;
 	if (bThere && Root.Inode == Status.st_ino && Root.Device == Status.st_dev)

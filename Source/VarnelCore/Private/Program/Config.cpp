@@ -3,6 +3,9 @@
 #include "Core/Base/Map.h"
 #include "Core/Text/Unicode.h"
 
+#include <utility>
+#include <vector>
+
 namespace
 {
 constexpr FStringView ByteOrderMark = "\xEF\xBB\xBF";
@@ -43,6 +46,41 @@ TOptional<FConfigLine::EOperation> OperationOf(char Sign)
 			return {};
 	}
 }
+
+/** A list of which values go again, without a look at all others for each. */
+class FValueList
+{
+public:
+	void Add(const FString& Value)
+	{
+		PlacesOf.FindOrAdd(Value).Add(Values.Num());
+		Values.Add(Value);
+	}
+	/** Wherever it is, without regard to case. */
+	void Remove(const FString& Value)
+	{
+		if (TArray<int32>* const Places = PlacesOf.Find(Value))
+			Removed.Append(std::exchange(*Places, {}));
+	}
+	TArray<FString> Take() const
+	{
+		std::vector<bool> IsRemoved(static_cast<std::size_t>(Values.Num()));
+		for (const int32 Place : Removed)
+			IsRemoved[static_cast<std::size_t>(Place)] = true;
+		TArray<FString> Left;
+		for (int32 Place = 0; Place < Values.Num(); ++Place)
+		{
+			if (!IsRemoved[static_cast<std::size_t>(Place)])
+				Left.Add(Values[Place]);
+		}
+		return Left;
+	}
+
+private:
+	TArray<FString> Values;
+	TMap<FString, TArray<int32>> PlacesOf;
+	TArray<int32> Removed;
+};
 
 /** Goes through a file line by line. All views are parts of the line at hand, so that a column follows from a position. */
 class FConfigReader
@@ -161,21 +199,21 @@ FConfigFile FConfigFile::Parse(FStringView Text, const FString& FileName, FDiagn
 
 TArray<FString> FConfigFile::ApplyToArray(const TArray<FConfigLine>& Lines, const FString& Key, TArray<FString> Defaults)
 {
-	TArray<FString> Values = std::move(Defaults);
-	bool bIsFirstMention = true;
+	FValueList Values;
+	bool bIsMentioned = false;
 	for (const FConfigLine& Line : Lines)
 	{
 		if (!(Line.Key == Key))
 			continue;
-		if (bIsFirstMention || Line.Operation == FConfigLine::EOperation::Clear)
-			Values.Reset();
-		bIsFirstMention = false;
-		if (Line.Operation == FConfigLine::EOperation::Remove)
-			Values.RemoveAll([&Line](const FString& Value) { return Value == Line.Value; });
-		else if (Line.Operation != FConfigLine::EOperation::Clear)
+		bIsMentioned = true;
+		if (Line.Operation == FConfigLine::EOperation::Clear)
+			Values = {};
+		else if (Line.Operation == FConfigLine::EOperation::Remove)
+			Values.Remove(Line.Value);
+		else
 			Values.Add(Line.Value);
 	}
-	return Values;
+	return bIsMentioned ? Values.Take() : Defaults;
 }
 
 const FConfigLine* FConfigFile::FindValue(const TArray<FConfigLine>& Lines, const FString& Key)

@@ -1,5 +1,7 @@
 #include "Core/Program/Log.h"
 
+#include "Core/Text/Printable.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -10,32 +12,6 @@
 
 namespace
 {
-void AppendHex(std::string& Out, uint8 Byte)
-{
-	constexpr const char* Digits = "0123456789abcdef";
-	Out += "\\x";
-	Out += Digits[Byte >> 4];
-	Out += Digits[Byte & 15];
-}
-
-/** Asset names and file texts reach the log; none of them may forge a line or command a terminal. */
-void AppendEscaped(std::string& Out, FStringView Text)
-{
-	for (std::size_t At = 0; At < Text.size(); ++At)
-	{
-		const uint8 Byte = static_cast<uint8>(Text[At]);
-		const bool bLateControl = Byte == 0xC2 && At + 1 < Text.size() && (Text[At + 1] & 0xE0) == 0x80; // U+0080 to U+009F
-		if (Byte == '\n')
-			Out += "\\n";
-		else if (Byte < 0x20 || Byte == 0x7F)
-			AppendHex(Out, Byte);
-		else if (bLateControl)
-			AppendHex(Out, static_cast<uint8>(Text[++At]));
-		else
-			Out += Text[At];
-	}
-}
-
 /** A pipe that is writable takes PIPE_BUF bytes at once. */
 bool IsWritable()
 {
@@ -63,7 +39,7 @@ std::atomic<int64> NumLost = 0; // lines since the last one that came through
 void Log::Write(const FLogCategory& Category, ELogVerbosity Verbosity, const FString& Text)
 {
 	std::string Line = std::string("[") + Category.Name + (Verbosity == ELogVerbosity::Error ? "] Error: " : "] Warning: ");
-	AppendEscaped(Line, Text);
+	Printable::Append(Line, Text); // asset names and file texts reach the log; none of them may forge a line
 	Line += '\n';
 	// The newline ends a line that was cut.
 	const int64 NumLostBefore = NumLost.exchange(0);

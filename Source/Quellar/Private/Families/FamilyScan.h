@@ -119,6 +119,7 @@ public:
 	}
 
 private:
+	bool PassesPathFilter(const FAssetData& Asset) const;
 	FName FindNextPackage();
 
 	FAssetTexts& Texts;

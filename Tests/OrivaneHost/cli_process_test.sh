@@ -151,9 +151,16 @@ expect "a path that is not there" 2 "preload: the project has no package or fold
 expect "settings with what they do" 0 'about +Additional directories to exclude' "$orivane" info --settings -p "$project"
 truncate -s 257M "$project/Docs/Huge.md"
 expect "a text file that is too large" 0 'Docs/Huge\.md: warning: .*256 MiB.* \[text-too-large\]' "$orivane" check -p "$project"
-expect "is not passed over in silence" 0 'warning: 1 text file.* Docs/Huge\.md' "$orivane" search Health -f Text -p "$project"
+expect "is not passed over in silence" 0 'orivane search: 1 file.* Docs/Huge\.md \(larger' "$orivane" search Health -f Text -p "$project"
+expect "by no way to search" 0 'Docs/Huge\.md \(larger' "$orivane" console -c 'Orivane.TextSearch term=Health' -p "$project"
 rm "$project/Docs/Huge.md"
 expect "the sample in memory is as clean" 0 '0 error' "$orivane" check -p "$project" --preload /Game
+
+rm -rf "$project/Intermediate"
+touch "$project/Intermediate"
+expect "a cache that cannot be written" 0 "cache cannot be written.*: .*/Intermediate/AssetRegistry.cache \(.+\), .*\(.+\)" \
+	env XDG_CACHE_HOME=/dev/null "$orivane" paths BT_ -p "$project"
+rm "$project/Intermediate"
 
 mkdir -p "$project/Content/Broken"
 printf '{"varnel_package": 1, "assets": [' >"$project/Content/Broken/Cut.vasset"
@@ -165,6 +172,8 @@ printf '{"varnel_package": 1, "assets": [{"name": "BT_Loop", "class": "/Script/E
 printf 'nonsense\n[Unclosed\n' >>"$project/Config/DefaultGame.ini"
 printf '{"varnel_script": 1, "classes": [{"name": "Odd", "super": "/Script/Engine.Nowhere"}]}' >"$project/Script/Odd.vscript"
 expect "faults are named with file, line and column" 1 'Content/Broken/Cut\.vasset:1:[0-9]+: error: .* \[' "$orivane" check -p "$project"
+printf '{"varnel_package": 1, "assets": [], "dependencies": [], "blueprint_index": [], "objects": [{{{]}' >"$project/Content/Broken/Bare.vasset"
+expect "of a package without assets too" 1 'Content/Broken/Bare\.vasset:1:[0-9]+: error: .* \[' "$orivane" check -p "$project"
 expect "a wrong version" 1 'Content/Broken/Version\.vasset:1:[0-9]+: error: .* \[package-version\]' "$orivane" check -p "$project"
 expect "a tree that holds itself" 1 'BT_Loop\.vasset: error: .* is below itself \[tree-cycle\]' "$orivane" check -p "$project"
 expect "and is searched all the same" 0 'BT_Loop  BehaviorTree' "$orivane" search BT_Loop -f BehaviorTree --object-memory 1 -p "$project"
@@ -172,7 +181,7 @@ expect "a settings line" 1 'Config/DefaultGame\.ini:[0-9]+:1: error: ' "$orivane
 expect "a script class without a parent" 1 'Script/Odd\.vscript:1:[0-9]+: error: .*Nowhere' "$orivane" check -p "$project"
 expect "faults as JSON" 1 '^\{"errors":[1-9][0-9]*,"warnings":' "$orivane" check --json -p "$project"
 expect "the rest is still found" 0 'DataTable' "$orivane" search Health -p "$project"
-expect "a search mentions the faults" 0 'orivane check' "$orivane" search Health -p "$project"
+expect "a search names the faults" 0 'fault\(s\) in project files.*: Config/DefaultGame\.ini:[0-9]+:1: error: .*; see: orivane check' "$orivane" search Health -p "$project"
 
 
 [ -n "$(cd "$project/Docs" && "$orivane" search Health 2>/dev/null)" ] || { echo "FAILED: found upward"; failures=$((failures + 1)); }
@@ -228,10 +237,28 @@ for command in "search Health" "graph $hub" "paths BT_" "info" "info --dump-regi
 	[[ $command != *--help && $command != --version ]] || options=()
 	expect "$command on a full disk" 2 'cannot write to standard output: No space left on device' without full "$orivane" $command "${options[@]}"
 done
+printf '{"jsonrpc":"2.0","id":1,"method":"ping"}\n' >"$scratch/ping"
+from_ping() { "$@" <"$scratch/ping"; }
+expect "mcp on a full disk" 2 'cannot write to standard output: No space left on device' without full from_ping "$orivane" mcp -p "$project"
 expect "an output that is closed" 2 'cannot write to standard output' without output "$orivane" search Health -p "$project"
 head -c 70000 /dev/zero | tr '\0' x | cat - <(echo; echo help) | "$orivane" console -p "$project" >"$scratch/output" 2>&1
 [ $? -eq 2 ] && grep -q '64 KiB and was skipped' "$scratch/output" && grep -q Orivane.AssetSearch "$scratch/output" ||
 	{ echo "FAILED: a console line that is too long"; failures=$((failures + 1)); }
+
+few_files() (
+	ulimit -n "$1"
+	"${@:2}"
+)
+"$orivane" search e -p "$project" >"$scratch/all" 2>/dev/null
+for number in 5 6 7 8 9 10 11 12 13 14 16; do # where it has enough it answers as ever, where not it says so
+	few_files $number "$orivane" search e -p "$project" >"$scratch/few" 2>"$scratch/errors"
+	code=$?
+	few_files $number "$orivane" mcp -p "$project" >/dev/null 2>"$scratch/mcp" </dev/null
+	[ $? -le 2 ] || { echo "FAILED: a server with $number descriptors"; head -3 "$scratch/mcp"; failures=$((failures + 1)); }
+	{ [ $code -eq 0 ] && cmp -s "$scratch/all" "$scratch/few"; } ||
+		{ [ $code -eq 2 ] && grep -q 'too many files are open' "$scratch/errors"; } ||
+		{ echo "FAILED: with $number descriptors: exit $code"; head -3 "$scratch/errors"; failures=$((failures + 1)); }
+done
 
 # Sanitizers need room of their own: with them this says nothing.
 limited() (

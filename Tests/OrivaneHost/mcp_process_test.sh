@@ -116,6 +116,18 @@ timeout "$patience" "$orivane" mcp --project "$project" </dev/null >&- || fail "
 	transcript "no project, and still alive" '"id":0,
 "id":1,"result":.*"text":"The project cannot be opened: .*"isError":true
 "id":2,"result":\{\}' --project "$scratch/Empty"
+mkdir "$scratch/Late"
+start --project "$scratch/Late"
+{ handshake; search 1 Health; } >&8
+hear; hear
+[[ $reply == *'"id":1,'*'The project cannot be opened: '* ]] || fail "an empty folder" "$reply"
+cp -r "$project"/. "$scratch/Late"
+search 2 Health >&8
+hear
+[[ $reply == *'"id":2,'*'"isError":false'* ]] || fail "a project that comes later" "$reply"
+exec 8>&-
+end "a project that comes later"
+
 { handshake; request 1 tools/call '{"name":"asset_search","arguments":{"term":"e","max_total_hits":10000,"max_hits_per_asset_type":10000}}'; } |
 	transcript "a limit of bytes" '"id":0,
 "id":1,.*Answer limited to 16384 bytes: ([0-9]+ of [0-9]+ hits, )?[0-9]+ of [0-9]+ assets' --project "$project" --max-answer-bytes 16384

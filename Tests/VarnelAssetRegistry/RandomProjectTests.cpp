@@ -332,6 +332,8 @@ std::string RenderAnswers(const FAssetRegistry& Registry, const FModel& Model)
 {
 	std::string Out = "counts " + std::to_string(Registry.NumPackages()) + " " + std::to_string(Registry.NumAssets()) + " " +
 		std::to_string(Registry.NumDependencies()) + "\nall " + RenderAssets(Registry, {}, false) + "\n";
+	for (const FName Package : Registry.ListPackages())
+		Out += "package " + Package.ToString().ToStdString() + "\n";
 	for (const auto& [Class, Num] : Registry.CountAssetsByClass())
 		Out += "class " + Class.ToString().ToStdString() + " " + std::to_string(Num) + "\n";
 	std::set<std::string> Names = {"/Game/Gone", "/Script/Engine", "/Game/Never"};

@@ -28,6 +28,8 @@ public:
 		for (std::string_view Rest = Bytes; !Rest.empty();)
 		{
 			std::string_view Line = TakeWord(Rest, '\n');
+			if (Line.starts_with("odd "))
+				Report(Line.substr(4), FileName, Diagnostics);
 			if (ReadLine(TakeWord(Line), Line, Out))
 				continue;
 			if (Diagnostics)
@@ -40,6 +42,14 @@ public:
 	TUniquePtr<IPackageBody> OpenBody(const FString&, UPackage&, FDiagnosticSink*) override { return nullptr; }
 
 private:
+	static void Report(std::string_view Line, const FString& FileName, FDiagnosticSink* Diagnostics)
+	{
+		const auto TakeNumber = [&Line] { return std::stoi(std::string(TakeWord(Line))); };
+		const int32 Row = TakeNumber();
+		const int32 Column = TakeNumber();
+		if (Diagnostics)
+			Diagnostics->Add({FileName, Row, Column, EDiagnosticSeverity::Warning, FString(Line), "odd"});
+	}
 	static bool ReadLine(std::string_view Word, std::string_view Line, FPackageHeader& Out)
 	{
 		if (Word == "asset")
@@ -162,7 +172,8 @@ FRegistryScanReport FRegistryProject::Scan(FRegistryScanOptions Options)
 	EXPECT_TRUE(Registry.Scan(Options, Report));
 	Faults.clear();
 	for (const FDiagnostic& Diagnostic : Sink.GetSorted())
-		Faults += Diagnostic.File.ToStdString() + " [" + Diagnostic.Rule.ToStdString() + "]\n";
+		Faults += Diagnostic.Rule == "odd" ? Diagnostic.ToString().ToStdString() + "\n"
+										   : Diagnostic.File.ToStdString() + " [" + Diagnostic.Rule.ToStdString() + "]\n";
 	return Report;
 }
 

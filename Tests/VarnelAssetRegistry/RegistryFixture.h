@@ -14,6 +14,7 @@
  *     tag KEY=VALUE              of the last asset
  *     needs PACKAGE [soft] [editor]
  *     entry DEPTH CATEGORY|TEXT|COMMENT
+ *     odd LINE COLUMN TEXT       a warning
  *     bad                        the file is no package
  *
  * Files end in ".line" or ".LINE". Counts the headers that were read.

@@ -88,6 +88,14 @@ TArray<std::pair<FTopLevelAssetPath, int32>> FAssetRegistry::CountAssetsByClass(
 	return Result;
 }
 
+TArray<FName> FAssetRegistry::ListPackages() const
+{
+	TArray<FName> Names;
+	Live->Take()->ForEachPackage(
+		[&Names](const FRegistrySnapshot::FRow& Package) { Names.Add(Package.Part.Names.GetNode(Package.Row)); });
+	return Names;
+}
+
 FString FAssetRegistry::GetPackageFileName(FName PackageName, const IPackageSource*& OutSource) const
 {
 	const auto Current = Live->Take();

@@ -199,6 +199,22 @@ TEST_F(McpProjectHost, SaysWhyThereIsNoProject)
 	EXPECT_EQ(TakeAnswers(), FTexts{Sentence}) << "and every later one";
 }
 
+TEST_F(McpProjectHost, TriesAgainWhereThereWasNoProject)
+{
+	int32 NumTries = 0;
+	Host->OpenBy([&] { return ++NumTries < 3 ? Host->OnProjectFailed("not yet") : Host->OnProjectOpened(); });
+	EXPECT_EQ(NumTries, 1);
+	Call(1);
+	Call(2);
+	EXPECT_EQ(TakeAnswers(), (FTexts{"The project cannot be opened: not yet", "The project cannot be opened: not yet"}));
+	EXPECT_EQ(NumTries, 2) << "one try for calls that come together";
+	Call(3);
+	EXPECT_EQ(TakeAnswers(), FTexts{"3"});
+	Call(4);
+	EXPECT_EQ(TakeAnswers(), FTexts{"4"});
+	EXPECT_EQ(NumTries, 3);
+}
+
 TEST_F(McpProjectHost, MayGoWhileACallRuns)
 {
 	Host->OnProjectOpened();

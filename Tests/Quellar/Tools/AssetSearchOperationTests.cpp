@@ -1,11 +1,13 @@
 #include "Quellar/Tools/AssetSearchOperation.h"
 
+#include "Core/Files/File.h"
 #include "Core/Json/Json.h"
 #include "Core/Threads/Tasks.h"
 #include "Support/Golden.h"
 #include "Support/TestProject.h"
 #include "Support/ToolResultText.h"
 
+#include <filesystem>
 #include <functional>
 
 namespace
@@ -92,6 +94,33 @@ TEST(AssetSearchOperation, ReadsArgumentsWithTheirConversions)
 		const std::string Result = Execute(Project, Case.Given);
 		EXPECT_EQ(Result.substr(0, Result.find("content=")), Case.Expected);
 		EXPECT_EQ(Result.find("content=") != std::string::npos, Case.Expected != Missing);
+	}
+}
+
+TEST(AssetSearchOperation, NamesWhatCouldNotBeSearched)
+{
+	FTestProject Project;
+	Project.Table("/Game/DT_Sound", "RowA").Column("Health", "int");
+	Project.File("Content/DT_Faulty.vasset",
+		R"({"varnel_package": 1, "assets": [{"name": "DT_Faulty", "class": "/Script/Engine.DataTable"}], "objects": [{{{)");
+	for (const char* File : {"Docs/b.md", "Docs/c.md", "Docs/a.md"})
+	{
+		Project.File(File, "");
+		std::filesystem::resize_file(Project.GetFolder().GetRoot() + "/" + File, FFileHelper::MaxTextFileBytes + 1); // a hole
+	}
+	const TCase<> Cases[] = {
+		{"a package", "DataTable", "1 1 file(s) or folder(s) could not be searched: /Game/DT_Faulty (cannot be loaded); "},
+		{"the same for the next search, which does not try to load it", "DataTable", "1 1 file(s) or folder(s) "},
+		{"the first of many texts", "Text",
+			"1 3 file(s) or folder(s) could not be searched: Docs/a.md (larger than 256 MiB), Docs/b.md (larger than 256 MiB), "
+			"Docs/c.md (larger than 256 MiB); orivane check names all"},
+		{"all families together", "Text\", \"DataTable\", \"Struct", "Docs/b.md (larger than 256 MiB), ...; orivane check"},
+	};
+	for (const auto& Case : Traced(Cases))
+	{
+		const std::string Result =
+			Execute(Project, R"({"term": "Health", "include_asset_families": [")" + std::string(Case.Given) + "\"]}");
+		EXPECT_NE(Result.find(Case.Expected), std::string::npos) << Result;
 	}
 }
 

@@ -53,7 +53,7 @@ const std::string Blueprint =
 void FillProject(const FRegistryProject& Project)
 {
 	Project.Package("A", "asset A /Script/Engine.Thing\nneeds /Game/B\n");
-	Project.Package("B", "asset B /Game/BP.BP_C\nneeds /Game/a\nneeds /Game/Gone\n");
+	Project.Package("B", "asset B /Game/BP.BP_C\nneeds /Game/a\nneeds /Game/Gone\nodd 7 1 strange\n");
 	Project.Package("BP", Blueprint);
 	Project.Package(
 		"UI/C", "asset C /script/engine.THING filtered\nasset In /Script/Engine.Thing in=/Game/UI/C.C\nneeds /game/GONE\n");
@@ -148,16 +148,27 @@ TEST(RegistryCache, FaultsAreReportedAtEveryOpening)
 	Project.Package("Broken", "bad\n");
 	Project.Package("No.Name", "");
 	Project.Package("bp", "needs /Game/A\n");
+	Project.Package("Odd", "odd 3 14 a tag\nodd 2 1 Ärger\nasset Odd /Script/Engine.Thing\n");
 	Project.ScanCached();
 	const std::string Faults = Project.GetFaults();
-	EXPECT_EQ(
-		Faults, "Content/bp.line [duplicate-package]\nContent/Broken.line [bad-line]\nContent/No.Name.line [bad-package-name]\n");
+	EXPECT_EQ(Faults,
+		"Content/B.line:7:1: warning: strange [odd]\nContent/bp.line [duplicate-package]\nContent/Broken.line "
+		"[bad-line]\nContent/No.Name.line [bad-package-name]\n"
+		"Content/Odd.line:2:1: warning: Ärger [odd]\nContent/Odd.line:3:14: warning: a tag [odd]\n");
 	const FRegistryScanReport Again = Project.ScanCached();
 	EXPECT_EQ(Project.GetFaults(), Faults);
 	EXPECT_EQ(Again.NumParsed, 3) << "the broken file, and those with spellings of their own, which are read when anything is";
 	EXPECT_FALSE(Again.bCacheWritten);
 	EXPECT_EQ(Again.CacheState.View(), "up to date");
 	EXPECT_EQ(Again.NumSkipped, 3);
+
+	Project.Package("A", "asset Other /Script/Engine.Thing\n");
+	EXPECT_TRUE(Project.ScanCached().bCacheWritten);
+	EXPECT_EQ(Project.GetFaults(), Faults) << "carried over into the next cache";
+	Project.Package("Odd", "odd 5 5 again\n");
+	Project.ScanCached();
+	EXPECT_EQ(Project.GetFaults().find("Ärger"), std::string::npos) << "of a file as it is no more";
+	EXPECT_NE(Project.GetFaults().find("Odd.line:5:5: warning: again"), std::string::npos);
 }
 
 TEST(RegistryCache, MayChangeInPlaceUnderItsReader)
@@ -248,7 +259,7 @@ TEST(RegistryCache, UsesTheFirstFolderThatWorks)
 		Project.Folder.Path("Link/Below"), Outside.Path("Deep/Cache"), Project.Folder.Path("Unused")};
 	const FRegistryScanReport First = Project.Scan(Options);
 	EXPECT_TRUE(First.CacheFile.StartsWith(Outside.Path("Deep/Cache/AssetRegistry-"))) << First.CacheFile.View();
-	EXPECT_TRUE(Project.GetFaults().empty());
+	EXPECT_EQ(Project.GetFaults(), "Content/B.line:7:1: warning: strange [odd]\n");
 	EXPECT_EQ(Project.Scan(Options).NumParsed, 0);
 	EXPECT_FALSE(std::filesystem::exists(*Project.Folder.Path("Unused")));
 	int32 NumOutside = 0;
@@ -262,6 +273,7 @@ TEST(RegistryCache, UsesTheFirstFolderThatWorks)
 	EXPECT_FALSE(Nowhere.bCacheWritten);
 	EXPECT_EQ(Nowhere.CacheFile.View(), "");
 	EXPECT_EQ(Nowhere.CacheState.View(), "created; no cache folder can be written");
+	EXPECT_EQ(Nowhere.CacheError, Project.Folder.Path("File/Intermediate/AssetRegistry.cache") + " (Not a directory)");
 }
 
 TEST(RegistryCache, AReadOnlyFolderFallsToTheNext)

@@ -5,6 +5,8 @@
 #include "Support/ScratchFolder.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
 #include <unistd.h>
 
 namespace
@@ -127,6 +129,29 @@ TEST(FileHelper, SavingReplacesByRename)
 	EXPECT_EQ(std::filesystem::status(Scratch.Path("Notes.md").ToStdString()).permissions(),
 		perms::owner_read | perms::owner_write | perms::group_read);
 	EXPECT_EQ(Names(Scratch, "*"), (std::vector<std::string>{"Notes.md", "Witness"})) << "no temporary file stays";
+}
+
+TEST(FileHelper, SavingTidiesUpAfterKilledPrograms)
+{
+	const FScratchFolder Scratch;
+	Scratch.Write(".varnel-save-0.tmp", "of one that writes");
+	Scratch.Write(".varnel-save-1.tmp", "left behind");
+	Scratch.Link("File", ".varnel-save-2.tmp");
+	const int Writer = open(*Scratch.Path(".varnel-save-0.tmp"), O_RDONLY);
+	ASSERT_EQ(flock(Writer, LOCK_EX), 0);
+	EXPECT_TRUE(FFileHelper::SaveStringToFile("new", Scratch.Path("File")));
+	EXPECT_EQ(Names(Scratch, "*"), (std::vector<std::string>{".varnel-save-0.tmp", "File"}));
+	close(Writer);
+	std::vector<std::jthread> Threads;
+	for (int32 Thread = 0; Thread < 8; ++Thread)
+		Threads.emplace_back(
+			[&Scratch, Thread]
+			{
+				for (int32 Round = 0; Round < 20; ++Round)
+					EXPECT_TRUE(FFileHelper::SaveStringToFile("new", Scratch.Path("File" + std::to_string(Thread))));
+			});
+	Threads.clear();
+	EXPECT_EQ(Names(Scratch, "*").size(), 9U) << "nothing but the files";
 }
 
 TEST(FileHelper, WhereTextCanBeSaved)

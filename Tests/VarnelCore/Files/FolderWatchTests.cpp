@@ -8,6 +8,7 @@
 #include <functional>
 #include <set>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace
@@ -254,6 +255,35 @@ TEST(FolderWatch, LooksAtTimesOnceInAWhile)
 		EFolderWatchMode::Times, [](FFolderWatchOptions& Options) { Options.TimesInterval = std::chrono::hours(1); });
 	Watched.Disk.Write("In/Top.txt", "x");
 	EXPECT_EQ(Watched.Take(), "");
+}
+
+TEST(FolderWatch, TellsOfKeptFilesAloneAndOfBulkWhenAsked)
+{
+	for (const EFolderWatchMode Mode : {EFolderWatchMode::Events, EFolderWatchMode::Times})
+	{
+		FWatched Watched(Mode,
+			[](FFolderWatchOptions& Options)
+			{
+				Options.KeepFile = [](std::string_view Path) { return !Path.ends_with(".tmp"); };
+				Options.IsBulk = [](std::string_view Path) { return Path.ends_with("/b.txt"); };
+			});
+		for (const char* File : {"In/A/a.txt", "In/A/Deep/b.txt", "In/A/Deep/c.tmp"})
+			Watched.Disk.Write(File, "other");
+		std::this_thread::sleep_for(std::chrono::milliseconds(1100)); // what is new is told again for a second
+		FFolderChanges Changes = Watched.Watch->Take(EFolderLook::WithoutBulk);
+		EXPECT_TRUE(Watched.Tells(Changes, "A/a.txt"));
+		EXPECT_FALSE(Watched.Tells(Changes, "A/Deep/c.tmp"));
+		EXPECT_TRUE(Watched.Tells(Changes, "A/Deep/b.txt")) << "its folder has changed";
+
+		Watched.Disk.Write("In/A/Deep/b.txt", "changed in place");
+		Watched.Disk.Write("In/Top.txt", "changed in place");
+		Changes = Watched.Watch->Take(EFolderLook::WithoutBulk);
+		EXPECT_TRUE(Watched.Tells(Changes, "Top.txt"));
+		const bool bTold = Watched.Tells(Changes, "A/Deep/b.txt");
+		EXPECT_EQ(bTold, Mode == EFolderWatchMode::Events);
+		EXPECT_NE(Watched.Tells(Watched.Watch->Take(), "A/Deep/b.txt"), bTold);
+		EXPECT_FALSE(Watched.Tells(Watched.Watch->Take(), "A/Deep/c.tmp"));
+	}
 }
 
 TEST(FolderWatch, GoesOnBesideAFolderThatCannotBeRead)

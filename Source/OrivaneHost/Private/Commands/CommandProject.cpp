@@ -32,6 +32,7 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 		return false;
 	}
 	PrintRemark(Opening.PreloadRemark);
+	PrintRemark(Opening.CacheRemark);
 	if (bMentionFaults)
 		PrintRemark(Opening.FaultRemark);
 	return true;
@@ -39,9 +40,7 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 
 void RefreshProjectForCommand()
 {
-	FDiagnosticSink Faults;
-	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
-		Terminal::PrintError("files were read again, with faults; see: orivane check\n");
+	PrintRemark(RefreshOpenProject());
 }
 
 int CallToolOfProject(const FProjectOptions& Project, std::chrono::milliseconds TimeLimit, const FString& Tool,

@@ -1,7 +1,6 @@
 #include "Commands/Commands.h"
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Families/AssetFamily.h"
-#include "Quellar/Families/TextSearch.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Terminal/ExitCode.h"
 #include "Tools/ToolOutput.h"
@@ -75,23 +74,9 @@ private:
 	FString Out;
 };
 
-/** Files that might have held the term. */
-void PrintGaps()
-{
-	const FTextSearchGaps& Gaps = GetTextSearchGaps();
-	const int32 Num = Gaps.TooLarge.Num() + Gaps.Unreadable.Num();
-	if (Num == 0)
-		return;
-	const FString& Example = Gaps.TooLarge.IsEmpty() ? Gaps.Unreadable[0] : Gaps.TooLarge[0];
-	Terminal::PrintError(FString::Printf("orivane search: warning: %d text file(s) or folder(s) are too large or cannot be read, "
-										 "such as %s; see: orivane check\n",
-		Num, *Terminal::Sanitize(Example)));
-}
-
 int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
 {
 	PrintProblems("search", Result);
-	PrintGaps();
 	const TSharedPtr<FJsonObject> Content = GetContent(Result);
 	if (!Content)
 		return EExitCode::NotFound;

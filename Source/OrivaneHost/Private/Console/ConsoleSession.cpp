@@ -176,6 +176,8 @@ void FConsoleSession::OnSearchFinished(const FConsoleSearches::FReport& Report)
 		LastExitCode = EExitCode::WrongUse;
 		Terminal::PrintError(FString("cannot write ") + File + "\n");
 	}
+	if (const FString Unread = DescribeUnread(Report.Found.Unread); !Unread.IsEmpty())
+		Terminal::PrintError(Terminal::Sanitize(Unread) + "\n");
 	Terminal::Print((Report.bWritten ? File + "\n" : FString()) + Summarize(Report.Found));
 }
 

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/time.h>
 #include <thread>
@@ -87,7 +88,8 @@ void ServeClient(FMcpServer& Server, FMcpStdio& Stdio)
 	Stdio.Flush(FlushTime);
 }
 
-void OpenProjectForServer(const FProjectOptions& Options, std::stop_token Stop, FMcpProjectHost& Host)
+void OpenProjectForServer(const FProjectOptions& Options, const std::stop_token& Stop, FMcpProjectHost& Host)
+try
 {
 	FProjectOptions WithProgress = Options;
 	WithProgress.Progress = &Host.GetOpeningProgress();
@@ -101,12 +103,16 @@ void OpenProjectForServer(const FProjectOptions& Options, std::stop_token Stop, 
 		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Opening.Error);
 		return Host.OnProjectFailed(Opening.Error);
 	}
-	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark})
+	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark, Opening.CacheRemark})
 	{
 		if (!Remark.IsEmpty())
 			Log::Write(LogMcp, ELogVerbosity::Warning, Remark);
 	}
 	Host.OnProjectOpened();
+}
+catch (const std::exception& Failure)
+{
+	Host.OnProjectFailed(DescribeFailure(Failure));
 }
 
 /** A task that throws, for want of memory, costs the calls that are under way and not the session. */
@@ -152,14 +158,10 @@ int RunMcp(const FMcpArguments& Arguments)
 			Host->CancelCalls();
 			Ended.request_stop();
 		});
-	try
-	{
-		OpenProjectForServer(Arguments.Project, Ended.get_token(), *Host);
-	}
-	catch (const std::exception& Failure)
-	{
-		Host->OnProjectFailed(DescribeFailure(Failure));
-	}
+	Host->OpenBy([&] { OpenProjectForServer(Arguments.Project, Ended.get_token(), *Host); });
 	RunGameThread(Ended.get_token());
-	return EExitCode::Found;
+	const int Error = Stdio.GetWriteError();
+	if (Error != 0)
+		Terminal::PrintError(FString("orivane mcp: cannot write to standard output: ") + std::strerror(Error) + "\n");
+	return Error == 0 ? EExitCode::Found : EExitCode::WrongUse;
 }

@@ -2,6 +2,8 @@
 
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Packages/Loader.h"
+#include "Project/OpenProject.h"
+#include "Quellar/Tools/AssetSearchOperation.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Tools/TimeOutAdvice.h"
 #include "Tools/ToolCaller.h"
@@ -21,11 +23,13 @@ TSharedPtr<FJsonObject> MakeAnyObjectSchema()
 	return Schema;
 }
 
-void RefreshProject()
+/** Packages, of which there are many, may be left for a later call by one that asks nothing about them. */
+EFolderLook ChooseLook(const Orivane::FToolCommand& Command)
 {
-	FDiagnosticSink Faults;
-	if (FProject::Refresh(Faults) && !Faults.GetSorted().IsEmpty())
-		Log::Write(LogMcp, ELogVerbosity::Warning, "files were read again, with faults; see: orivane check");
+	TSharedPtr<FJsonObject> Args;
+	const bool bTextsAlone = Command.ToolName == ToolNames::AssetSearch && Json::ParseObject(Command.ArgumentsJson, Args) &&
+		!FAssetSearchOperation::NeedsPackages(*Args);
+	return bTextsAlone ? EFolderLook::WithoutBulk : EFolderLook::All;
 }
 
 TArray<FString> ListNarrowingArguments(const FToolDeclaration& Tool)
@@ -90,6 +94,8 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 	FCall Call{
 		.Command = {FString::FromInt(static_cast<int64>(Number)), ToolName, ArgumentsJson}, .OnAnswer = std::move(OnAnswer)};
 	std::unique_lock Guard(Lock);
+	if (State == EState::Failed && Open)
+		OpenAgain();
 	if (State == EState::Failed)
 	{
 		Guard.unlock();
@@ -103,10 +109,10 @@ void FMcpProjectHost::StartCall(FMcpCallNumber Number, const FString& ToolName, 
 /** The executor answers on other threads or later, so an answer finds the executor's id stored: it waits for the lock. */
 void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 {
-	const auto BeforeStart = [WeakThis = weak_from_this(), Number]
+	const auto BeforeStart = [WeakThis = weak_from_this(), Number, Look = ChooseLook(Call.Command)]
 	{
 		if (const auto This = WeakThis.lock())
-			This->PrepareCall(Number);
+			This->PrepareCall(Number, Look);
 	};
 	Call.ExecutorId =
 		Executor->Call(Call.Command, {.TimeLimit = TimeLimit, .ExplainTimeOut = ExplainTimeOut, .BeforeStart = BeforeStart},
@@ -118,10 +124,13 @@ void FMcpProjectHost::Dispatch(FMcpCallNumber Number, FCall& Call)
 }
 
 /** Objects go only when no tool may hold them. */
-void FMcpProjectHost::PrepareCall(FMcpCallNumber Number)
+void FMcpProjectHost::PrepareCall(FMcpCallNumber Number, EFolderLook Look)
 {
 	if (!Executor->IsAnyToolRunning())
-		RefreshProject();
+	{
+		if (const FString Faults = RefreshOpenProject(Look); !Faults.IsEmpty())
+			Log::Write(LogMcp, ELogVerbosity::Warning, Faults);
+	}
 	std::lock_guard Guard(Lock);
 	if (const auto Found = Calls.find(Number); Found != Calls.end())
 	{
@@ -190,6 +199,24 @@ FMcpCallProgress FMcpProjectHost::GetCallProgress(FMcpCallNumber) const
 	if (State == EState::Opening)
 		return {.Text = "the project is being opened", .NumDone = Opening.NumDone, .NumTotal = Opening.NumTotal};
 	return {.Text = "the tool is running or queued after an earlier call"};
+}
+
+void FMcpProjectHost::OpenBy(std::function<void()> InOpen)
+{
+	Open = std::move(InOpen);
+	Open();
+}
+
+/** What was wrong may be mended by now. */
+void FMcpProjectHost::OpenAgain()
+{
+	State = EState::Opening;
+	AsyncTask(ENamedThreads::GameThread,
+		[WeakThis = weak_from_this()]
+		{
+			if (const auto This = WeakThis.lock())
+				This->Open();
+		});
 }
 
 void FMcpProjectHost::OnProjectOpened()

@@ -6,6 +6,7 @@
 #include "Project/Project.h"
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -14,8 +15,8 @@ DECLARE_LOG_CATEGORY(LogMcp);
 
 /**
  * Serves the registered tools to the protocol server. Calls that come before the project is open wait for it; when it cannot be
- * opened, each is answered with the reason. Files that have changed are read again before a tool starts. Made with MakeShared on
- * the game thread, when the modules run.
+ * opened, they are answered with the reason, and the next call tries again. Files that have changed are read again before a tool
+ * starts. Made with MakeShared on the game thread, when the modules run.
  */
 class FMcpProjectHost final : public IMcpToolHost, public std::enable_shared_from_this<FMcpProjectHost>
 {
@@ -25,7 +26,9 @@ public:
 
 	/** To be filled while the project opens. */
 	FScanProgress& GetOpeningProgress() { return Opening; }
-	// One of the two, once.
+	/** Opens the project by this function, now and for a call that comes after it has failed. It calls one of the two below. Game
+	 * thread. */
+	void OpenBy(std::function<void()> InOpen);
 	void OnProjectOpened();
 	void OnProjectFailed(const FString& Reason);
 	/** No answer is needed any more; what runs is asked to stop. Any thread. */
@@ -53,13 +56,15 @@ private:
 	};
 
 	void Dispatch(FMcpCallNumber Number, FCall& Call);
-	void PrepareCall(FMcpCallNumber Number);
+	void PrepareCall(FMcpCallNumber Number, EFolderLook Look);
 	void OnCallAnswered(FMcpCallNumber Number, const Orivane::FToolResult& Result);
+	void OpenAgain();
 	void Fail(const FCall& Call) const;
 
 	const TSharedPtr<Orivane::IToolExecutor> Executor;
 	const std::chrono::milliseconds TimeLimit;
 	FScanProgress Opening;
+	std::function<void()> Open; // null: there is no other try
 
 	mutable std::mutex Lock; // guards what follows; never held while an answer is handed on
 	EState State = EState::Opening;

@@ -1,6 +1,5 @@
 #include "Mcp/McpStdio.h"
 
-#include "Core/Base/Assert.h"
 #include "Core/Files/WriteFile.h"
 #include "Core/Program/Memory.h"
 #include "Core/Threads/Tasks.h"
@@ -9,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <poll.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -24,7 +24,8 @@ constexpr short GoneEvents = POLLERR | POLLHUP | POLLNVAL;
 
 FMcpStdio::FMcpStdio(int InInput, int InOutput) : Input(InInput), Output(InOutput)
 {
-	checkf(StopRequest.IsOpen(), "a process that starts has file descriptors left");
+	if (!StopRequest.IsOpen())
+		throw std::system_error(std::make_error_code(std::errc::too_many_files_open));
 	Writer = std::thread([this] { RunWriter(); });
 }
 
@@ -112,6 +113,12 @@ bool FMcpStdio::Flush(std::chrono::milliseconds Limit)
 	return Changed.wait_for(Guard, Limit, [this] { return bReaderGone || NumUnwritten == 0; });
 }
 
+int FMcpStdio::GetWriteError() const
+{
+	std::lock_guard Guard(Lock);
+	return WriteError;
+}
+
 bool FMcpStdio::HasBacklog() const
 {
 	std::lock_guard Guard(Lock);
@@ -129,6 +136,7 @@ void FMcpStdio::RunWriter()
 		std::string Lines = std::exchange(Queued, std::string());
 		Guard.unlock();
 		const bool bWritten = WriteFile::All(Output, Lines);
+		const int Error = bWritten || errno == EPIPE || errno == ECONNRESET ? 0 : errno;
 		const std::size_t NumBytes = Lines.size();
 		Lines = {};
 		if (NumBytes > LargeBytes) // a task of its own: what made the answer may still be on that thread's stack
@@ -136,6 +144,7 @@ void FMcpStdio::RunWriter()
 		Guard.lock();
 		NumUnwritten -= NumBytes;
 		bReaderGone = !bWritten;
+		WriteError = Error;
 		Changed.notify_all();
 		if (bReaderGone)
 			RequestStop();

@@ -39,6 +39,7 @@ enum class EMcpEnd : uint8
 class FMcpStdio
 {
 public:
+	/** Throws std::system_error where the process has no descriptors left. */
 	FMcpStdio(int InInput, int InOutput);
 	/** Drops the lines that are not written; waits for the one that is being written. */
 	~FMcpStdio();
@@ -53,6 +54,8 @@ public:
 	void RequestStop() noexcept { StopRequest.Signal(); }
 	/** Waits until all lines are written, at most Limit. */
 	bool Flush(std::chrono::milliseconds Limit);
+	/** Why lines could not be written, an error number of the system; 0 when they were, or nobody wanted to read them. */
+	int GetWriteError() const;
 
 private:
 	struct FWait
@@ -74,6 +77,7 @@ private:
 	std::string Queued;			  // whole lines
 	std::size_t NumUnwritten = 0; // bytes: what is queued and what is being written
 	bool bReaderGone = false;
+	int WriteError = 0;
 	bool bClosing = false;
 	std::thread Writer; // last: starts when all else is there
 };

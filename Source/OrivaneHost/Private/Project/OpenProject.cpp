@@ -3,6 +3,25 @@
 #include "Project/PackageMemory.h"
 #include "Project/Project.h"
 
+#include <algorithm>
+
+namespace
+{
+constexpr int32 MaxNamedFaults = 3;
+
+/** The first errors with file and position; of faults that are no errors the first ones. */
+FString NameFaults(const FDiagnosticSink& Sink)
+{
+	TArray<FDiagnostic> Faults = Sink.GetSorted();
+	if (Sink.NumErrors() > 0)
+		Faults.RemoveAll([](const FDiagnostic& Fault) { return Fault.Severity != EDiagnosticSeverity::Error; });
+	TArray<FString> Names;
+	for (int32 Index = 0; Index < std::min(Faults.Num(), MaxNamedFaults); ++Index)
+		Names.Add(Faults[Index].ToString());
+	return FString::Join(Names, "; ") + (Faults.Num() > MaxNamedFaults ? "; ..." : "");
+}
+}
+
 FOpening OpenProject(const FProjectOptions& Options, FDiagnosticSink& Diagnostics)
 {
 	FOpening Opening;
@@ -21,7 +40,20 @@ FOpening OpenProject(const FProjectOptions& Options, FDiagnosticSink& Diagnostic
 		Opening.PreloadRemark = FString::Printf(
 			"--preload: %d of %d package(s) cannot be loaded; see: orivane check", Preloaded.NumFailed, Preloaded.NumPackages);
 	if (Diagnostics.NumErrors() > 0)
-		Opening.FaultRemark = FString::Printf(
-			"%d fault(s) in project files, what they concern is left out; see: orivane check", Diagnostics.NumErrors());
+		Opening.FaultRemark =
+			FString::Printf("%d fault(s) in project files, what they concern is left out: ", Diagnostics.NumErrors()) +
+			NameFaults(Diagnostics) + "; see: orivane check";
+	const FRegistryScanReport& Scan = FProject::GetSummary().Scan;
+	if (!Scan.CacheError.IsEmpty())
+		Opening.CacheRemark =
+			"the registry's cache cannot be written, so that each start reads all packages again: " + Scan.CacheError;
 	return Opening;
+}
+
+FString RefreshOpenProject(EFolderLook Look)
+{
+	FDiagnosticSink Faults;
+	if (!FProject::Refresh(Faults, Look) || Faults.GetSorted().IsEmpty())
+		return {};
+	return "files were read again, with faults: " + NameFaults(Faults) + "; see: orivane check";
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Files/FolderWatch.h"
 #include "Core/Program/Diagnostics.h"
 #include "Project/ProjectOptions.h"
 
@@ -9,7 +10,8 @@ struct FOpening
 	bool bOpened = false;
 	FString Error;		   // a sentence that says what to do; "" when opened
 	FString PreloadRemark; // what was to be in memory and is not; "" when nothing
-	FString FaultRemark;   // what the project's faults cost; "" without any
+	FString FaultRemark;   // what the project's faults cost, and where the first of them are; "" without any
+	FString CacheRemark;   // that the next opening takes as long, and why; "" when it does not
 };
 
 /**
@@ -17,3 +19,6 @@ struct FOpening
  * Where only the latter fails the project is open nevertheless, see FProject::IsOpen. Game thread.
  */
 FOpening OpenProject(const FProjectOptions& Options, FDiagnosticSink& Diagnostics);
+
+/** FProject::Refresh; that something is wrong with what was read, a sentence that names the first faults; "" when nothing is. */
+FString RefreshOpenProject(EFolderLook Look = EFolderLook::All);

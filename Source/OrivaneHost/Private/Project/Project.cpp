@@ -235,7 +235,7 @@ bool FProject::Open(const FProjectOptions& Options, FDiagnosticSink& Diagnostics
 	Summary.OpenSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count();
 	Opened.Scan = MakeScanOptions(Opened.Options, Summary.Folder);
 	if (Opened.Watch)
-		StartKeepingTextFiles(ListUnwatchedFolders(Options, Summary.Folder));
+		StartKeepingTextFiles(ListUnwatchedFolders(Options, Summary.Folder), Opened.Watch->GetMode());
 	Opened.bOpen = true;
 	GetOpenProject() = std::move(Opened);
 	return true;
@@ -252,11 +252,11 @@ bool RefreshSettings(FOpenProject& Project, FDiagnosticSink& Diagnostics)
 	return true;
 }
 
-void TakeChanges(FOpenProject& Project)
+void TakeChanges(FOpenProject& Project, EFolderLook Look)
 {
 	try
 	{
-		const FFolderChanges Taken = Project.Watch->Take();
+		const FFolderChanges Taken = Project.Watch->Take(Look);
 		NoteTextFileChanges(Taken);
 		Project.Changes.Add(Taken, Project.Summary.Folder, Project.Scan.Sources);
 	}
@@ -353,14 +353,14 @@ ERegistryUpdate RefreshPackages(const FOpenProject& Project, FDiagnosticSink& Di
 }
 }
 
-bool FProject::Refresh(FDiagnosticSink& Diagnostics)
+bool FProject::Refresh(FDiagnosticSink& Diagnostics, EFolderLook Look)
 {
 	checkGameThread();
 	FOpenProject& Project = GetOpenProject();
 	if (!Project.Watch && Project.Changes.IsEmpty())
 		return Project.bOpen && RefreshSettings(Project, Diagnostics);
 	if (Project.Watch)
-		TakeChanges(Project);
+		TakeChanges(Project, Look);
 	if (Project.Changes.IsEmpty())
 		return false;
 	if (Project.Changes.bReopen || (Project.Changes.bPlugins && HavePluginsChanged(Project.Summary)))

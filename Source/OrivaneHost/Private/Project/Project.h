@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/Files/FolderWatch.h"
 #include "Core/Program/Diagnostics.h"
 #include "Project/ProjectOptions.h"
 
@@ -22,10 +23,10 @@ public:
 	 * script modules have. Loaded objects of changed packages, and those that depend on them, are dropped; what PackageMemory
 	 * keeps is loaded again. To be called before a tool or command, when nobody holds a loaded object. Costs one system call
 	 * where nothing has changed and the system tells of changes; without watching it looks at the settings alone. A stop of the
-	 * options that the project was opened with ends it; the rest is made up for next time. True, and what is wrong with it in the
-	 * sink, when something was read.
+	 * options that the project was opened with ends it; the rest is made up for next time. A look without bulk may leave out
+	 * packages, where looking at them takes time. True, and what is wrong with it in the sink, when something was read.
 	 */
-	static bool Refresh(FDiagnosticSink& Diagnostics);
+	static bool Refresh(FDiagnosticSink& Diagnostics, EFolderLook Look = EFolderLook::All);
 	/** Why the project could not be opened again after a change, a sentence; "" when all is well. What was known before stands,
 	 * where IsOpen. */
 	static const FString& GetTrouble();

@@ -120,7 +120,7 @@ void CheckObjects(const UPackage& Package, FDiagnosticSink& Diagnostics)
 
 void LoadEveryPackage(FRingCheck& Rings, FDiagnosticSink& Diagnostics, const std::stop_token& Stop)
 {
-	const TArray<FName> Packages = ListProjectPackages();
+	const TArray<FName> Packages = GetProjectRegistry().ListPackages();
 	const FPackagePrefetch Prefetch(
 		[&Packages, Place = 0]() mutable { return Place < Packages.Num() ? Packages[Place++] : FName(); });
 	FRounds Rounds;

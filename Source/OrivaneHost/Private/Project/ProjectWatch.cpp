@@ -1,6 +1,7 @@
 #include "Project/ProjectWatch.h"
 
 #include "Core/Files/File.h"
+#include "CoreObject/Packages/Loader.h"
 #include "OrivaneCore/DefaultExcludedDirectories.h"
 
 namespace
@@ -19,6 +20,7 @@ FFolderWatchOptions MakeWatchOptions(const FProjectOptions& Options, const FStri
 	FFolderWatchOptions Watch;
 	Watch.EnterFolder = [Left](std::string_view Path)
 	{ return !Left.ContainsByPredicate([Path](const FString& Each) { return Each.View() == Path; }); };
+	Watch.IsBulk = [](std::string_view Path) { return GetVassetPackageSource().IsPackageFile(Path); };
 	Watch.bTimesOnly = Options.Watch == EProjectWatch::Times;
 	Watch.TimesInterval = Options.WatchInterval;
 	Watch.Stop = Options.Stop;

@@ -110,7 +110,8 @@ private:
 	const FAssetSearchParams Params;
 	const FOnAssetSearchComplete OnDone;
 	const std::stop_token StopToken = GetStopToken();
-	int32 TotalHits = 0; // of the index and of widgets; names do not count
+	int32 TotalHits = 0;		// of the index and of widgets; names do not count
+	TArray<FUnreadFile> Unread; // of the packages with widgets
 	FResultsByPath IndexResults;
 	FResultsByPath ObjectResults; // those with widgets, then those found by their names alone
 };
@@ -162,7 +163,7 @@ void FBlueprintSearch::Finish()
 void FBlueprintSearch::Report()
 {
 	const FStopScope Scope(StopToken);
-	FAssetSearchResult Found;
+	FAssetSearchResult Found{.Unread = std::move(Unread)};
 	IndexResults.MoveTo(Found.Results);
 	ObjectResults.MoveTo(Found.Results);
 	OnDone.ExecuteIfBound(Found);
@@ -186,6 +187,7 @@ void FBlueprintSearch::ReadWidgets()
 		FAssetResult Result = MakeResult(Asset);
 		FHitSink Hits(Result, Params, TotalHits);
 		Read(Result, Hits);
+		Scan.AddIfUnread(Unread);
 		if (Hits.HasHits())
 			ObjectResults.FindOrAdd(Asset.GetObjectPathString()) = std::move(Result);
 	}

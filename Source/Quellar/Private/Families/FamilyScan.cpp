@@ -21,8 +21,9 @@ TArray<FAssetData> ListAssetsInScope(const TArray<UClass*>& Classes)
 }
 
 FAssetScan::FAssetScan(
-	const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List, const FAssetSearchParams& InParams)
-	: Texts(FAssetTexts::Get(Name, Origin, std::move(List)))
+	const FString& Name, ETextOrigin InOrigin, std::function<TArray<FAssetData>()> List, const FAssetSearchParams& InParams)
+	: Texts(FAssetTexts::Get(Name, InOrigin, std::move(List)))
+	, Origin(InOrigin)
 	, Params(InParams)
 	, FoldedTerm(Unicode::Fold(InParams.Term.View()))
 {
@@ -46,6 +47,13 @@ bool FAssetScan::Next()
 bool FAssetScan::PassesPathFilter(const FAssetData& Asset) const
 {
 	return Params.PathContains.IsEmpty() || ::PassesPathFilter(Asset.PackagePath.ToString(), Params);
+}
+
+void FAssetScan::AddIfUnread(TArray<FUnreadFile>& Out) const
+{
+	const FName Package = GetAsset().PackageName;
+	if (Origin == ETextOrigin::Package && !IsStopRequested() && !FindPackage(Package))
+		Out.Add({Package.ToString(), FUnreadFile::EReason::Unloadable});
 }
 
 /** For the prefetch, which may be ahead of the scan. */

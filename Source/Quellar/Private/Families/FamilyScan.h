@@ -99,11 +99,13 @@ class FAssetScan
 public:
 	/** Name tells it from other scans, of other families and modes; see FAssetTexts. */
 	FAssetScan(
-		const FString& Name, ETextOrigin Origin, std::function<TArray<FAssetData>()> List, const FAssetSearchParams& InParams);
+		const FString& Name, ETextOrigin InOrigin, std::function<TArray<FAssetData>()> List, const FAssetSearchParams& InParams);
 
 	/** Moves on to the next asset that may have hits and passes the path filter. False at the end, or when stopped. */
 	bool Next();
 	const FAssetData& GetAsset() const { return Texts.GetAssets()[Place]; }
+	/** After the asset was read: adds its package where that could not be loaded. */
+	void AddIfUnread(TArray<FUnreadFile>& Out) const;
 	/** False when the asset cannot have hits, or when stopped. Read(FAssetResult&, FHitSink&) reads it, for its texts. */
 	template <class TRead>
 	bool MayHaveHits(TRead&& Read)
@@ -123,6 +125,7 @@ private:
 	FName FindNextPackage();
 
 	FAssetTexts& Texts;
+	const ETextOrigin Origin;
 	const FAssetSearchParams& Params;
 	const std::string FoldedTerm;
 	std::vector<int32> Candidates;
@@ -154,6 +157,7 @@ void ScanAssets(const FString& Name, ETextOrigin Origin, const TArray<UClass*>& 
 		FAssetResult Result;
 		FHitSink Hits(Result, Params, TotalHits);
 		ReadAsset(Asset, Result, Hits);
+		Scan.AddIfUnread(Found.Unread);
 		if (Hits.HasHits())
 		{
 			Result.AssetPath = Asset.GetSoftObjectPath().ToString();
@@ -167,7 +171,7 @@ void ScanAssets(const FString& Name, ETextOrigin Origin, const TArray<UClass*>& 
 
 /**
  * ScanAssets for families that read each asset's object: ReadAsset(const TAsset&, FHitSink&) reports on it. Loads packages that
- * are not in memory; assets that cannot be loaded or are of another class are skipped in silence.
+ * are not in memory; those that cannot be loaded are among what is unread, assets of another class are skipped in silence.
  */
 template <class TAsset, class TReadAsset>
 void ScanFamily(

@@ -138,7 +138,6 @@ public:
 		}
 		return std::move(Found);
 	}
-	FTextSearchGaps TakeGaps() { return std::move(Gaps); }
 
 private:
 	enum class EOutcome : uint8
@@ -218,7 +217,7 @@ private:
 		return Outcome;
 	}
 
-	/** A file that has gone meanwhile is not a gap. */
+	/** A file that has gone meanwhile is not missed. */
 	template <class TMatches>
 	static EOutcome ToOutcome(EFileRead Read, TMatches&& Matches)
 	{
@@ -258,7 +257,7 @@ private:
 			Root.Replace(FPaths::ProjectDir(), ""); // turns paths relative to the root into ones relative to the project
 		const FTextFiles Files = ListFiles(Root, Prefix);
 		for (const std::string& Folder : Files.UnreadableFolders)
-			Gaps.Unreadable.Add(Prefix + FString::FromExternal(Folder) + "/");
+			Found.Unread.Add({Prefix + FString::FromExternal(Folder) + "/", FUnreadFile::EReason::Unreadable});
 		if (Found.Results.Num() < MaxFiles)
 			TestFiles(Files, Prefix);
 	}
@@ -298,9 +297,10 @@ private:
 	void Add(EOutcome Outcome, FString RelativePath)
 	{
 		if (Outcome == EOutcome::Match)
-			AddResult(std::move(RelativePath));
-		else
-			(Outcome == EOutcome::TooLarge ? Gaps.TooLarge : Gaps.Unreadable).Add(std::move(RelativePath));
+			return AddResult(std::move(RelativePath));
+		const bool bTooLarge = Outcome == EOutcome::TooLarge;
+		Found.Unread.Add(
+			{std::move(RelativePath), bTooLarge ? FUnreadFile::EReason::TooLarge : FUnreadFile::EReason::Unreadable});
 	}
 
 	void AddResult(FString RelativePath)
@@ -318,19 +318,7 @@ private:
 	std::atomic<int64> GramBytesLeft = SearchMemory::GetBytesLeft();
 	TSet<FString> Reported; // two files whose paths differ only in case are one
 	FAssetSearchResult Found;
-	FTextSearchGaps Gaps;
 };
-
-FTextSearchGaps& GetLastGaps()
-{
-	static FTextSearchGaps Gaps;
-	return Gaps;
-}
-}
-
-const FTextSearchGaps& GetTextSearchGaps()
-{
-	return GetLastGaps();
 }
 
 bool IsSearchableTextFile(FStringView Path)
@@ -351,15 +339,13 @@ bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params
 void SearchTextFiles(const FAssetSearchParams& Params, FOnAssetSearchComplete OnDone)
 {
 	FTextScan Scan(Params);
-	const FAssetSearchResult Found = Scan.Run();
-	GetLastGaps() = Scan.TakeGaps();
-	OnDone.ExecuteIfBound(Found);
+	OnDone.ExecuteIfBound(Scan.Run());
 }
 
-void StartKeepingTextFiles(const TArray<FString>& UntoldFolders)
+void StartKeepingTextFiles(const TArray<FString>& UntoldFolders, EFolderWatchMode Mode)
 {
 	checkGameThread();
-	FTextStore::Get().Start(UntoldFolders);
+	FTextStore::Get().Start(UntoldFolders, Mode);
 }
 
 void StopKeepingTextFiles()

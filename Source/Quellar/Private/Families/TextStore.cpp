@@ -6,7 +6,6 @@
 #include "Quellar/Families/TextSearch.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace
@@ -16,12 +15,21 @@ const TArray<FString>& GetExtensions()
 	return UQuellarSettings::StaticClass()->GetDefaultObject<UQuellarSettings>()->TextSearchExtensions;
 }
 
-/** Both ascending. */
-std::vector<std::string> Unite(const std::vector<std::string>& A, const std::vector<std::string>& B)
+/** Of text files below some folders that lie directly in Root. */
+FFolderWatchOptions MakeWatchOptions(const FString& Root, const TArray<FString>& Folders, EFolderWatchMode Mode)
 {
-	std::vector<std::string> Both;
-	std::set_union(A.begin(), A.end(), B.begin(), B.end(), std::back_inserter(Both));
-	return Both;
+	const auto IsBelow = [Root, Folders](std::string_view Path)
+	{
+		const std::string_view Relative = Path.substr(std::min(Root.View().size(), Path.size()));
+		const std::string_view Top = Relative.substr(0, Relative.find('/'));
+		return Folders.ContainsByPredicate([Top](const FString& Folder) { return Folder.View() == Top; });
+	};
+	return {.EnterFolder = IsBelow,
+		.KeepFile = [IsBelow](std::string_view Path) { return IsBelow(Path) && IsSearchableTextFile(Path); },
+		.IsBulk = nullptr,
+		.bTimesOnly = Mode == EFolderWatchMode::Times,
+		.TimesInterval = {},
+		.Stop = {}};
 }
 }
 
@@ -31,16 +39,32 @@ FTextStore& FTextStore::Get()
 	return Store;
 }
 
-void FTextStore::Start(const TArray<FString>& UntoldFolders)
+FTextStore::FUntoldFiles::FUntoldFiles(const FString& Root, const TArray<FString>& Folders, EFolderWatchMode Mode)
+{
+	const std::stop_callback Forward(GetStopToken(), [this] { Stop.request_stop(); });
+	FFolderWatchOptions Options = MakeWatchOptions(Root, Folders, Mode);
+	Options.Stop = Stop.get_token();
+	Watch = MakeUnique<FFolderWatch>(TArray<FString>{Root}, std::move(Options));
+}
+
+FFolderChanges FTextStore::FUntoldFiles::Take()
+{
+	const std::stop_callback Forward(GetStopToken(), [this] { Stop.request_stop(); });
+	return Watch->Take();
+}
+
+void FTextStore::Start(const TArray<FString>& InUntoldFolders, EFolderWatchMode Mode)
 {
 	Stop();
-	Untold = UntoldFolders;
+	UntoldFolders = InUntoldFolders;
+	UntoldMode = Mode;
 	bOn = true;
 }
 
 void FTextStore::Stop()
 {
 	bOn = false;
+	Untold = nullptr;
 	DropFiles();
 }
 
@@ -104,16 +128,34 @@ void FTextStore::DropGrams(FFile& File)
 	File.Grams = {};
 }
 
-bool FTextStore::IsUntold(std::string_view Path) const
-{
-	const std::string_view Top = Path.substr(0, Path.find('/'));
-	return Untold.ContainsByPredicate([Top](const FString& Folder) { return Folder.View() == Top; });
-}
-
 void FTextStore::Refresh(const FString& Root)
 {
-	if (!bListed || Extensions != GetExtensions())
+	if (Extensions != GetExtensions())
+	{
+		Untold = nullptr; // it knows of files with the old ones
+		bListed = false;
+	}
+	NoteUntold(Root);
+	if (!bListed)
 		ListAgain(Root);
+}
+
+void FTextStore::NoteUntold(const FString& Root)
+{
+	FFolderChanges Changes{.bAll = !Untold, .Files = {}, .Folders = {}};
+	if (Untold)
+		Changes = Untold->Take();
+	else
+		Untold = MakeUnique<FUntoldFiles>(Root, UntoldFolders, UntoldMode);
+	if (Changes.bAll)
+	{
+		for (const FString& Folder : UntoldFolders)
+			Changes.Folders.push_back((Root + Folder + "/").ToStdString());
+	}
+	if (IsStopRequested())
+		Untold = nullptr;
+	Changes.bAll = false; // of the untold folders alone
+	Note(Changes);
 }
 
 /** Files that are still there keep their grams: had one changed meanwhile, it would have been told. */
@@ -122,7 +164,6 @@ void FTextStore::ListAgain(const FString& Root)
 	bListed = false;
 	FFileTreeOptions Options;
 	Options.KeepFile = [](std::string_view Path) { return IsSearchableTextFile(Path); };
-	Options.EnterFolder = [this](std::string_view Path) { return !IsUntold(Path); };
 	Options.Stop = GetStopToken();
 	const FFileTree Tree = FFileTree::List(Root, Options);
 	std::vector<FFile> Old = std::exchange(Files, {});
@@ -143,41 +184,20 @@ void FTextStore::ListAgain(const FString& Root)
 	bListed = !Options.Stop.stop_requested(); // what a stop has cut short is not the list
 }
 
-FFileTree FTextStore::ListUntold(const FString& Root) const
-{
-	FFileTreeOptions Options;
-	Options.KeepFile = [](std::string_view Path)
-	{ return Path.find('/') != std::string_view::npos && IsSearchableTextFile(Path); };
-	Options.EnterFolder = [this](std::string_view Path) { return IsUntold(Path); };
-	Options.Stop = GetStopToken();
-	return FFileTree::List(Root, Options);
-}
-
 FTextFiles FTextStore::Find(const FString& Root, const FTermGrams& Term, const std::function<bool(std::string_view Path)>& Filter)
 {
 	Refresh(Root);
-	const FFileTree Others = ListUntold(Root);
 	FTextFiles Found;
-	Found.UnreadableFolders = Unite(UnreadableFolders, Others.GetUnreadableFolders());
+	Found.UnreadableFolders = UnreadableFolders;
 	std::vector<std::string_view> Paths;
-	const auto Add = [&](std::string_view Path, int32 Place)
-	{
-		if (!Filter(Path))
-			return;
-		Paths.push_back(Path);
-		Found.Places.push_back(Place);
-	};
-	int32 Other = 0;
 	for (std::size_t Place = 0; Place < Files.size(); ++Place)
 	{
 		const auto& [Path, Grams] = Files[Place];
-		for (; Other < Others.Num() && Others.GetRelativePath(Other) < Path; ++Other)
-			Add(Others.GetRelativePath(Other), FTextFiles::NoPlace);
-		if (!Grams.IsKnown() || Grams.MayMatch(Term))
-			Add(Path, Grams.IsKnown() ? FTextFiles::NoPlace : static_cast<int32>(Place));
+		if ((Grams.IsKnown() && !Grams.MayMatch(Term)) || !Filter(Path))
+			continue;
+		Paths.push_back(Path);
+		Found.Places.push_back(Grams.IsKnown() ? FTextFiles::NoPlace : static_cast<int32>(Place));
 	}
-	for (; Other < Others.Num(); ++Other)
-		Add(Others.GetRelativePath(Other), FTextFiles::NoPlace);
 	Found.Tree = FFileTree::FromPaths(Root, Paths);
 	return Found;
 }

@@ -26,9 +26,9 @@ class FTextStore
 public:
 	static FTextStore& Get();
 
-	/** From now on changes are told, but for what lies in UntoldFolders ("Saved", directly below the project), which is listed
-	 * and read by every search. */
-	void Start(const TArray<FString>& UntoldFolders);
+	/** From now on changes are told, but for what lies in UntoldFolders ("Saved", directly below the project), which the store
+	 * watches itself from the first search on. */
+	void Start(const TArray<FString>& UntoldFolders, EFolderWatchMode Mode);
 	/** Lets go of everything. */
 	void Stop();
 	bool IsOn() const { return bOn; }
@@ -48,21 +48,35 @@ private:
 		FTextGrams Grams;
 	};
 
+	/** What lies in the untold folders. */
+	class FUntoldFiles
+	{
+	public:
+		FUntoldFiles(const FString& Root, const TArray<FString>& Folders, EFolderWatchMode Mode);
+		/** Changes since the last time. Of no use any more once a stop is requested, nor is what is made under one. */
+		FFolderChanges Take();
+
+	private:
+		std::stop_source Stop; // of whatever search is under way
+		TUniquePtr<FFolderWatch> Watch;
+	};
+
 	void NoteFile(std::string_view Path);
 	void NoteFolder(std::string_view Path);
 	std::vector<FFile>::iterator FindFirst(std::string_view Path);
 	void DropGrams(FFile& File);
 	void DropFiles();
-	bool IsUntold(std::string_view Path) const;
 	void Refresh(const FString& Root);
+	void NoteUntold(const FString& Root);
 	void ListAgain(const FString& Root);
-	FFileTree ListUntold(const FString& Root) const;
 
 	bool bOn = false;
 	bool bListed = false;
-	TArray<FString> Untold;
-	TArray<FString> Extensions; // of the settings, when the files were listed
-	std::vector<FFile> Files;	// ascending
+	TArray<FString> UntoldFolders;
+	EFolderWatchMode UntoldMode = EFolderWatchMode::Events;
+	TUniquePtr<FUntoldFiles> Untold; // null: nothing is known of them
+	TArray<FString> Extensions;		 // of the settings, when the files were listed
+	std::vector<FFile> Files;		 // ascending
 	std::vector<std::string> UnreadableFolders;
 	int64 NumBytes = 0; // of grams
 };

@@ -21,12 +21,58 @@ constexpr int32 MaxDepth = 2;
 constexpr int32 NoParent = INDEX_NONE;
 constexpr int32 MaxReserved = 1000; // relations; callers may ask for any budget
 
+/** The assets that the settings exclude from walks; their paths are compared once as long as registry and settings stay. */
+class FExcludedAssets
+{
+public:
+	/** To be called before each walk. */
+	static FExcludedAssets& Get(const IAssetRegistry& Registry)
+	{
+		static FExcludedAssets Excluded;
+		const uint64 State = Registry.GetStateNumber();
+		const uint64 Rules = FOrivaneFindUtils::GetRulesNumber();
+		if (State == 0 || Rules == 0 || State != Excluded.StateNumber || Rules != Excluded.RulesNumber)
+			Excluded.Known.clear();
+		Excluded.StateNumber = State;
+		Excluded.RulesNumber = Rules;
+		return Excluded;
+	}
+
+	bool Contains(const FPackageGraphView& Graph, uint32 Asset)
+	{
+		if (Asset >= Known.size())
+			Known.resize(Asset + 1, EKnown::Unasked);
+		if (Known[Asset] == EKnown::Unasked)
+		{
+			ObjectPath.Empty();
+			Graph.AppendObjectPath(Asset, ObjectPath);
+			Known[Asset] = FOrivaneFindUtils::ShouldExcludeFilePath(ObjectPath) ? EKnown::Excluded : EKnown::Included;
+		}
+		return Known[Asset] == EKnown::Excluded;
+	}
+
+private:
+	enum class EKnown : uint8
+	{
+		Unasked,
+		Included,
+		Excluded,
+	};
+
+	uint64 StateNumber = 0;
+	uint64 RulesNumber = 0;
+	std::vector<EKnown> Known; // by asset
+	FString ObjectPath;		   // kept for its storage
+};
+
 /** The walk in one direction. Works on the graph's numbers; a name is made for a relation that is recorded only. */
 class FDirectionalWalk
 {
 public:
-	FDirectionalWalk(const FPackageGraphView& InGraph, const FExploreAssetGraphParams& Params, bool bInDependencies)
+	FDirectionalWalk(const FPackageGraphView& InGraph, FExcludedAssets& InExcluded, const FExploreAssetGraphParams& Params,
+		bool bInDependencies)
 		: Graph(InGraph)
+		, Excluded(InExcluded)
 		, bDependencies(bInDependencies)
 		, bHighSignalOnly(Params.bHighSignalOnly)
 		, DepthLimit(std::clamp(Params.Depth, 1, MaxDepth))
@@ -55,10 +101,10 @@ private:
 	/** False when the relation did not fit any more. */
 	bool Visit(const FEntry& From, FNode Neighbour, uint8 Flags);
 	TOptional<uint32> FindRepresentativeAsset(FNode Node);
-	bool IsExcluded(uint32 Asset);
 	void Record(const FEntry& From, FNode Neighbour, uint8 Flags, FString Kind);
 
 	const FPackageGraphView& Graph;
+	FExcludedAssets& Excluded;
 	const bool bDependencies;
 	const bool bHighSignalOnly;
 	const int32 DepthLimit;
@@ -73,7 +119,6 @@ private:
 	FAssetGraphSummary Summary;
 	bool bTruncated = false;
 	std::vector<uint32> Assets; // of the neighbour at hand
-	FString ObjectPath;			// of the neighbour at hand
 };
 
 void FDirectionalWalk::Run(FNode Root)
@@ -109,7 +154,7 @@ bool FDirectionalWalk::Visit(const FEntry& From, FNode Neighbour, uint8 Flags)
 	if (!Asset)
 		return true;
 	FString Kind = AssetTypeFromClassName(Graph.GetAssetClass(*Asset).AssetName);
-	if ((bHighSignalOnly && !AssetPathUtils::IsHighSignalKind(Kind)) || IsExcluded(*Asset))
+	if ((bHighSignalOnly && !AssetPathUtils::IsHighSignalKind(Kind)) || Excluded.Contains(Graph, *Asset))
 		return true;
 	bTruncated = static_cast<int32>(Relations.size()) >= NodeBudget;
 	if (!bTruncated)
@@ -129,13 +174,6 @@ TOptional<uint32> FDirectionalWalk::FindRepresentativeAsset(FNode Node)
 	const auto GetName = [this](int32 Index) { return Graph.GetAssetName(Assets[static_cast<std::size_t>(Index)]); };
 	const int32 Found = FindRepresentative(Graph.GetPackageName(Node), static_cast<int32>(Assets.size()), GetName);
 	return Found == INDEX_NONE ? TOptional<uint32>() : Assets[static_cast<std::size_t>(Found)];
-}
-
-bool FDirectionalWalk::IsExcluded(uint32 Asset)
-{
-	ObjectPath.Empty();
-	Graph.AppendObjectPath(Asset, ObjectPath);
-	return FOrivaneFindUtils::ShouldExcludeFilePath(ObjectPath);
 }
 
 void FDirectionalWalk::Record(const FEntry& From, FNode Neighbour, uint8 Flags, FString Kind)
@@ -170,11 +208,13 @@ void Walk(const FExploreAssetGraphParams& Params, FName Root, bool bDependencies
 	FAssetGraphSummary& OutSummary, bool& bOutTruncated)
 {
 	const IAssetRegistry* Registry = OrivaneAssetRegistryUtils::GetAssetRegistry();
-	const FPackageGraphView Graph = Registry ? Registry->GetPackageGraph() : FPackageGraphView();
+	if (!Registry)
+		return;
+	const FPackageGraphView Graph = Registry->GetPackageGraph();
 	const FNode RootNode = Graph.FindNode(Root);
 	if (RootNode == FPackageGraphView::NoNode)
 		return;
-	FDirectionalWalk DirectionalWalk(Graph, Params, bDependencies);
+	FDirectionalWalk DirectionalWalk(Graph, FExcludedAssets::Get(*Registry), Params, bDependencies);
 	DirectionalWalk.Run(RootNode);
 	DirectionalWalk.Finish(OutRelations, OutSummary, bOutTruncated);
 }

@@ -2,13 +2,29 @@
 
 #include "Core/Base/Map.h"
 #include "Core/Base/SeededHash.h"
+#include "Core/Files/File.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace
 {
-constexpr int32 WorthAnIndex = 16; // hits; a look at fewer is faster
+constexpr int32 WorthAnIndex = 16;	// hits; a look at fewer is faster
+constexpr int32 MaxNamedUnread = 3; // files
+
+FString DescribeReason(FUnreadFile::EReason Reason)
+{
+	switch (Reason)
+	{
+		case FUnreadFile::EReason::TooLarge:
+			return FString::Printf("larger than %d MiB", static_cast<int>(FFileHelper::MaxTextFileBytes >> 20));
+		case FUnreadFile::EReason::Unloadable:
+			return "cannot be loaded";
+		case FUnreadFile::EReason::Unreadable:
+			break;
+	}
+	return "cannot be read";
+}
 
 bool IsSame(const FAssetHit& Hit, const FString& Kind, const FString& Name, const FString& Container)
 {
@@ -83,6 +99,17 @@ int32 FAssetHitIndex::CountOfKind(const TArray<FAssetHit>& Hits, const FString& 
 			std::count_if(Hits.begin(), Hits.end(), [&Kind](const FAssetHit& Hit) { return Hit.Kind == Kind; }));
 	const int32* const Num = Update(Hits).NumOfKind.Find(Kind);
 	return Num ? *Num : 0;
+}
+
+FString DescribeUnread(const TArray<FUnreadFile>& Unread)
+{
+	if (Unread.IsEmpty())
+		return {};
+	TArray<FString> Names;
+	for (int32 Index = 0; Index < std::min(Unread.Num(), MaxNamedUnread); ++Index)
+		Names.Add(Unread[Index].Path + " (" + DescribeReason(Unread[Index].Reason) + ")");
+	return FString::FromInt(Unread.Num()) + " file(s) or folder(s) could not be searched: " + FString::Join(Names, ", ") +
+		(Unread.Num() > MaxNamedUnread ? ", ..." : "") + "; orivane check names all";
 }
 
 namespace OrivaneSearchUtils

@@ -31,6 +31,7 @@ public:
 		std::lock_guard Guard(Lock);
 		for (const FAssetResult& Result : Report.Results)
 			Admit(Result);
+		Unread.Append(Report.Unread);
 		bTruncated |= Results.Num() > MaxTotal;
 		if (--PendingFamilies == 0)
 			Finish();
@@ -63,13 +64,24 @@ private:
 			Results.SetNum(MaxTotal);
 			bTruncated = true;
 		}
-		OnComplete.ExecuteIfBound({.Results = std::move(Results), .bTruncated = bTruncated});
+		SortUnread();
+		OnComplete.ExecuteIfBound({.Results = std::move(Results), .bTruncated = bTruncated, .Unread = std::move(Unread)});
+	}
+
+	/** Several families may have asked for one package. */
+	void SortUnread()
+	{
+		Unread.Sort([](const FUnreadFile& A, const FUnreadFile& B) { return A.Path.View() < B.Path.View(); });
+		const auto Last = std::unique(Unread.begin(), Unread.end(),
+			[](const FUnreadFile& A, const FUnreadFile& B) { return A.Path.View() == B.Path.View(); });
+		Unread.SetNum(static_cast<int32>(Last - Unread.begin()));
 	}
 
 	const int32 MaxPerAssetType;
 	const int32 MaxTotal;
 	std::mutex Lock; // guards everything below
 	TArray<FAssetResult> Results;
+	TArray<FUnreadFile> Unread;
 	TMap<FString, int32> CountPerAssetType;
 	int32 PendingFamilies;
 	bool bTruncated = false;
@@ -92,6 +104,12 @@ UAssetSearchService& UAssetSearchService::Get()
 {
 	static UAssetSearchService Service;
 	return Service;
+}
+
+bool UAssetSearchService::NeedsPackages(const FAssetSearchParams& Params)
+{
+	return SelectFamilies(Params.IncludeAssetFamilies)
+		.ContainsByPredicate([](const FAssetFamily* Family) { return !Family->Classes.IsEmpty(); });
 }
 
 void UAssetSearchService::AssetSearch(const FAssetSearchParams& Params, FOnAssetSearchComplete OnComplete)

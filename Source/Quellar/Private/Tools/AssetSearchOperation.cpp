@@ -39,6 +39,8 @@ void WriteReport(const FAssetSearchParams& Params, const FAssetSearchResult& Fou
 	Result.AddSuccessMessage(DescribeSuccess(Params, Kept.Results.Num()));
 	if (Kept.bTruncated)
 		Result.AddWarningMessage(FString::Printf("Results truncated at max_total_hits=%d", Params.MaxTotalHits));
+	if (!Found.Unread.IsEmpty())
+		Result.AddWarningMessage(DescribeUnread(Found.Unread));
 	Result.SetData("content", MakeAssetSearchJson(Kept));
 }
 }
@@ -60,4 +62,10 @@ void FAssetSearchOperation::ExecuteAsync(
 			WriteReport(Params, Found, Result);
 			OnComplete.ExecuteIfBound(Result);
 		});
+}
+
+bool FAssetSearchOperation::NeedsPackages(const FJsonObject& Args)
+{
+	FAssetSearchParams Params;
+	return ReadArguments(GetAssetSearchArguments(), Args, Params) && UAssetSearchService::NeedsPackages(Params);
 }

@@ -13,12 +13,14 @@ enum class ERows : uint8
 	TagValues,
 	EntryTexts,
 	FileTexts,
+	FaultTexts,
 
 	// As many as the first column that has them says
 	Texts, // of all zones
 	TextBytes,
 	FoldedBytes,
 	Packages, // their files too
+	Faults,
 	NameTrigrams,
 	NameTrigramBytes,
 	Assets,
@@ -79,6 +81,12 @@ constexpr void ForEachColumn(TVisit&& Visit, TSets&... In)
 	Visit(FColumn{"FirstAssets", Packages, Ranges, Assets}, In.FirstAssets...);
 	Visit(FColumn{"FirstEntries", Packages, Ranges, Entries}, In.FirstEntries...);
 	Visit(FColumn{"RespelledPackages", Some, Ids, Packages}, In.RespelledPackages...);
+	Visit(FColumn{"FaultPackages", Faults, Ids, Packages}, In.FaultPackages...);
+	Visit(FColumn{"FaultLines", Faults}, In.FaultLines...);
+	Visit(FColumn{"FaultColumns", Faults}, In.FaultColumns...);
+	Visit(FColumn{"FaultSeverities", Faults}, In.FaultSeverities...);
+	Visit(FColumn{"FaultTexts", Faults, Ids, FaultTexts}, In.FaultTexts...);
+	Visit(FColumn{"FaultRules", Faults, Ids, FaultTexts}, In.FaultRules...);
 	Visit(FColumn{"NameTrigrams.Keys", NameTrigrams, Ascending}, In.NameTrigrams.Keys...);
 	Visit(FColumn{"NameTrigrams.Starts", NameTrigrams, Starts, NameTrigramBytes}, In.NameTrigrams.Starts...);
 	Visit(FColumn{"NameTrigrams.Lists", NameTrigramBytes}, In.NameTrigrams.Lists...);

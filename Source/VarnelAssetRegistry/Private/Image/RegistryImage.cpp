@@ -56,7 +56,6 @@ struct FImageHeader
 	uint64 Hash = 0;	 // of this header, with zero in this place
 	FImageKey Key;
 	FZoneStarts ZoneStarts = {};
-	uint32 Unused = 0;
 	std::array<FColumnPlace, NumColumns> Columns = {};
 };
 static_assert(std::has_unique_object_representations_v<FImageHeader>, "no byte of the header may be left to chance");

@@ -2,6 +2,7 @@
 
 #include "Core/Base/Types.h"
 #include "Core/Files/FileTree.h"
+#include "Core/Program/Diagnostics.h"
 
 #include <array>
 #include <span>
@@ -27,6 +28,7 @@ enum class EZone : uint8
 	TagValues, //
 	Entries,   // texts, comments and categories of Blueprint index entries
 	Files,	   // names and folders of roots, file name extensions
+	Faults,	   // texts and rules of faults
 	Num,
 };
 inline constexpr std::size_t NumZones = static_cast<std::size_t>(EZone::Num);
@@ -73,6 +75,14 @@ struct TRegistryColumns
 	TStorage<uint32> FirstAssets;
 	TStorage<uint32> FirstEntries;
 	TStorage<uint32> RespelledPackages; // rows whose file writes a class or a dependency in other case than this registry does
+
+	// What was wrong with the headers of packages all the same, ascending by package
+	TStorage<uint32> FaultPackages;
+	TStorage<uint32> FaultLines;
+	TStorage<uint32> FaultColumns;
+	TStorage<uint8> FaultSeverities; // EDiagnosticSeverity
+	TStorage<uint32> FaultTexts;
+	TStorage<uint32> FaultRules;
 
 	TTrigramColumns<TStorage> NameTrigrams;
 
@@ -147,6 +157,9 @@ struct FRegistryTables : TRegistryColumns<TColumnSpan>
 		return TextAt(FoldedStarts.empty() ? TextStarts : FoldedStarts, FoldedBytes, Zone, Id);
 	}
 	static FRowRange RangeOf(std::span<const uint32> First, uint32 Row) { return {First[Row], First[Row + 1]}; }
+	FRowRange FindFaults(uint32 Package) const;
+	/** Without the file's name. */
+	FDiagnostic GetFault(uint32 Fault) const;
 
 private:
 	std::string_view TextAt(std::span<const uint64> Starts, std::span<const char> Bytes, EZone Zone, uint32 Id) const

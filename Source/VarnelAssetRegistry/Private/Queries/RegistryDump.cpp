@@ -41,6 +41,7 @@ public:
 
 private:
 	void WriteFile(uint32 Package) const;
+	void WriteFaults(uint32 Package) const;
 	void WriteAsset(uint32 Asset) const;
 	void WriteEntry(uint32 Entry) const;
 	void WriteEdges(uint32 Node, const char* Word, std::span<const uint32> First, std::span<const uint32> Others,
@@ -79,6 +80,7 @@ void FDump::WriteNode(uint32 Node) const
 	if (bHasFile)
 	{
 		WriteFile(Node);
+		WriteFaults(Node);
 		const FRowRange Assets = FRegistryTables::RangeOf(Tables.FirstAssets, Node);
 		for (uint32 Asset = Assets.Begin; Asset < Assets.End; ++Asset)
 			WriteAsset(Asset);
@@ -100,6 +102,17 @@ void FDump::WriteFile(uint32 Package) const
 		static_cast<unsigned>(Tables.FileSources[File]));
 	Write("  file " + Escape(Image.GetRelativePath(File)) + " in folder " + Text(EZone::Folders, Tables.PackageFolders[Package]) +
 		Numbers.ToStdString());
+}
+
+void FDump::WriteFaults(uint32 Package) const
+{
+	const FRowRange Faults = Tables.FindFaults(Package);
+	for (uint32 Fault = Faults.Begin; Fault < Faults.End; ++Fault)
+	{
+		FDiagnostic Diagnostic = Tables.GetFault(Fault);
+		Diagnostic.File = FString(Image.GetRelativePath(Tables.PackageFiles[Package]));
+		Write("  fault " + Escape(Diagnostic.ToString()));
+	}
 }
 
 void FDump::WriteAsset(uint32 Asset) const

@@ -109,6 +109,23 @@ FRegistrySnapshot::FRow FRegistrySnapshot::FindPackage(uint32 Node) const
 	return {*Base, bHasFile ? Node : NoId};
 }
 
+void FRegistrySnapshot::ForEachPackage(const std::function<void(const FRow& Package)>& Visit) const
+{
+	uint32 Added = 0; // of the overlay
+	const auto VisitAdded = [&](uint32 Place)
+	{
+		for (; Overlay && Added < Overlay->Places.size() && Overlay->Places[Added] <= Place; ++Added)
+			Visit({*Overlay->Part, Added});
+	};
+	for (uint32 Package = 0; Package < Base->Image->NumPackages(); ++Package)
+	{
+		VisitAdded(Package);
+		if (!Overlay || !Overlay->IsHidden(Package))
+			Visit({*Base, Package});
+	}
+	VisitAdded(NoId);
+}
+
 FRegistrySnapshot::FNeighbours FRegistrySnapshot::GetDependencies(uint32 Node) const
 {
 	const FRegistryTables& Tables = Base->Image->GetTables();

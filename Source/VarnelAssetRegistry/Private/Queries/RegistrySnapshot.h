@@ -56,6 +56,8 @@ struct FRegistrySnapshot
 	FNeighbours GetReferencers(uint32 Node) const;
 	/** The package of a node in the part that holds it; its row is NoId where it has no file. */
 	FRow FindPackage(uint32 Node) const;
+	/** In registry order. */
+	void ForEachPackage(const std::function<void(const FRow& Package)>& Visit) const;
 	/** Of a package. */
 	FRowRange GetAssets(const FRow& Package) const;
 

@@ -112,9 +112,12 @@ uint32 FHeaderReader::ReadWithin(const FCandidate& Candidate)
 	}
 	++NumRead;
 	Header.Reset();
-	if (!Format->ReadHeader(Bytes, Files.GetDisplayName(Candidate.File), Header, Options.Diagnostics))
-		return NoId;
-	return Records.Add(Header, FPackageName::GetShortName(Candidate.LongName));
+	FDiagnosticSink Sink; // of the file alone: its record holds them too
+	const bool bUsable = Format->ReadHeader(Bytes, Files.GetDisplayName(Candidate.File), Header, &Sink);
+	const TArray<FDiagnostic> Faults = Sink.GetSorted();
+	for (int32 Index = 0; Options.Diagnostics && Index < Faults.Num(); ++Index)
+		Options.Diagnostics->Add(Faults[Index]);
+	return bUsable ? Records.Add(Header, FPackageName::GetShortName(Candidate.LongName), Faults) : NoId;
 }
 
 EFileRead FHeaderReader::ReadBytes(uint32 File, uint64 MaxBytes, std::size_t Padding)

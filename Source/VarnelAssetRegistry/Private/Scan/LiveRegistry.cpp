@@ -200,7 +200,13 @@ void FLiveRegistry::StartFold(const FRegistryScanOptions& Options)
 		[&Own = *Fold, Known = Base.Part->Image](std::stop_token Stop)
 		{
 			Own.Options.Stop = std::move(Stop);
-			RunFold(Own, Known);
+			try
+			{
+				RunFold(Own, Known);
+			}
+			catch (const std::exception&) // out of memory or descriptors: the overlay goes on growing until the next attempt
+			{
+			}
 			ReturnUnusedMemory(); // several times the image
 			Own.bDone = true;
 		});

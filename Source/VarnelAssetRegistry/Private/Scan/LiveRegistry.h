@@ -39,7 +39,7 @@ private:
 		FRegistryScan::FClassParents ClassParents;
 		FScanScope Changed; // what the overlay held when it began
 		FScanScope Since;	// what has changed since
-		FBase Result;		// its part is null when it was stopped
+		FBase Result;		// its part is null when it was stopped or has failed
 		std::atomic<bool> bDone = false;
 		std::jthread Thread; // ends before the rest
 	};

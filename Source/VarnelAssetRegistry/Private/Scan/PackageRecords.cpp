@@ -14,7 +14,7 @@ void Close(std::vector<uint32>& First, const std::vector<T>& Elements)
 }
 }
 
-uint32 FPackageRecords::Add(const FPackageHeader& Header, std::string_view ShortName)
+uint32 FPackageRecords::Add(const FPackageHeader& Header, std::string_view ShortName, const TArray<FDiagnostic>& Faults)
 {
 	const uint32 Record = Draft.FirstAssets.empty() ? 0 : static_cast<uint32>(Draft.FirstAssets.size() - 1);
 	for (const FPackageHeader::FAsset& Asset : Header.Assets)
@@ -26,6 +26,8 @@ uint32 FPackageRecords::Add(const FPackageHeader& Header, std::string_view Short
 	}
 	for (const FPackageHeader::FIndexEntry& Entry : Header.IndexEntries)
 		AddEntry(Entry);
+	for (const FDiagnostic& Fault : Faults)
+		AddFault(Record, Fault);
 	Close(Draft.FirstAssets, Draft.AssetNames);
 	Close(Draft.FirstDependencies, Draft.DependencyTargets);
 	Close(Draft.FirstEntries, Draft.EntryTexts);
@@ -52,6 +54,16 @@ void FPackageRecords::AddEntry(const FPackageHeader::FIndexEntry& Entry)
 	Draft.EntryTexts.push_back(Texts.Add(Entry.Text));
 	Draft.EntryComments.push_back(AddUnlessEmpty(Entry.Comment));
 	Draft.EntryDepths.push_back(static_cast<uint16>(std::min<uint32>(Entry.Depth, UINT16_MAX)));
+}
+
+void FPackageRecords::AddFault(uint32 Record, const FDiagnostic& Fault)
+{
+	Draft.FaultPackages.push_back(Record);
+	Draft.FaultLines.push_back(static_cast<uint32>(Fault.Line));
+	Draft.FaultColumns.push_back(static_cast<uint32>(Fault.Column));
+	Draft.FaultSeverities.push_back(static_cast<uint8>(Fault.Severity));
+	Draft.FaultTexts.push_back(Texts.Add(Fault.Text));
+	Draft.FaultRules.push_back(Texts.Add(Fault.Rule));
 }
 
 FRegistryTables FPackageRecords::View()

@@ -32,6 +32,7 @@ private:
 	void AddFiles();
 	void AddAssets();
 	void AddEntries();
+	void AddFaults();
 	void AddDependencies();
 	void AddRespelledPackages();
 	bool IsRespelled(const FPackageDraft& Package, uint32 Row) const;
@@ -61,7 +62,8 @@ TSharedPtr<const FRegistryImage> FRegistryBuilder::Build()
 {
 	AddPackages();
 	// Each of these has columns and zones of its own.
-	ParallelInvoke({[this] { AddEntries(); }, [this] { AddAssets(); }, [this] { AddDependencies(); }, [this] { AddFiles(); }},
+	ParallelInvoke({[this] { AddEntries(); }, [this] { AddAssets(); }, [this] { AddDependencies(); }, [this] { AddFiles(); },
+					   [this] { AddFaults(); }},
 		Input.NumThreads);
 	DerivedColumns::AddIndexedAssets(Draft, Texts[EZone::Classes].Find(BlueprintClass));
 	DerivedColumns::AddUses(Draft, Texts[EZone::Entries].Num());
@@ -195,6 +197,26 @@ void FRegistryBuilder::AddEntries()
 			Draft.EntryDepths.push_back(From.EntryDepths[Entry]);
 		}
 		Draft.FirstEntries.push_back(static_cast<uint32>(Draft.EntryTexts.size()));
+	}
+}
+
+void FRegistryBuilder::AddFaults()
+{
+	auto MapText = MapTo(EZone::Faults);
+	for (uint32 Package = 0; Package < Input.Packages.size(); ++Package)
+	{
+		const uint32 Source = Input.Packages[Package].Source;
+		const FRegistryTables& From = Input.Sources[Source];
+		const FRowRange Faults = From.FindFaults(Input.Packages[Package].Record);
+		for (uint32 Fault = Faults.Begin; Fault < Faults.End; ++Fault)
+		{
+			Draft.FaultPackages.push_back(Package);
+			Draft.FaultLines.push_back(From.FaultLines[Fault]);
+			Draft.FaultColumns.push_back(From.FaultColumns[Fault]);
+			Draft.FaultSeverities.push_back(From.FaultSeverities[Fault]);
+			Draft.FaultTexts.push_back(MapText(Source, From.FaultTexts[Fault]));
+			Draft.FaultRules.push_back(MapText(Source, From.FaultRules[Fault]));
+		}
 	}
 }
 

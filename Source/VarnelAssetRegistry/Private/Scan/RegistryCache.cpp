@@ -79,5 +79,6 @@ TSharedPtr<const FRegistryImage> FRegistryCache::Read(EImageState& OutState) con
 bool FRegistryCache::Write(const FRegistryImage& Image) const
 {
 	const FFileHandle Folder = OpenFolder(StartFolder, InnerFolder, EMissingFolder::Create);
-	return Folder.IsOpen() && WriteFile::Replace(Folder, std::string(FPaths::GetCleanFilename(FileName)), Image.GetBytes());
+	return Folder.IsOpen() &&
+		WriteFile::Replace(Folder, std::string(FPaths::GetCleanFilename(FileName)), Image.GetBytes(), EPowerCut::MayLose);
 }

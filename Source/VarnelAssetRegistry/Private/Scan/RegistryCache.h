@@ -5,7 +5,7 @@
 
 /**
  * The image of one project in one cache folder. Below the project's folder no symbolic link is followed. Whatever goes wrong, a
- * cache that cannot be used is only slower, so nothing is reported but the outcome.
+ * cache that cannot be used is only slower, so the outcome is all that is told.
  */
 class FRegistryCache
 {
@@ -17,7 +17,8 @@ public:
 	const FString& GetFileName() const { return FileName; }
 	/** The image, read into memory; null when there is no sound one, with the reason. */
 	TSharedPtr<const FRegistryImage> Read(EImageState& OutState) const;
-	/** Creates the folder, writes to a temporary name in it and renames. False when that does not work. */
+	/** Creates the folder, writes to a temporary name in it and renames. False, with the reason in errno, when that does not
+	 * work. */
 	bool Write(const FRegistryImage& Image) const;
 
 private:

@@ -5,7 +5,9 @@
 #include "Scan/RegistryCache.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <utility>
 
 namespace
@@ -177,6 +179,7 @@ TSharedPtr<const FRegistryImage> FRegistryScan::Update(const FListedFiles& Files
 		AddProgress(Options.NumDone, FilesToRead.size() - Holders.GetCandidates().size());
 		Headers = ReadHeaders(Holders.GetCandidates(), Files, Options);
 	}
+	ReportCachedFaults(Files);
 	Report.NumParsed = Headers.NumRead;
 	GatherNamesWithoutRecord(Holders, Headers, Files);
 	if (Options.Stop.stop_requested())
@@ -206,6 +209,23 @@ std::vector<uint32> FRegistryScan::TakeFilesToRead()
 	std::sort(Respelled.begin(), Respelled.end());
 	FilesToRead.insert(FilesToRead.end(), Respelled.begin(), Respelled.end());
 	return FilesToRead;
+}
+
+/** Of the files that are not read because the cache file knows them. */
+void FRegistryScan::ReportCachedFaults(const FListedFiles& Files) const
+{
+	if (!Report.bCacheUsed || !Options.Diagnostics)
+		return;
+	const FRegistryTables& Tables = Cached.Image->GetTables();
+	for (uint32 Fault = 0; Fault < Tables.FaultPackages.size(); ++Fault)
+	{
+		const uint32 File = Cached.FileOfPackage[Tables.FaultPackages[Fault]];
+		if (File == NoId)
+			continue;
+		FDiagnostic Diagnostic = Tables.GetFault(Fault);
+		Diagnostic.File = Files.GetDisplayName(File);
+		Options.Diagnostics->Add(std::move(Diagnostic));
+	}
 }
 
 /** Files without a record are read at every opening, so that they are reported every time; they alone are no reason to build
@@ -266,10 +286,17 @@ void FRegistryScan::WriteCache(const FRegistryImage& Image)
 	{
 		const FRegistryCache Cache(Options.ProjectFolder, Folder);
 		if (!Cache.Write(Image))
+		{
+			Report.CacheError += Report.CacheError.IsEmpty() ? "" : ", ";
+			Report.CacheError += Cache.GetFileName() + " (" + FString::FromExternal(std::strerror(errno)) + ")";
 			continue;
+		}
+		Report.CacheError = {};
 		Report.bCacheWritten = true;
 		Report.CacheFile = Cache.GetFileName();
 		return;
 	}
 	Report.CacheState += "; no cache folder can be written";
+	if (Report.CacheError.IsEmpty())
+		Report.CacheError = "there is no folder for it";
 }

@@ -40,6 +40,7 @@ private:
 	void FindCache(const FListedFiles& Files);
 	TSharedPtr<const FRegistryImage> Update(const FListedFiles& Files);
 	std::vector<uint32> TakeFilesToRead();
+	void ReportCachedFaults(const FListedFiles& Files) const;
 	bool IsCacheRight(const std::vector<FCandidate>& Candidates, const FReadHeaders& Headers) const;
 	TSharedPtr<const FRegistryImage> Build(
 		const FListedFiles& Files, const std::vector<FCandidate>& Candidates, FReadHeaders& Headers);

@@ -17,5 +17,6 @@ private:
 	// In the order of the zones
 	std::array<FTextTable, NumZones> Tables = {FTextTable(ESearchCase::IgnoreCase), FTextTable(ESearchCase::CaseSensitive),
 		FTextTable(ESearchCase::IgnoreCase), FTextTable(ESearchCase::CaseSensitive), FTextTable(ESearchCase::CaseSensitive),
-		FTextTable(ESearchCase::CaseSensitive), FTextTable(ESearchCase::CaseSensitive), FTextTable(ESearchCase::CaseSensitive)};
+		FTextTable(ESearchCase::CaseSensitive), FTextTable(ESearchCase::CaseSensitive), FTextTable(ESearchCase::CaseSensitive),
+		FTextTable(ESearchCase::CaseSensitive)};
 };

@@ -51,6 +51,7 @@ struct FRegistryScanReport
 	bool bCacheUsed = false;
 	bool bCacheWritten = false;
 	FString CacheFile;	// where it was read from or written to; "" when nowhere
+	FString CacheError; // why it could not be written anywhere, for people; "" when it was, or needed not be
 	FString CacheState; // one phrase for people: "up to date", "updated (12 files)", "rebuilt: damaged", ...
 	double ListSeconds = 0;
 	double ParseSeconds = 0;
@@ -100,6 +101,8 @@ public:
 	int64 GetImageBytes() const;
 	/** Number of assets per class path, registry-filtered ones included, in ascending order of the class path. */
 	TArray<std::pair<FTopLevelAssetPath, int32>> CountAssetsByClass() const;
+	/** All packages with a file, those without assets too, in registry order. */
+	TArray<FName> ListPackages() const;
 	/** The file of a package, absolute; "" when the registry does not know it. */
 	FString GetPackageFileName(FName PackageName, const IPackageSource*& OutSource) const;
 	/** Readable dump of all columns, for people who look for a fault; what has changed since the last scan is left out. */

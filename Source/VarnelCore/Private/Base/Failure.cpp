@@ -10,5 +10,7 @@ const char* DescribeFailure(const std::exception& Failure) noexcept
 	const auto* const SystemError = dynamic_cast<const std::system_error*>(&Failure);
 	if (SystemError && SystemError->code() == std::errc::resource_unavailable_try_again)
 		return "no thread can be started";
+	if (SystemError && SystemError->code() == std::errc::too_many_files_open)
+		return "too many files are open; raise the limit of the process (ulimit -n)";
 	return Failure.what();
 }

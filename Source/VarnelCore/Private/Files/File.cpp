@@ -153,5 +153,5 @@ bool FFileHelper::SaveStringToFile(FStringView Text, const FString& Path)
 	if (Name.empty() || Path.View().ends_with('/') || !IFileManager::Get().MakeDirectory(FolderPath))
 		return false;
 	const FFileHandle Folder = PathResolver::Open(FolderPath, SecureOpen::ToPassFolder);
-	return Folder.IsOpen() && WriteFile::Replace(Folder, Name, Text);
+	return Folder.IsOpen() && WriteFile::Replace(Folder, Name, Text, EPowerCut::Survives);
 }

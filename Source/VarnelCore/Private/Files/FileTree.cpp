@@ -20,11 +20,11 @@ EFileRead ReadOpened(const FFileHandle& File, std::string& Buffer, uint64 MaxByt
 }
 }
 
-bool FFileStamp::IsSettled() const
+bool FFileStamp::IsSettled(std::chrono::system_clock::time_point At) const
 {
 	using namespace std::chrono;
 	constexpr nanoseconds Quiet = seconds(1);
-	return system_clock::now().time_since_epoch() - nanoseconds(ChangedNanoseconds) > Quiet;
+	return At.time_since_epoch() - nanoseconds(ChangedNanoseconds) > Quiet;
 }
 
 FFileTree FFileTree::List(FStringView Root, const FFileTreeOptions& Options)
@@ -46,6 +46,8 @@ FFileTree FFileTree::List(FStringView Root, const FFileTreeOptions& Options)
 FFileTree FFileTree::FromPaths(FStringView Root, const std::vector<std::string_view>& RelativePaths)
 {
 	FFileTree Tree;
+	if (RelativePaths.empty()) // most searches of a project that is watched look at no file
+		return Tree;
 	Tree.Root = PathResolver::Open(Root, SecureOpen::ToPassFolder);
 	if (!Tree.Root.IsOpen())
 		return Tree;

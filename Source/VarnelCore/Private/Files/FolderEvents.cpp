@@ -287,7 +287,7 @@ void FFolderEvents::HandleEvent(const FEvent& Event)
 		HandleOwnEvent(Event, Known->second);
 	else if (std::string Path = Known->second->first + std::string(Event.Name); (Event.Mask & IN_ISDIR) != 0)
 		HandleFolder(Event.Mask, Path + "/");
-	else
+	else if (!Options.KeepFile || Options.KeepFile(Path))
 		ChangedFiles.insert(std::move(Path));
 }
 

@@ -5,11 +5,21 @@
 #include <algorithm>
 #include <cerrno>
 #include <dirent.h>
+#include <sys/resource.h>
 
 namespace
 {
 constexpr std::size_t ReadBufferBytes = 64 * 1024;
-constexpr int32 MaxOpenAnchors = 128; // a process may have as few as 1,024 handles for everything it does
+constexpr int32 MaxOpenAnchors = 128;
+constexpr int32 AnchorShare = 8; // of the descriptors that the process may have for everything it does
+
+int32 GetMaxOpenAnchors()
+{
+	rlimit Limit = {};
+	if (getrlimit(RLIMIT_NOFILE, &Limit) != 0)
+		return 0;
+	return static_cast<int32>(std::min<rlim_t>(Limit.rlim_cur / AnchorShare, MaxOpenAnchors));
+}
 
 uint64 MakeSortKey(std::string_view Name)
 {
@@ -39,7 +49,10 @@ FFolderWalk::FAnchor::~FAnchor()
 	--NumOpen;
 }
 
-FFolderWalk::FFolderWalk(const FFileHandle& InRoot, const FFileTreeOptions& InOptions) : Root(InRoot), Options(InOptions)
+FFolderWalk::FFolderWalk(const FFileHandle& InRoot, const FFileTreeOptions& InOptions)
+	: Root(InRoot)
+	, Options(InOptions)
+	, MaxAnchors(GetMaxOpenAnchors())
 {
 }
 
@@ -140,7 +153,7 @@ void FFolderWalk::ReadFolder(const FPendingFolder& Task, FWorker& Worker)
 		Worker.Unreadable.push_back(Task.Path);
 	SortEntries(Folder, Worker);
 	std::shared_ptr<const FAnchor> Anchor = Task.Anchor;
-	if (!Found.empty() && NumOpenAnchors < MaxOpenAnchors)
+	if (!Found.empty() && NumOpenAnchors < MaxAnchors)
 		Anchor = std::make_shared<const FAnchor>(std::move(Handle), PrefixLength, NumOpenAnchors);
 	for (FPendingFolder& Child : Found)
 		Child.Anchor = Anchor;
@@ -150,7 +163,7 @@ void FFolderWalk::ReadFolder(const FPendingFolder& Task, FWorker& Worker)
 FFileHandle FFolderWalk::OpenFolder(const FPendingFolder& Task) const
 {
 	if (Task.Path.empty())
-		return FFileHandle(openat(Root.Get(), ".", SecureOpen::ToReadFolder | O_CLOEXEC)); // an own reading position
+		return SecureOpen::MakeHandle(openat(Root.Get(), ".", SecureOpen::ToReadFolder | O_CLOEXEC)); // an own reading position
 	const std::size_t From = Task.Anchor ? Task.Anchor->PathLength : 0;
 	const FFileHandle& Start = Task.Anchor ? Task.Anchor->Handle : Root;
 	return SecureOpen::OpenBeneath(Start.Get(), std::string_view(Task.Path).substr(From), SecureOpen::ToReadFolder);

@@ -119,6 +119,7 @@ private:
 
 	const FFileHandle& Root;
 	const FFileTreeOptions& Options;
+	const int32 MaxAnchors;
 	FFolder RootFolder;
 	std::deque<FWorker> Workers;
 	std::atomic<int32> NumOpenAnchors = 0;

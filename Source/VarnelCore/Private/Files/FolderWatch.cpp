@@ -42,10 +42,10 @@ void FFolderWatch::CompareTimes()
 	Events = nullptr;
 }
 
-FFolderChanges FFolderWatch::Take()
+FFolderChanges FFolderWatch::Take(EFolderLook Look)
 {
 	if (!Events)
-		return Times->Take();
+		return Times->Take(Look);
 	FFolderChanges Changes = Events->Take();
 	if (Events->GetFailure().IsEmpty())
 		return Changes;

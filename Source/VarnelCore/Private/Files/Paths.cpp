@@ -60,7 +60,7 @@ FString ResolveLinks(const FString& Path)
 
 FFileHandle OpenFollowingLinks(const FString& Path, int Flags)
 {
-	return FFileHandle(open(*Path, Flags | O_CLOEXEC));
+	return SecureOpen::MakeHandle(open(*Path, Flags | O_CLOEXEC));
 }
 }
 
@@ -81,7 +81,7 @@ FFileHandle PathResolver::Open(FStringView Path, int Flags)
 		errno = ENOENT;
 		return {};
 	}
-	return InProject->empty() ? FFileHandle(openat(Project.Get(), ".", Flags | O_CLOEXEC))
+	return InProject->empty() ? SecureOpen::MakeHandle(openat(Project.Get(), ".", Flags | O_CLOEXEC))
 							  : SecureOpen::OpenBeneath(Project.Get(), *InProject, Flags);
 }
 

@@ -8,6 +8,7 @@
 #include <linux/openat2.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace
@@ -39,7 +40,7 @@ bool IsBeneath(std::string_view Path)
 
 FFileHandle OpenSegment(int Folder, std::string_view Name, int Flags)
 {
-	return FFileHandle(openat(Folder, std::string(Name).c_str(), Flags | O_NOFOLLOW | O_CLOEXEC));
+	return SecureOpen::MakeHandle(openat(Folder, std::string(Name).c_str(), Flags | O_NOFOLLOW | O_CLOEXEC));
 }
 
 /** Segment by segment: for kernels without openat2 and for paths longer than one system call takes. */
@@ -65,7 +66,7 @@ FFileHandle OpenInOneCall(int Root, std::string_view Path, int Flags)
 	open_how How{};
 	How.flags = static_cast<decltype(How.flags)>(Flags | O_NOFOLLOW | O_CLOEXEC);
 	How.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-	return FFileHandle(static_cast<int>(syscall(SYS_openat2, Root, std::string(Path).c_str(), &How, sizeof(How))));
+	return SecureOpen::MakeHandle(static_cast<int>(syscall(SYS_openat2, Root, std::string(Path).c_str(), &How, sizeof(How))));
 }
 
 /** Containers answer EPERM for calls that their filter does not know, a rename during the call gives EAGAIN. */
@@ -116,6 +117,13 @@ EFileRead ReadToEnd(int Descriptor, std::string& Buffer, std::size_t ExpectedSiz
 	Buffer.resize(Filled);
 	return EFileRead::Ok;
 }
+}
+
+FFileHandle SecureOpen::MakeHandle(int Descriptor)
+{
+	if (Descriptor < 0 && (errno == EMFILE || errno == ENFILE))
+		throw std::system_error(errno, std::generic_category());
+	return FFileHandle(Descriptor);
 }
 
 FFileHandle SecureOpen::OpenBeneath(int Root, std::string_view Path, int Flags)

@@ -7,7 +7,8 @@
 /**
  * Opening and reading without following symbolic links. Paths are bytes, relative to the handle of a folder; a path that is
  * absolute or has an empty, "." or ".." segment is refused like a missing file. Functions that return a closed handle leave the
- * reason in errno. Any thread.
+ * reason in errno, but for one: where the process or the system has no descriptors left they throw std::system_error, as where
+ * there is no memory, or what is there would count as missing. Any thread.
  */
 namespace SecureOpen
 {
@@ -16,6 +17,8 @@ constexpr int ToReadFolder = O_RDONLY | O_DIRECTORY;
 constexpr int ToPassFolder = O_PATH | O_DIRECTORY; // to open other things relative to it; needs no read permission
 constexpr int ToLookAt = O_PATH;
 
+/** Of what an opening call of the system gave. */
+FFileHandle MakeHandle(int Descriptor);
 /** Opens Path below the folder Root; no segment, the last one included, may be a symbolic link. */
 FFileHandle OpenBeneath(int Root, std::string_view Path, int Flags);
 /** What a failed open means to a reader of files. */

@@ -150,5 +150,5 @@ bool FFileHelper::WriteUserFile(FStringView Text, const FString& Path, FString& 
 		return Fail("it is a folder", OutError);
 	if (Target.bOpenElsewhere || (Target.Mode != 0 && !S_ISREG(Target.Mode)))
 		return WriteThrough(Text, Path, OutError);
-	return WriteFile::Replace(Target.Handle, Target.Name, Text) || FailWithSystemError(OutError);
+	return WriteFile::Replace(Target.Handle, Target.Name, Text, EPowerCut::Survives) || FailWithSystemError(OutError);
 }

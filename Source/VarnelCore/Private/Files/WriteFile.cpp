@@ -2,11 +2,11 @@
 
 #include "Core/Threads/StopToken.h"
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,19 +30,50 @@ bool WaitUntilWritable(int Descriptor)
 	return false;
 }
 
-/** A name that other programs and threads do not use at the same time. It is short, since the target's own may have the longest
- * length allowed. */
+bool HasName(const FFileHandle& Folder, const std::string& Name, const FFileHandle& File)
+{
+	struct stat Named;
+	struct stat Opened;
+	return fstatat(Folder.Get(), Name.c_str(), &Named, AT_SYMLINK_NOFOLLOW) == 0 && fstat(File.Get(), &Opened) == 0 &&
+		S_ISREG(Named.st_mode) && Named.st_dev == Opened.st_dev && Named.st_ino == Opened.st_ino;
+}
+
+/** Who writes a temporary file keeps it locked: one without a lock has been left behind by a program that was killed. */
+void RemoveIfLeftBehind(const FFileHandle& Folder, const std::string& Name)
+{
+	const FFileHandle File(openat(Folder.Get(), Name.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC));
+	if (File.IsOpen() && flock(File.Get(), LOCK_EX | LOCK_NB) == 0 && HasName(Folder, Name, File))
+		unlinkat(Folder.Get(), Name.c_str(), 0);
+}
+
+/** False when another writer takes the file for one that was left behind. Where files cannot be locked nobody does. */
+bool LockTemporary(const FFileHandle& Folder, const std::string& Name, const FFileHandle& File)
+{
+	return (flock(File.Get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) && HasName(Folder, Name, File);
+}
+
+/** Locked, under a name that other programs and threads do not use at the same time. It is short, since the target's own may have
+ * the longest length allowed. */
 FFileHandle CreateTemporary(const FFileHandle& Folder, std::string& OutName)
 {
-	static std::atomic<uint32> Counter = 0;
 	for (int32 Try = 0; Try < MaxTemporaryNames; ++Try)
 	{
-		OutName = ".save-" + std::to_string(getpid()) + "-" + std::to_string(Counter++) + ".tmp";
+		OutName = ".varnel-save-" + std::to_string(Try) + ".tmp";
+		RemoveIfLeftBehind(Folder, OutName);
 		FFileHandle File(openat(Folder.Get(), OutName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-		if (File.IsOpen() || errno != EEXIST)
+		if (File.IsOpen() ? LockTemporary(Folder, OutName, File) : errno != EEXIST)
 			return File;
 	}
+	errno = EEXIST;
 	return {};
+}
+
+/** What was written has arrived, as far as the promise goes; the file stays open. */
+bool Settle(const FFileHandle& File, EPowerCut PowerCut)
+{
+	if (PowerCut == EPowerCut::Survives)
+		return fsync(File.Get()) == 0 || errno == EINVAL;			   // a file system that knows no such thing
+	return FFileHandle(fcntl(File.Get(), F_DUPFD_CLOEXEC, 0)).Close(); // closing shows late errors
 }
 
 /** A file that only its owner may read stays so. */
@@ -67,14 +98,14 @@ bool WriteFile::All(int Descriptor, FStringView Bytes)
 	return true;
 }
 
-bool WriteFile::Replace(const FFileHandle& Folder, const std::string& TargetName, FStringView Bytes)
+bool WriteFile::Replace(const FFileHandle& Folder, const std::string& TargetName, FStringView Bytes, EPowerCut PowerCut)
 {
 	std::string TemporaryName;
 	FFileHandle File = CreateTemporary(Folder, TemporaryName);
 	if (!File.IsOpen())
 		return false;
 	KeepPermissions(Folder, TargetName, File);
-	const bool bWritten = All(File.Get(), Bytes) && File.Close();
+	const bool bWritten = All(File.Get(), Bytes) && Settle(File, PowerCut);
 	if (bWritten && renameat(Folder.Get(), TemporaryName.c_str(), Folder.Get(), TargetName.c_str()) == 0)
 		return true;
 	const int Reason = errno;

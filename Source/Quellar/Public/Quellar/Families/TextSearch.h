@@ -11,22 +11,13 @@ bool IsSearchableTextFile(FStringView Path);
  * the search itself does not hold whole files. Kept for callers. */
 bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params, bool bExact, bool bCaseSensitive);
 
-/** Files that a search of text files would have read and could not, relative to the project. */
-struct FTextSearchGaps
-{
-	TArray<FString> TooLarge;	// above FFileHelper::MaxTextFileBytes
-	TArray<FString> Unreadable; // folders too, with a slash at the end
-};
-
-/** Of the last search that included text files; empty before. Game thread; valid until the next search. */
-const FTextSearchGaps& GetTextSearchGaps();
-
 /**
  * From now on every change of the opened project's files is told through NoteTextFileChanges before the next search, but for what
- * lies in UntoldFolders ("Saved": names of folders directly below the project). Searches may therefore keep what they learn of
- * text files, and answer as of the changes told last; in the untold folders they look at the files each time. Game thread.
+ * lies in UntoldFolders ("Saved": names of folders directly below the project), which searches watch themselves, in this mode
+ * where it is to be had. Searches may therefore keep what they learn of text files, and answer as of the changes told last. Game
+ * thread.
  */
-void StartKeepingTextFiles(const TArray<FString>& UntoldFolders);
+void StartKeepingTextFiles(const TArray<FString>& UntoldFolders, EFolderWatchMode Mode);
 /** Nothing is told any more: what is kept goes, and searches read all files. To be called before another project is opened. Game
  * thread. */
 void StopKeepingTextFiles();

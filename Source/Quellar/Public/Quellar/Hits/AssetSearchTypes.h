@@ -70,12 +70,30 @@ struct FAssetSearchParams
 	int32 MaxHitsPerAssetType = 25;
 };
 
+/** What a search would have read and could not, so that it may hold more than was found. */
+struct FUnreadFile
+{
+	enum class EReason : uint8
+	{
+		Unreadable,
+		TooLarge,	// above FFileHelper::MaxTextFileBytes
+		Unloadable, // a package whose body is faulty, or whose file cannot be read
+	};
+
+	FString Path; // of a text file, relative to the project; of a folder, with a slash at the end; long package name
+	EReason Reason = EReason::Unreadable;
+};
+
 /** Assets with their hits: of a family in the order in which it found them, of a whole search in ascending path order. */
 struct FAssetSearchResult
 {
 	TArray<FAssetResult> Results;
-	bool bTruncated = false; // an asset was dropped by the per-asset-type cap or the total cap
+	bool bTruncated = false;	// an asset was dropped by the per-asset-type cap or the total cap
+	TArray<FUnreadFile> Unread; // of a whole search: ascending, each once; of a stopped search and behind a cap not all
 };
+
+/** A sentence for people that tells how many there are and names the first; "" for none. */
+FString DescribeUnread(const TArray<FUnreadFile>& Unread);
 
 /** Executed exactly once with what a search, or one family of it, found. */
 using FOnAssetSearchComplete = TDelegate<void(const FAssetSearchResult&)>;

@@ -17,6 +17,8 @@ public:
 	 * returns unless a family answers later.
 	 */
 	void AssetSearch(const FAssetSearchParams& Params, FOnAssetSearchComplete OnComplete);
+	/** False for a search of text files alone. Any thread. */
+	static bool NeedsPackages(const FAssetSearchParams& Params);
 	/**
 	 * Finds assets by object path or name, registry-filtered ones too, and groups them by directory. Counts all hits; hits over a
 	 * cap are only counted, in registry order, and the reason is recorded. Result is replaced.

@@ -13,4 +13,6 @@ public:
 	 */
 	static void ExecuteAsync(
 		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete);
+	/** False where the arguments ask for text files alone. Any thread. */
+	static bool NeedsPackages(const FJsonObject& Args);
 };

@@ -4,6 +4,7 @@
 #include "Core/Files/FileHandle.h"
 #include "Core/Text/String.h"
 
+#include <chrono>
 #include <functional>
 #include <stop_token>
 #include <string>
@@ -19,9 +20,9 @@ struct FFileStamp
 	uint64 Inode = 0;
 
 	friend bool operator==(const FFileStamp&, const FFileStamp&) = default;
-	/** What bears the stamp has been quiet for a while (a second), so that every later change gives another stamp: the kernel's
-	 * tick is the grain of its times. */
-	bool IsSettled() const;
+	/** What bears the stamp had been quiet for a while (a second) at the time, so that every later change gives another stamp:
+	 * the kernel's tick is the grain of its times. */
+	bool IsSettled(std::chrono::system_clock::time_point At = std::chrono::system_clock::now()) const;
 };
 
 /** What became of reading a file. */

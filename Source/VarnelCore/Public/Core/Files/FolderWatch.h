@@ -24,7 +24,14 @@ struct FFolderChanges
 enum class EFolderWatchMode : uint8
 {
 	Events, // the system keeps them until they are asked for
-	Times,	// files are listed and their stamps compared
+	Times,	// the stamps of files and folders are compared with those of the last look
+};
+
+/** What a look in the mode Times is for. */
+enum class EFolderLook : uint8
+{
+	All,
+	WithoutBulk, // files that FFolderWatchOptions::IsBulk names may be left for a later look
 };
 
 struct FFolderWatchOptions
@@ -32,8 +39,12 @@ struct FFolderWatchOptions
 	/** Whether a folder below a root is watched, by its absolute path, no slash at the end. Nothing is told of the others.
 	 * Absent: all are. Called from several threads at once. */
 	std::function<bool(std::string_view Path)> EnterFolder;
+	/** Whether a file is watched, by its absolute path. Absent: all are. Called from several threads at once. */
+	std::function<bool(std::string_view Path)> KeepFile;
+	/** Files of which there are very many and that not everybody asks about; see EFolderLook. Absent: none. As KeepFile. */
+	std::function<bool(std::string_view Path)> IsBulk;
 	bool bTimesOnly = false;
-	/** In the mode Times files are looked at so often at most; in between nothing is told. */
+	/** In the mode Times there is a look so often at most; in between nothing is told. */
 	std::chrono::steady_clock::duration TimesInterval = std::chrono::seconds(1);
 	int32 MaxWatches = 0; // folders watched for events, beyond which times are compared; 0: what the system allows
 	std::stop_token Stop; // ends a look at the folders that is under way; what it left out is told later
@@ -63,7 +74,7 @@ public:
 	/** Why times are compared, half a sentence: "the folder /x lies on a network"; "" in the mode Events. */
 	const FString& GetReason() const { return Reason; }
 	/** Everything that was closed, renamed or removed before the call is told, with what is under way. */
-	FFolderChanges Take();
+	FFolderChanges Take(EFolderLook Look = EFolderLook::All);
 
 private:
 	void CompareTimes();

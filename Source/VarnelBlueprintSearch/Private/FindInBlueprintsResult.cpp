@@ -31,6 +31,8 @@ const FFindInBlueprintsResult* FFindInBlueprintsResult::GetParent() const
 
 FFindInBlueprintsResult::FChildren FFindInBlueprintsResult::GetChildren() const
 {
+	if (Entry == INDEX_NONE)
+		Owner->ExpandAllChildren();
 	const FFindInBlueprintsResult* const Begin = Entry == INDEX_NONE ? Owner->Lines.data() : this + 1;
 	return {Begin, Begin + NumBelow};
 }
@@ -63,8 +65,19 @@ std::span<const uint32> FImaginaryFiBData::GetMatches() const
 
 void FImaginaryFiBData::ExpandAllChildren()
 {
-	if (!Lines.empty())
+	if (bExpanded)
 		return;
+	const std::lock_guard Guard(Owner->ExpandLock);
+	if (bExpanded)
+		return;
+	Lines = MakeLines();
+	Top.NumBelow = static_cast<int32>(Lines.size());
+	bExpanded = true;
+}
+
+std::vector<FFindInBlueprintsResult> FImaginaryFiBData::MakeLines()
+{
+	std::vector<FFindInBlueprintsResult> Made;
 	struct FOpenEntry
 	{
 		int32 Entry;
@@ -88,16 +101,16 @@ void FImaginaryFiBData::ExpandAllChildren()
 		{
 			if (Ancestor.Line == INDEX_NONE)
 			{
-				Ancestor.Line = static_cast<int32>(Lines.size());
-				Lines.emplace_back(*this, Ancestor.Entry, Parent);
+				Ancestor.Line = static_cast<int32>(Made.size());
+				Made.emplace_back(*this, Ancestor.Entry, Parent);
 			}
 			Parent = Ancestor.Line;
 		}
 	}
-	for (std::size_t Line = Lines.size(); Line-- > 0;)
+	for (std::size_t Line = Made.size(); Line-- > 0;)
 	{
-		if (const int32 Parent = Lines[Line].Parent; Parent != INDEX_NONE)
-			Lines[static_cast<std::size_t>(Parent)].NumBelow += 1 + Lines[Line].NumBelow;
+		if (const int32 Parent = Made[Line].Parent; Parent != INDEX_NONE)
+			Made[static_cast<std::size_t>(Parent)].NumBelow += 1 + Made[Line].NumBelow;
 	}
-	Top.NumBelow = static_cast<int32>(Lines.size());
+	return Made;
 }

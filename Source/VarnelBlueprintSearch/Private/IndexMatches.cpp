@@ -9,7 +9,7 @@ namespace
 constexpr float TextsDone = 0.2f;
 constexpr float EntriesDone = 0.6f;
 // With more matches than one in so many entries, marking entries costs less than sorting their numbers.
-constexpr std::size_t EntriesPerSortedMatch = 64;
+constexpr std::size_t EntriesPerSortedMatch = 1024;
 constexpr std::size_t WordBits = 64;
 constexpr int32 NearbyBlueprints = 8;
 constexpr std::size_t BlueprintsPerLook = 1024; // between two looks at the stop request

@@ -3,8 +3,9 @@
 #include "BlueprintSearch/FindInBlueprintsResult.h"
 
 #include <atomic>
+#include <mutex>
 
-/** The entries that contain a value, by Blueprint. Once found, only the lines of a result may be expanded. */
+/** The entries that contain a value, by Blueprint. Once found, only lines of results are added. */
 struct FIndexMatches : std::enable_shared_from_this<FIndexMatches>
 {
 	FBlueprintIndexView Index;
@@ -12,6 +13,7 @@ struct FIndexMatches : std::enable_shared_from_this<FIndexMatches>
 	std::vector<int32> Blueprints;			 // those with at least one, in registry order
 	std::vector<std::size_t> FirstEntries;	 // by Blueprint, into Entries, and the end
 	TUniquePtr<FImaginaryFiBData[]> Results; // by Blueprint
+	mutable std::mutex ExpandLock;			 // held while lines of a result are made
 
 	void MakeResults();
 };

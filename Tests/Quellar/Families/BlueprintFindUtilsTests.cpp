@@ -66,7 +66,7 @@ TEST(BlueprintFindUtils, AnswersOnceOnTheGameThread)
 	ASSERT_EQ(Utils.GetItemsFound().Num(), 1);
 	EXPECT_EQ(Utils.GetItemsFound()[0]->GetDisplayString(), FString("/Game/BP_A.BP_A"));
 	const auto Lines = Utils.GetItemsFound()[0]->GetChildren();
-	ASSERT_NE(Lines.begin(), Lines.end()) << "expanded already";
+	ASSERT_NE(Lines.begin(), Lines.end());
 	EXPECT_EQ((*Lines.begin()).GetDisplayString(), FString("Health2"));
 	EXPECT_EQ(Utils.GetLastSearchedVersion(), BlueprintIndexVersion);
 

@@ -46,6 +46,32 @@ TArray<FAssetData> ListBlueprints()
 	return Assets;
 }
 
+/** Results by their Blueprint's object path, in the order in which they were first asked for. */
+class FResultsByPath
+{
+public:
+	FAssetResult& FindOrAdd(const FString& Path)
+	{
+		if (const int32* const Place = Places.Find(Path))
+			return Results[*Place];
+		Places.Add(Path, Results.Num());
+		return Results.Emplace_GetRef();
+	}
+	/** Those with hits, appended. Once. */
+	void MoveTo(TArray<FAssetResult>& OutResults)
+	{
+		for (FAssetResult& Result : Results)
+		{
+			if (!Result.Hits.IsEmpty())
+				OutResults.Add(std::move(Result));
+		}
+	}
+
+private:
+	TArray<FAssetResult> Results;
+	TMap<FString, int32> Places;
+};
+
 /** One search of the family, from the query to the report. It goes on in posted tasks, under the stop token it began with. */
 class FBlueprintSearch : public std::enable_shared_from_this<FBlueprintSearch>
 {
@@ -72,7 +98,7 @@ public:
 
 private:
 	void ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Blueprints);
-	bool ConvertEntry(const FFindInBlueprintsResult& Entry, const FString& BlueprintPath);
+	bool ConvertEntry(const FFindInBlueprintsResult& Entry, const FString& Name, const FString& Container, FAssetResult& Result);
 	void Finish();
 	void Report();
 	void ReadWidgets();
@@ -86,9 +112,9 @@ private:
 	const std::stop_token StopToken = GetStopToken();
 	int32 TotalHits = 0; // of the index and of widgets; names do not count
 	bool bNamesEndedEarly = false;
-	TArray<FUnreadFile> Unread;				   // of the packages with widgets
-	TMap<FString, FAssetResult> IndexResults;  // by object path
-	TMap<FString, FAssetResult> ObjectResults; // by object path: those with widgets, then those found by their names alone
+	TArray<FUnreadFile> Unread; // of the packages with widgets
+	FResultsByPath IndexResults;
+	FResultsByPath ObjectResults; // those with widgets, then those found by their names alone
 };
 
 /** The Blueprints come with the delivery rather than from GetItemsFound: a query made since then may be filling that list. */
@@ -101,28 +127,27 @@ void FBlueprintSearch::ReadIndex(const TArray<TSharedPtr<FImaginaryFiBData>>& Bl
 		const FString Path = Blueprint ? Blueprint->GetResult().GetDisplayString() : FString();
 		if (Path.IsEmpty() || !OrivaneSearchUtils::TermMatches(Path, PathParams))
 			continue;
-		if (!ConvertEntry(Blueprint->GetResult(), Path))
+		FAssetResult& Result = IndexResults.FindOrAdd(Path);
+		if (Result.AssetPath.IsEmpty())
+		{
+			Result.AssetPath = FPackageName::ObjectPathToPackageName(Path);
+			Result.AssetClass = "Blueprint";
+		}
+		if (!ConvertEntry(Blueprint->GetResult(), Path, FString(), Result))
 			return;
 	}
 }
 
 /** The entry, then what lies below it. False when the hit cap ends the pass. */
-bool FBlueprintSearch::ConvertEntry(const FFindInBlueprintsResult& Entry, const FString& BlueprintPath)
+bool FBlueprintSearch::ConvertEntry(
+	const FFindInBlueprintsResult& Entry, const FString& Name, const FString& Container, FAssetResult& Result)
 {
 	if (IsFull())
 		return false;
-	FAssetResult& Result = IndexResults.FindOrAdd(BlueprintPath);
-	if (Result.AssetPath.IsEmpty())
-	{
-		Result.AssetPath = FPackageName::ObjectPathToPackageName(BlueprintPath);
-		Result.AssetClass = "Blueprint";
-	}
-	const FFindInBlueprintsResult* const Parent = Entry.GetParent();
-	OrivaneSearchUtils::AppendHitWithCaps(Result, Entry.GetCategory(), Entry.GetDisplayString(),
-		Parent ? Parent->GetDisplayString() : FString(), Params, TotalHits);
+	OrivaneSearchUtils::AppendHitWithCaps(Result, Entry.GetCategory(), Name, Container, Params, TotalHits);
 	for (const FFindInBlueprintsResult& Child : Entry.GetChildren())
 	{
-		if (!ConvertEntry(Child, BlueprintPath))
+		if (!ConvertEntry(Child, Child.GetDisplayString(), Name, Result))
 			return false;
 	}
 	return true;
@@ -139,14 +164,9 @@ void FBlueprintSearch::Finish()
 void FBlueprintSearch::Report()
 {
 	const FStopScope Scope(StopToken);
-	FAssetSearchResult Found{.Unread = Unread, .bEndedEarly = IsFull() || bNamesEndedEarly};
-	for (const auto& [Path, Result] : IndexResults)
-	{
-		if (!Result.Hits.IsEmpty())
-			Found.Results.Add(Result);
-	}
-	for (const auto& [Path, Result] : ObjectResults)
-		Found.Results.Add(Result);
+	FAssetSearchResult Found{.Unread = std::move(Unread), .bEndedEarly = IsFull() || bNamesEndedEarly};
+	IndexResults.MoveTo(Found.Results);
+	ObjectResults.MoveTo(Found.Results);
 	OnDone.ExecuteIfBound(Found);
 }
 
@@ -170,7 +190,7 @@ void FBlueprintSearch::ReadWidgets()
 		Read(Result, Hits);
 		Scan.AddIfUnread(Unread);
 		if (Hits.HasHits())
-			ObjectResults.Add(Asset.GetObjectPathString(), std::move(Result));
+			ObjectResults.FindOrAdd(Asset.GetObjectPathString()) = std::move(Result);
 	}
 }
 

@@ -17,16 +17,6 @@ double GetSeconds()
 {
 	return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
-
-/** What a search that has ended found, with its lines. */
-TArray<TSharedPtr<FImaginaryFiBData>> CollectBlueprints(const FStreamSearch& Search)
-{
-	TArray<TSharedPtr<FImaginaryFiBData>> Found;
-	Search.GetFilteredImaginaryResults(Found);
-	for (const TSharedPtr<FImaginaryFiBData>& Blueprint : Found)
-		Blueprint->ExpandAllChildren();
-	return Found;
-}
 }
 
 /** Looks at one search until it has ended. */
@@ -145,7 +135,8 @@ void FBlueprintFindUtils::Abandon()
 	const auto [Search, Callback] = EndSearch();
 	if (!Search)
 		return;
-	auto Found = CollectBlueprints(*Search);
+	TArray<TSharedPtr<FImaginaryFiBData>> Found;
+	Search->GetFilteredImaginaryResults(Found);
 	std::stop_source Abandoned;
 	Abandoned.request_stop();
 	const FStopScope Scope(Abandoned.get_token());
@@ -234,16 +225,10 @@ EActiveTimerReturnType FBlueprintFindUtils::UpdateSearchResults(double, float)
 	TArray<TSharedPtr<FFindInBlueprintsResult>> Items;
 	Search->GetFilteredImaginaryResults(*Found);
 	Search->GetFilteredItems(Items);
-	for (const TSharedPtr<FImaginaryFiBData>& Blueprint : *Found)
-	{
-		if (GetStreamSearch() != Search) // another one has taken its place
-			return EActiveTimerReturnType::Stop;
-		Blueprint->ExpandAllChildren();
-	}
 	Search->EnsureCompletion();
 
 	const std::lock_guard Guard(Lock);
-	if (StreamSearch != Search)
+	if (StreamSearch != Search) // another one has taken its place
 		return EActiveTimerReturnType::Stop;
 	ItemsFound = std::move(Items);
 	LastSearchedFiBVersion = Search->GetSearchedVersion();

@@ -38,10 +38,15 @@ bool FAssetScan::Next()
 	while (NumDone < Candidates.size() && !IsStopRequested())
 	{
 		Place = Candidates[NumDone++];
-		if (PassesPathFilter(GetAsset().PackagePath.ToString(), Params))
+		if (PassesPathFilter(GetAsset()))
 			return true;
 	}
 	return false;
+}
+
+bool FAssetScan::PassesPathFilter(const FAssetData& Asset) const
+{
+	return Params.PathContains.IsEmpty() || ::PassesPathFilter(Asset.PackagePath.ToString(), Params);
 }
 
 void FAssetScan::AddIfUnread(TArray<FUnreadFile>& Out) const
@@ -57,7 +62,7 @@ FName FAssetScan::FindNextPackage()
 	while (NumAhead < Candidates.size() && !IsStopRequested())
 	{
 		const FAssetData& Asset = Texts.GetAssets()[Candidates[NumAhead++]];
-		if (PassesPathFilter(Asset.PackagePath.ToString(), Params))
+		if (PassesPathFilter(Asset))
 			return Asset.PackageName;
 	}
 	return {};

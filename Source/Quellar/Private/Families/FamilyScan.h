@@ -121,6 +121,7 @@ public:
 	}
 
 private:
+	bool PassesPathFilter(const FAssetData& Asset) const;
 	FName FindNextPackage();
 
 	FAssetTexts& Texts;

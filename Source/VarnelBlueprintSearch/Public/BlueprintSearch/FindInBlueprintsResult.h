@@ -2,6 +2,7 @@
 
 #include "AssetRegistry/BlueprintIndex.h"
 
+#include <atomic>
 #include <span>
 
 class FImaginaryFiBData;
@@ -43,7 +44,7 @@ public:
 		const FFindInBlueprintsResult* End;
 	};
 
-	FFindInBlueprintsResult(const FImaginaryFiBData& InOwner, int32 InEntry, int32 InParent)
+	FFindInBlueprintsResult(FImaginaryFiBData& InOwner, int32 InEntry, int32 InParent)
 		: Owner(&InOwner)
 		, Entry(InEntry)
 		, Parent(InParent)
@@ -58,20 +59,19 @@ public:
 	FString GetCommentText() const;
 	/** Null for a Blueprint. */
 	const FFindInBlueprintsResult* GetParent() const;
-	/** None before FImaginaryFiBData::ExpandAllChildren. */
 	FChildren GetChildren() const;
 
 private:
 	friend class FImaginaryFiBData;
 
-	const FImaginaryFiBData* Owner;
+	FImaginaryFiBData* Owner;
 	int32 Entry;		// of the index; INDEX_NONE for the Blueprint
 	int32 Parent;		// place among the owner's lines; INDEX_NONE directly below the Blueprint, and for it
 	int32 NumBelow = 0; // all lines below this one; they follow it
 };
 
 /** What a search found in one Blueprint, read from the index: nothing is loaded. Made by the search; lies beside those of the
- * other Blueprints, which pointers to it keep alive too. */
+ * other Blueprints, which pointers to it keep alive too. Any thread. */
 class FImaginaryFiBData
 {
 public:
@@ -86,8 +86,6 @@ public:
 	/** The Blueprint's own line. */
 	const FFindInBlueprintsResult& GetResult() const { return Top; }
 	TSharedPtr<FFindInBlueprintsResult> GetSharedResult();
-	/** Makes the lines below the Blueprint. One thread, before others look; a second call changes nothing. */
-	void ExpandAllChildren();
 
 private:
 	friend class FFindInBlueprintsResult;
@@ -96,9 +94,13 @@ private:
 	const FBlueprintIndexView& GetIndex() const;
 	int32 GetBlueprint() const;
 	std::span<const uint32> GetMatches() const;
+	/** Makes the lines below the Blueprint when somebody first looks at them: most searches look at the first few Blueprints. */
+	void ExpandAllChildren();
+	std::vector<FFindInBlueprintsResult> MakeLines();
 
 	const FIndexMatches* Owner = nullptr;
 	std::size_t Place = 0; // among the owner's Blueprints
 	FFindInBlueprintsResult Top = FFindInBlueprintsResult(*this, INDEX_NONE, INDEX_NONE);
 	std::vector<FFindInBlueprintsResult> Lines; // parents before children
+	std::atomic<bool> bExpanded = false;		// set when the lines are there
 };

@@ -44,8 +44,7 @@ public:
 	double GetSearchSeconds() const { return SearchSeconds; }
 
 	// Results, once complete: one for each Blueprint with a match, in registry order, appended to the list. The items are the
-	// Blueprints' lines; those below them come with FImaginaryFiBData::ExpandAllChildren. What ended the search, for want of
-	// memory, is thrown.
+	// Blueprints' lines. What ended the search, for want of memory, is thrown.
 	void GetFilteredItems(TArray<TSharedPtr<FFindInBlueprintsResult>>& OutItems) const;
 	void GetFilteredImaginaryResults(TArray<TSharedPtr<FImaginaryFiBData>>& OutResults) const;
 

@@ -7,7 +7,7 @@
 #include <atomic>
 #include <utility>
 
-/** Executed once, on the game thread, with one element for each Blueprint that matched; their lines are expanded. When a search
+/** Executed once, on the game thread, with one element for each Blueprint that matched. When a search
  * is abandoned, inside of Abandon and with a stop requested, see Core/StopToken.h: work that was to go on later does not. */
 using FOnBlueprintSearchComplete = TDelegate<void(TArray<TSharedPtr<FImaginaryFiBData>>&)>;
 

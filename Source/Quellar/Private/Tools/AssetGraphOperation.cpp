@@ -4,7 +4,7 @@
 #include "Graph/AssetGraphJson.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Quellar/Hits/AssetSearchTypes.h"
-#include "Tools/ArgumentTable.h"
+#include "Quellar/Tools/ArgumentTable.h"
 
 namespace
 {

@@ -3,7 +3,7 @@
 #include "Core/Threads/StopToken.h"
 #include "Quellar/Paths/AssetPathSearchJson.h"
 #include "Quellar/Search/AssetSearchService.h"
-#include "Tools/ArgumentTable.h"
+#include "Quellar/Tools/ArgumentTable.h"
 
 DEFINE_LOG_CATEGORY(LogAssetPathSearchOperation); // kept for callers: nothing here can fail
 

@@ -6,7 +6,7 @@
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Quellar/Search/AssetSearchService.h"
 #include "Search/AssetSearchJson.h"
-#include "Tools/ArgumentTable.h"
+#include "Quellar/Tools/ArgumentTable.h"
 
 namespace
 {

@@ -3,7 +3,7 @@
 #include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Graph/AssetGraphService.h"
 #include "Quellar/Paths/AssetPathSearchTypes.h"
-#include "Tools/ArgumentTable.h"
+#include "Quellar/Tools/ArgumentTable.h"
 
 namespace
 {

@@ -5,7 +5,7 @@
 #include "Quellar/Families/SearchMemory.h"
 #include "Support/Golden.h"
 #include "Support/TestProject.h"
-#include "Tools/PathSearchTool.h"
+#include "Tools/HostTools.h"
 #include "Tools/ToolCaller.h"
 #include "Tools/ToolOutput.h"
 
@@ -20,7 +20,7 @@ protected:
 		std::filesystem::copy(SAMPLE_PROJECT, Project.GetFolder().GetRoot() + "/P", std::filesystem::copy_options::recursive);
 		Project.GetFolder().Remove("P/Saved"); // of whoever has tried the sample
 		Project.OpenFolder("P");
-		RegisterPathSearchTool();
+		RegisterHostTools();
 	}
 
 	static void Call(const char* Tool, const char* Arguments, const std::function<void(const Orivane::FToolResult&)>& OnAnswer)

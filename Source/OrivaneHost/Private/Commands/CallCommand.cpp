@@ -5,7 +5,7 @@
 #include "Project/Project.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/InputLines.h"
-#include "Tools/PathSearchTool.h"
+#include "Tools/HostTools.h"
 #include "Tools/ToolCaller.h"
 
 #include <algorithm>
@@ -166,6 +166,6 @@ int RunCall(const FCallArguments& Arguments)
 	}
 
 	const FHeadlessEngine Engine;
-	RegisterPathSearchTool();
+	RegisterHostTools();
 	return bCallsFromInput ? RunCallLines(Arguments) : RunOneCall(Arguments, ArgumentText);
 }

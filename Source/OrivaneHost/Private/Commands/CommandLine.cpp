@@ -1,9 +1,9 @@
 #include "Commands/CommandLine.h"
 
-#include "Quellar/Tools/ToolArguments.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/Version.h"
+#include "Tools/HostTools.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -227,7 +227,7 @@ FString DescribeOption(const FToolArgument& Argument)
 /** Offers a tool's arguments as options; those that are given stand in Out as the tool takes them. */
 void AddToolArguments(CLI::App& App, const char* ToolName, const TSharedPtr<FJsonObject>& Out)
 {
-	for (const FToolArgument& Argument : FindToolDeclaration(ToolName)->Arguments)
+	for (const FToolArgument& Argument : FindTool(ToolName)->Arguments)
 	{
 		if (!*Argument.Shell.Names)
 			continue;

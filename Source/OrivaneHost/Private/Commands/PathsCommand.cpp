@@ -2,7 +2,7 @@
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Terminal/ExitCode.h"
-#include "Tools/PathSearchTool.h"
+#include "Tools/HostTools.h"
 #include "Tools/ToolOutput.h"
 
 namespace
@@ -70,7 +70,7 @@ int PrintResult(const Orivane::FToolResult& Result, const FPathsArguments& Argum
 int RunPaths(const FPathsArguments& Arguments)
 {
 	const FHeadlessEngine Engine;
-	RegisterPathSearchTool();
+	RegisterHostTools();
 	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, ToolNames::AssetPathSearch, Json::Write(*Arguments.Tool),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });
 }

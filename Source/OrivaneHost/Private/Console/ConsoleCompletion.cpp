@@ -4,7 +4,7 @@
 #include "Core/Text/Unicode.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Quellar/Console/ConsoleSearch.h"
-#include "Quellar/Tools/ToolArguments.h"
+#include "Tools/HostTools.h"
 
 #include <algorithm>
 
@@ -30,7 +30,7 @@ TArray<FString> GetCommandNames()
 
 const FToolDeclaration& GetToolOf(const FString& Command)
 {
-	return *FindToolDeclaration(Command == AssetGraphConsoleCommand ? ToolNames::AssetGraph : ToolNames::AssetSearch);
+	return *FindTool(Command == AssetGraphConsoleCommand ? ToolNames::AssetGraph : ToolNames::AssetSearch);
 }
 
 TArray<FString> GetCommandWords(const FString& Command)

@@ -14,6 +14,7 @@
 #include "Terminal/NearestWord.h"
 #include "Terminal/StopTimer.h"
 #include "Terminal/Terminal.h"
+#include "Tools/HostTools.h"
 #include "Tools/TimeOutAdvice.h"
 #include "Tools/ToolOutput.h"
 #include "Tools/ToolRemarks.h"
@@ -171,8 +172,7 @@ void FConsoleSession::OnSearchFinished(const FConsoleSearches::FReport& Report)
 	}
 	Terminal::Print((Report.bWritten ? File + "\n" : FString()) + Summarize(Report.Found));
 	for (const Orivane::FToolRemark& Remark : FAssetSearchOperation::MakeRemarks(Report.Params, Report.Found))
-		Terminal::PrintError(
-			Terminal::Sanitize(DescribeRemarkForConsole(Remark, *FindToolDeclaration(ToolNames::AssetSearch))) + "\n");
+		Terminal::PrintError(Terminal::Sanitize(DescribeRemarkForConsole(Remark, *FindTool(ToolNames::AssetSearch))) + "\n");
 }
 
 int FConsoleSession::RunHelp(const TArray<FString>& Args)

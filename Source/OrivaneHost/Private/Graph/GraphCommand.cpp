@@ -5,8 +5,8 @@
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
-#include "Quellar/Tools/ToolArguments.h"
 #include "Terminal/ExitCode.h"
+#include "Tools/HostTools.h"
 #include "Tools/ToolRemarks.h"
 
 namespace
@@ -36,7 +36,7 @@ FGraphAnswer MakeAnswer(const Orivane::FToolResult& Result, TSharedPtr<FJsonObje
 	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
 	{
 		Answer.Missing.Append(Remark.Names);
-		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindToolDeclaration(ToolNames::AssetGraph))));
+		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolNames::AssetGraph))));
 	}
 	return Answer;
 }

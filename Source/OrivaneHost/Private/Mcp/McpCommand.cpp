@@ -10,7 +10,7 @@
 #include "Project/HeadlessEngine.h"
 #include "Project/OpenProject.h"
 #include "Terminal/ExitCode.h"
-#include "Tools/PathSearchTool.h"
+#include "Tools/HostTools.h"
 
 #include <atomic>
 #include <csignal>
@@ -142,8 +142,7 @@ int RunMcp(const FMcpArguments& Arguments)
 	FMcpStdio Stdio(STDIN_FILENO, Output);
 	const FSignalRoute Signals(Stdio);
 	const FHeadlessEngine Engine;
-	if (Arguments.bPathSearch)
-		RegisterPathSearchTool();
+	RegisterHostTools(Arguments.bPathSearch);
 	const auto Host = MakeShared<FMcpProjectHost>(FOrivaneToolkitModule::GetToolExecutor(), Arguments.TimeLimit);
 	const auto Server = MakeShared<FMcpServer>(Host,
 		FMcpServerOptions{.Deadline = Arguments.Deadline,

@@ -4,7 +4,7 @@
 #include "CoreObject/Packages/Loader.h"
 #include "Project/OpenProject.h"
 #include "Quellar/Tools/AssetSearchOperation.h"
-#include "Quellar/Tools/ToolArguments.h"
+#include "Tools/HostTools.h"
 #include "Tools/TimeOutAdvice.h"
 #include "Tools/ToolCaller.h"
 #include "Tools/ToolSchemas.h"
@@ -57,7 +57,7 @@ FMcpTool MakeTool(const FString& Name, const Orivane::ITool& Entry)
 		Tool.OutputSchema = Schema->Output;
 		Tool.bReadOnly = true;
 	}
-	if (const FToolDeclaration* Declaration = FindToolDeclaration(Name))
+	if (const FToolDeclaration* Declaration = FindTool(Name))
 		Tool.NarrowingArguments = ListNarrowingArguments(*Declaration);
 	return Tool;
 }

@@ -1,5 +1,6 @@
 #include "Tools/ToolOutput.h"
 
+#include "Tools/HostTools.h"
 #include "Tools/ToolCaller.h"
 #include "Tools/ToolRemarks.h"
 
@@ -44,6 +45,6 @@ FString ToolOutput::DescribeRemarks(const char* ToolName, const Orivane::FToolRe
 {
 	FString Lines;
 	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
-		Lines += Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindToolDeclaration(ToolName))) + "\n";
+		Lines += Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolName))) + "\n";
 	return Lines;
 }

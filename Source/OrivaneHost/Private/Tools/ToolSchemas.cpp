@@ -1,7 +1,7 @@
 #include "Tools/ToolSchemas.h"
 
 #include "Core/Base/Assert.h"
-#include "Quellar/Tools/ToolArguments.h"
+#include "Tools/HostTools.h"
 
 namespace
 {
@@ -76,24 +76,6 @@ constexpr const char* AssetGraphPayload =
 			"referencers_summary": {"type": "object", "description": "As summary."}},
 		"required": ["root", "direction", "truncated"]})";
 
-constexpr const char* PathSearchPayload = R"({"type": "object", "description": "What was found.",
-		"properties": {
-			"summary": {"type": "object", "description": "total_hits counts all; truncated: some are not listed.",
-				"properties": {
-					"total_hits": {"type": "integer", "description": "Matching assets."},
-					"total_directories": {"type": "integer", "description": "Folders listed."},
-					"truncated": {"type": "boolean", "description": "A cap was hit."},
-					"detail_mode": {"type": "string", "description": "The view."}},
-				"required": ["total_hits", "total_directories", "truncated", "detail_mode"]},
-			"directories": {"type": "array", "description": "Ascending.", "items": {"type": "object",
-				"properties": {
-					"path": {"type": "string", "description": "Folder."},
-					"count": {"type": "integer", "description": "Files listed."},
-					"files": {"type": "array", "description": "Object paths below the folder.", "items": {"type": "string"}}},
-				"required": ["path", "count", "files"]}},
-			"files": {"type": "array", "description": "Object paths, ascending.", "items": {"type": "string"}}},
-		"required": ["summary"]})";
-
 FJsonArray MakeArray(const TArray<FString>& Words)
 {
 	FJsonArray Array;
@@ -159,27 +141,19 @@ TSharedPtr<FJsonObject> MakeInput(const FToolDeclaration& Tool)
 	return Schema;
 }
 
-struct FToolTexts
+FToolSchema MakeSchema(const FToolDeclaration& Tool, const char* Title, const char* PayloadKey, const char* PayloadSchema)
 {
-	const char* Name;
-	const char* Title;
-	const char* PayloadKey;
-	const char* PayloadSchema;
-};
-constexpr FToolTexts Texts[] = {
-	{ToolNames::AssetSearch, "Search assets by name or value", "content", AssetSearchPayload},
-	{ToolNames::AssetGraph, "Explore what assets depend on and refer to", "content", AssetGraphPayload},
-	{ToolNames::AssetPathSearch, "Find assets by path", ToolNames::AssetPathSearch, PathSearchPayload},
-};
+	return {.Name = Tool.Name, .Title = Title, .Input = MakeInput(Tool), .Output = MakeOutput(PayloadKey, PayloadSchema)};
+}
 
 TArray<FToolSchema> MakeSchemas()
 {
 	TArray<FToolSchema> Schemas;
-	for (const FToolTexts& Tool : Texts)
-		Schemas.Add({.Name = Tool.Name,
-			.Title = Tool.Title,
-			.Input = MakeInput(*FindToolDeclaration(Tool.Name)),
-			.Output = MakeOutput(Tool.PayloadKey, Tool.PayloadSchema)});
+	Schemas.Add(MakeSchema(*FindTool(ToolNames::AssetSearch), "Search assets by name or value", "content", AssetSearchPayload));
+	Schemas.Add(
+		MakeSchema(*FindTool(ToolNames::AssetGraph), "Explore what assets depend on and refer to", "content", AssetGraphPayload));
+	for (const FHostTool& Tool : GetHostTools())
+		Schemas.Add(MakeSchema(Tool.Declaration, Tool.Title, Tool.PayloadKey, Tool.PayloadSchema));
 	return Schemas;
 }
 }

@@ -5,8 +5,8 @@
 #include "CoreObject/Objects/PackageName.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
 #include "Quellar/Search/AssetSearchService.h"
-#include "Search/AssetSearchJson.h"
 #include "Quellar/Tools/ArgumentTable.h"
+#include "Search/AssetSearchJson.h"
 
 namespace
 {

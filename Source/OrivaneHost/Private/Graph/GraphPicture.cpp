@@ -1,8 +1,11 @@
 #include "Graph/GraphPicture.h"
 
 #include "Core/Base/Map.h"
+#include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Families/AssetFamily.h"
+#include "Tools/HostTools.h"
 #include "Tools/ToolOutput.h"
+#include "Tools/ToolRemarks.h"
 
 #include <cstdlib>
 
@@ -64,6 +67,25 @@ private:
 	TMap<FString, int32> NodeByPath;
 	TSet<int64> KnownLinks; // a link found from both of its ends is the registry's one link
 };
+}
+
+FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result)
+{
+	FGraphAnswer Answer{.Content = ToolOutput::GetContent(Result),
+		.FindClass =
+			[](const FString& Package)
+		{
+			FAssetData Asset;
+			return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
+		},
+		.Missing = {},
+		.Notes = {}};
+	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
+	{
+		Answer.Missing.Append(Remark.Names);
+		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolNames::AssetGraph))));
+	}
+	return Answer;
 }
 
 FString DescribeKind(const FString& Kind, const FString& Class)

@@ -23,8 +23,8 @@ constexpr const char* Description =
 constexpr const char* ProgramExamples = R"(Examples:
   orivane search Health --project Samples/Lantern
   orivane search Damage --family DataTable --json
-  orivane graph /Game/UI/W_MainMenu --relation both
-  orivane paths MainMenu
+  orivane graph /Game/UI/WBP_HUD --relation both
+  orivane paths Menu
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
   orivane mcp --project MyGame
@@ -37,7 +37,7 @@ constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
   orivane search "float" --family DataTable
   orivane search TargetActor --family BehaviorTree,Blackboard
-  orivane search Lantern --exact --case-sensitive --path /Game/Data
+  orivane search MaxHealth --exact --case-sensitive --path /Game/Data
   orivane search Sparks --family NiagaraSystem --preload /Game/FX
   orivane search Stamina --json | jq '.assets[].asset')";
 
@@ -45,7 +45,7 @@ constexpr const char* GraphExamples = R"(ASSET is a long package name, an object
 Examples:
   orivane graph /Game/Maps/L_Harbour
   orivane graph /Game/Data/Tables/DT_Weapons --relation referencers --depth 2
-  orivane graph Content/UI/WBP_MainMenu.vasset --relation both --high-signal --format html -o graph.html
+  orivane graph Content/UI/WBP_PauseMenu.vasset --relation both --high-signal --format html -o graph.html
   orivane graph /Game/Maps/L_Harbour --format dot | dot -Tsvg -o graph.svg
 
 Runtime links are needed by the game, Editor links by the editor alone. Siblings come out newest first.)";
@@ -61,7 +61,7 @@ constexpr const char* ConsoleExamples =
 Examples:
   orivane console
   orivane console -c "Orivane.DataTableSearch term=Health"
-  echo 'Orivane.AssetSearch term="two words" families=Text,DataTable' | orivane console)";
+  echo 'Orivane.AssetSearch term="tide table" families=Text,DataTable' | orivane console)";
 
 constexpr const char* CallExamples = R"(Examples:
   orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'

@@ -90,7 +90,7 @@ FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result)
 
 FString DescribeKind(const FString& Kind, const FString& Class)
 {
-	const bool bSaysNoMore = Class.EndsWith(Kind); // "UserDefinedEnum"
+	const bool bSaysNoMore = Class.EndsWith(Kind) || Class == Kind + "Data"; // "UserDefinedEnum", "BlackboardData"
 	return bSaysNoMore || Class.IsEmpty() ? Kind : Kind + (Kind.IsEmpty() ? "" : " ") + "(" + Class + ")";
 }
 

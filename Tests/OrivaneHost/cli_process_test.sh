@@ -129,6 +129,14 @@ printf '# a script\norivane.textsearch term="Health"\nexit\nnonsense\n' | "$oriv
 expect "no such folder" 3 'there is no folder' "$orivane" info --project "$scratch/nowhere"
 expect "a folder without a descriptor" 3 'no \*\.uproject' "$orivane" info --project "$scratch/empty"
 expect "two descriptors" 3 'more than one' "$orivane" info --project "$scratch/two"
+expect "one of two descriptors" 0 '' "$orivane" info --project "$(ls "$scratch"/two/*.uproject | head -n 1)"
+expect "a file for a folder" 3 'README.md is a file; name a project folder' "$orivane" info --project "$project/README.md"
+expect "engine content that is not there" 2 'there is no folder /nonexistent' "$orivane" info --engine-content /nonexistent --project "$project"
+expect "a list with blanks" 0 'Enum' "$orivane" search E_ --family "DataTable, Enum" --project "$project"
+expect "a cap below one" 2 'max-per-type: Value 0 not in range' "$orivane" search E_ --max-per-type 0 --project "$project"
+expect "a term that begins with a dash" 2 'follows two: orivane search -- ' "$orivane" search -foo --project "$project"
+expect "an option before the command" 2 'the command comes first: orivane COMMAND --project' "$orivane" --project "$project" info
+expect "the registry's spelling" 0 '^/Game/AI/BT_Guard  BehaviorTree$' "$orivane" graph /game/ai/bt_guard --project "$project"
 mkdir "$scratch/odd"
 cp -r "$sample" "$scratch/odd/bad"$'\xff'
 ln -s "bad"$'\xff' "$scratch/odd/link"

@@ -1,5 +1,6 @@
 #include "Commands/CommandLine.h"
 
+#include "Core/Files/File.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/Version.h"
@@ -205,7 +206,7 @@ CLI::Option* AddToolArgument(CLI::App& App, const FToolArgument& Argument, const
 			{
 				FJsonArray List;
 				for (const FString& Text : Texts)
-					List.Add(Text);
+					List.Add(Text.TrimStartAndEnd());
 				Out->SetArrayField(Key, std::move(List));
 			},
 			Help);
@@ -246,7 +247,10 @@ void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 	AddTexts(
 		App, "--preload", Out.Preload, "Load before running: a package, an object's package, or all below a folder (/Game/FX)")
 		->type_name("PATH");
-	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
+	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")
+		->type_name("DIR")
+		->check([](const std::string& Folder)
+			{ return IFileManager::Get().DirectoryExists(FString::FromExternal(Folder)) ? "" : "there is no folder " + Folder; });
 	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
 		->check(CLI::Range(0, 1024))
 		->type_name("N");
@@ -376,8 +380,10 @@ void AddInfo(CLI::App& Program, FInfoArguments& Out)
 		"Examples:\n  orivane info --json\n  orivane info --settings");
 	Command->add_flag("--json", Out.bJson, "Print one JSON object");
 	Command->add_flag("--settings", Out.bSettings, "Print every setting with its value and what it does");
-	Command->add_flag(
-		"--dump-registry", Out.bDumpRegistry, "Print every package, asset, tag and dependency that the registry holds");
+	Command
+		->add_flag("--dump-registry", Out.bDumpRegistry,
+			"Print every package, asset, tag and dependency that the registry holds, as text")
+		->excludes("--json");
 	AddProjectOptions(*Command, Out.Project);
 }
 
@@ -431,6 +437,12 @@ const CLI::App& GetNamedApp(const CLI::App& Program)
 	return Named.empty() ? Program : *Named.front();
 }
 
+/** The program itself has but these two. */
+bool IsOptionOfCommand(std::string_view Word)
+{
+	return Word.starts_with('-') && Word != "--help" && Word != "-h" && Word != "--version";
+}
+
 FString DescribeError(const CLI::App& Program, const CLI::ParseError& Error, const std::vector<std::string>& Words)
 {
 	const CLI::App& App = GetNamedApp(Program);
@@ -440,6 +452,10 @@ FString DescribeError(const CLI::App& Program, const CLI::ParseError& Error, con
 	const FString Prefix = bWithoutCommand ? FString("orivane: ") : FString("orivane ") + App.get_name() + ": ";
 	const FString Advice =
 		bWithoutCommand ? FString("see: orivane --help") : FString("see: orivane ") + App.get_name() + " --help";
+	if (Unknown.empty() && dynamic_cast<const CLI::RequiredError*>(&Error) != nullptr &&
+		std::any_of(Words.begin(), Words.end(), [](const std::string& Word) { return Word.starts_with('-'); }))
+		return Prefix + FString::FromExternal(Error.what()) + "; what begins with a dash follows two: orivane " + App.get_name() +
+			" -- -word\n";
 	if (Unknown.empty())
 		return Prefix + Terminal::Sanitize(FString::FromExternal(Error.what())) + "; " + Advice + "\n";
 
@@ -477,6 +493,13 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	AddInfo(Program, Info);
 	AddCheck(Program, Check);
 
+	if (NumArguments > 2 && IsOptionOfCommand(Arguments[1]))
+	{
+		Terminal::PrintError(FString("orivane: the command comes first: orivane COMMAND ") +
+			Terminal::Sanitize(FString::FromExternal(Arguments[1])) + " ...; see: orivane --help\n");
+		OutExitCode = EExitCode::WrongUse;
+		return {};
+	}
 	try
 	{
 		Program.parse(NumArguments, Arguments);

@@ -1,6 +1,7 @@
 #include "Graph/GraphPicture.h"
 
 #include "Core/Base/Map.h"
+#include "Project/ProjectRegistry.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Families/AssetFamily.h"
 #include "Tools/HostTools.h"
@@ -78,8 +79,12 @@ FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result)
 			FAssetData Asset;
 			return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
 		},
+		.Root = {},
 		.Missing = {},
 		.Notes = {}};
+	const FString Asked = ToolOutput::GetPrintable(*Answer.Content, "root");
+	if (const FName Known = GetProjectRegistry().FindPackage(Asked); !Known.IsNone())
+		Answer.Root = Known.ToString();
 	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
 	{
 		Answer.Missing.Append(Remark.Names);
@@ -99,7 +104,7 @@ FGraphPicture MakeGraphPicture(const FGraphAnswer& Answer)
 	const FJsonObject& Content = *Answer.Content;
 	FGraphPicture Picture;
 	FPictureBuilder Builder(Picture, Answer);
-	const int32 Root = Builder.AddRoot(ToolOutput::GetPrintable(Content, "root"));
+	const int32 Root = Builder.AddRoot(Answer.Root.IsEmpty() ? ToolOutput::GetPrintable(Content, "root") : Answer.Root);
 	const bool bReferencers = ToolOutput::GetPrintable(Content, "direction") == "Referencers";
 	Builder.AddRelations(
 		Root, 0, ToolOutput::GetArray(Content, "relations"), bReferencers ? EStep::ToReferencer : EStep::ToDependency);

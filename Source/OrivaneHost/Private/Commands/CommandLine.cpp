@@ -81,7 +81,10 @@ constexpr const char* McpExamples = R"(Configuration of an agent:
 constexpr const char* CheckExamples = R"(Prints file:line:column: severity: text [rule] for every fault of the project's files.
 Examples:
   orivane check
-  orivane check --json --warnings-as-errors)";
+  orivane check --json --warnings-as-errors
+  orivane check --format github
+
+Paths are relative to the current folder.)";
 
 /** Reads options as UTF-8 text; what comes from a shell may be anything. */
 CLI::Option* AddText(CLI::App& App, const char* Name, const std::function<void(FString)>& Take, const char* Help)
@@ -390,7 +393,16 @@ void AddInfo(CLI::App& Program, FInfoArguments& Out)
 void AddCheck(CLI::App& Program, FCheckArguments& Out)
 {
 	CLI::App* Command = AddCommand(Program, "check", "Report every fault of the project's files", CheckExamples);
-	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	const TWords<ECheckFormat> Words = {
+		{"text", ECheckFormat::Text}, {"json", ECheckFormat::Json}, {"github", ECheckFormat::GitHub}};
+	CLI::Option* const Format =
+		AddChoice(*Command, "--format", Words, Out.Format, "text, json (one object), github (annotations of a workflow) [text]");
+	Format->type_name("FORMAT");
+	Command
+		->add_flag_callback(
+			"--json", [&Out] { Out.Format = ECheckFormat::Json; }, "Same as --format json")
+		->excludes(Format);
+	Command->add_flag("-q,--quiet", Out.bQuiet, "No counts");
 	Command->add_flag("--warnings-as-errors", Out.bWarningsAsErrors, "Warnings count for the exit code too");
 	AddProjectOptions(*Command, Out.Project);
 }

@@ -33,6 +33,7 @@ bool OpenProjectForCommand(const FProjectOptions& Options, FDiagnosticSink& Diag
 	}
 	PrintRemark(Opening.PreloadRemark);
 	PrintRemark(Opening.CacheRemark);
+	PrintRemark(Opening.EmptyRemark);
 	if (bMentionFaults)
 		PrintRemark(Opening.FaultRemark);
 	return true;

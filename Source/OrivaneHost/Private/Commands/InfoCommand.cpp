@@ -185,13 +185,41 @@ FString DescribeValue(const FJsonValue& Value)
 	return List.IsEmpty() ? FString("(none)") : List;
 }
 
+/** A number whose name tells its unit, in one that people read: "open_seconds" and 0.0054 give "open" and "5.4 ms". */
+bool DescribeQuantity(const FJsonObject::FField& Field, FString& OutName, FString& OutText)
+{
+	double Number = 0;
+	const auto TakeName = [&](FStringView Suffix)
+	{
+		if (!Field.Key.EndsWith(Suffix) || !Field.Value.TryGetNumber(Number))
+			return false;
+		OutName = FString(Field.Key.View().substr(0, Field.Key.View().size() - Suffix.size()));
+		return true;
+	};
+	if (TakeName("_seconds"))
+		OutText = Number < 1 ? FString::Printf("%.1f ms", Number * 1000) : FString::Printf("%.2f s", Number);
+	else if (TakeName("_bytes"))
+		OutText = FString::Printf("%.1f MB", Number / 1'000'000);
+	else if (Field.Key.EndsWith("SearchMode") && Field.Value.TryGetNumber(Number) && Number == 0)
+	{
+		OutName = Field.Key;
+		OutText = "0 (by name alone; contents are not read)";
+	}
+	else
+		return false;
+	return true;
+}
+
 /** One line a value, members of objects indented below their name. */
 void AppendReadable(FString& Out, const FJsonObject& Object, int32 Indent)
 {
 	constexpr int32 NameWidth = 24;
 	for (const FJsonObject::FField& Field : Object.GetFields())
 	{
-		const FString Name = FString(std::string(static_cast<std::size_t>(Indent), ' ')) + Terminal::Sanitize(Field.Key);
+		FString Shown = Field.Key;
+		FString Text;
+		const bool bQuantity = DescribeQuantity(Field, Shown, Text);
+		const FString Name = FString(std::string(static_cast<std::size_t>(Indent), ' ')) + Terminal::Sanitize(Shown);
 		Out += Name;
 		if (const TSharedPtr<FJsonObject> Members = Field.Value.AsObject())
 		{
@@ -200,7 +228,8 @@ void AppendReadable(FString& Out, const FJsonObject& Object, int32 Indent)
 			continue;
 		}
 		const int32 Padding = std::max(NameWidth - Name.Len(), 1) + 1;
-		Out += FString(std::string(static_cast<std::size_t>(Padding), ' ')) + DescribeValue(Field.Value) + "\n";
+		Out +=
+			FString(std::string(static_cast<std::size_t>(Padding), ' ')) + (bQuantity ? Text : DescribeValue(Field.Value)) + "\n";
 	}
 }
 }

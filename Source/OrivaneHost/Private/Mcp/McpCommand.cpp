@@ -104,7 +104,7 @@ try
 		Log::Write(LogMcp, ELogVerbosity::Error, FString("cannot open the project: ") + Opening.Error);
 		return Host.OnProjectFailed(Opening.Error);
 	}
-	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark, Opening.CacheRemark})
+	for (const FString& Remark : {Opening.FaultRemark, Opening.PreloadRemark, Opening.CacheRemark, Opening.EmptyRemark})
 	{
 		if (!Remark.IsEmpty())
 			Log::Write(LogMcp, ELogVerbosity::Warning, Remark);

@@ -1,7 +1,10 @@
 #include "Project/OpenProject.h"
 
+#include "Core/Files/File.h"
+#include "Core/Files/FileTree.h"
 #include "Project/PackageMemory.h"
 #include "Project/Project.h"
+#include "Project/ProjectRegistry.h"
 
 #include <algorithm>
 
@@ -19,6 +22,15 @@ FString NameFaults(const FDiagnosticSink& Sink)
 	for (int32 Index = 0; Index < std::min(Faults.Num(), MaxNamedFaults); ++Index)
 		Names.Add(Faults[Index].ToString());
 	return FString::Join(Names, "; ") + (Faults.Num() > MaxNamedFaults ? "; ..." : "");
+}
+
+/** Projects of other programs open too, and nothing is found in them. */
+FString DescribeEmptyProject()
+{
+	const int32 NumFiles = FFileTree::List(FPaths::ProjectContentDir(), {}).Num();
+	return FString::Printf("there is no package (*.vasset) below Content, but %d other %s; packages are text files, see "
+						   "Docs/ProjectFolder.md",
+		NumFiles, NumFiles == 1 ? "file" : "files");
 }
 }
 
@@ -43,6 +55,8 @@ FOpening OpenProject(const FProjectOptions& Options, FDiagnosticSink& Diagnostic
 		Opening.FaultRemark =
 			FString::Printf("%d fault(s) in project files, what they concern is left out: ", Diagnostics.NumErrors()) +
 			NameFaults(Diagnostics) + "; see: orivane check";
+	if (GetProjectRegistry().NumPackages() == 0)
+		Opening.EmptyRemark = DescribeEmptyProject();
 	const FRegistryScanReport& Scan = FProject::GetSummary().Scan;
 	if (!Scan.CacheError.IsEmpty())
 		Opening.CacheRemark =

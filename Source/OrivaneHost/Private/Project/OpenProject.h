@@ -11,6 +11,7 @@ struct FOpening
 	FString Error;		   // a sentence that says what to do; "" when opened
 	FString PreloadRemark; // what was to be in memory and is not; "" when nothing
 	FString FaultRemark;   // what the project's faults cost, and where the first of them are; "" without any
+	FString EmptyRemark;   // that there is not one package, and what is there instead; "" where there are some
 	FString CacheRemark;   // that the next opening takes as long, and why; "" when it does not
 };
 

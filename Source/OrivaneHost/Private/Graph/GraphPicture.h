@@ -7,7 +7,7 @@
 /** An exploration, with what its payload does not tell. */
 struct FGraphAnswer
 {
-	TSharedPtr<FJsonObject> Content; // payload of explore_asset_graph
+	TSharedPtr<FJsonObject> Content; // payload of explore_asset_graph, where nothing else is said
 	/** Short name of the class of a package's asset, by the package's long name; "" where nothing is known. */
 	std::function<FString(const FString& Package)> FindClass;
 	TArray<FString> Missing; // dependencies that do not exist
@@ -25,7 +25,7 @@ struct FGraphPicture
 		FString Path;  // long package name
 		FString Kind;  // asset type
 		FString Class; // short name
-		int32 Level;   // 0 the root, 1 and 2 what it depends on, -1 and -2 what refers to it
+		int32 Level;   // 0 the root, from 1 on what it depends on, from -1 down what refers to it
 	};
 	struct FLink
 	{
@@ -40,6 +40,8 @@ struct FGraphPicture
 };
 
 FGraphPicture MakeGraphPicture(const FGraphAnswer& Answer);
+/** The same of a payload of project_report whose rows are links: cycles, impact, path. */
+FGraphPicture MakeReportPicture(const FGraphAnswer& Answer);
 
 /** Drawings of a picture as text. */
 namespace GraphDrawing

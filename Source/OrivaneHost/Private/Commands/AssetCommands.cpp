@@ -1,7 +1,6 @@
 #include "Commands/AssetCommands.h"
 
 #include "Core/Files/File.h"
-#include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 
 namespace
@@ -19,12 +18,6 @@ bool IsStandardOutput(const FString& File)
 {
 	return File.IsEmpty() || File.View() == "-";
 }
-}
-
-FString FindClassName(const FString& Package)
-{
-	FAssetData Asset;
-	return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
 }
 
 void PrintSuggestions(const FString& AskedFor)

@@ -4,8 +4,6 @@
 
 // What the commands about named assets share.
 
-/** Short name of the class of a package's asset; "" for a package without assets. */
-FString FindClassName(const FString& Package);
 /** On standard error, after an asset that does not exist: packages of the assets that have the name of the one that was asked
  * for. */
 void PrintSuggestions(const FString& AskedFor);

@@ -330,7 +330,17 @@ void AddSearch(CLI::App& Program, FSearchArguments& Out)
 {
 	CLI::App* Command = AddCommand(Program, "search", "Find assets and text files that contain a name or value", SearchExamples);
 	AddToolArguments(*Command, ToolNames::AssetSearch, Out.Tool);
-	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	const auto Use = [&Out](ESearchForm Form) { return [&Out, Form] { Out.Form = Form; }; };
+	CLI::Option* const Whole = Command->add_flag_callback("--json", Use(ESearchForm::Json), "Print the tool's payload");
+	CLI::Option* const Lines =
+		Command->add_flag_callback("--ndjson", Use(ESearchForm::JsonLines), "Print a JSON object for each result, one a line");
+	Command
+		->add_flag_callback(
+			"-0,--null", Use(ESearchForm::Names), "Print the names of assets and files alone, a zero byte after each")
+		->excludes(Whole)
+		->excludes(Lines);
+	Lines->excludes(Whole);
+	Command->add_flag("-q,--quiet", Out.bQuiet, "No counts, and no word about what is left out");
 	AddColor(*Command, Out.Color);
 	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);

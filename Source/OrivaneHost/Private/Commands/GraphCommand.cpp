@@ -4,8 +4,7 @@
 #include "Graph/GraphTree.h"
 #include "Project/HeadlessEngine.h"
 #include "Terminal/ExitCode.h"
-#include "Tools/HostTools.h"
-#include "Tools/ToolRemarks.h"
+#include "Tools/ToolOutput.h"
 
 namespace
 {
@@ -17,17 +16,6 @@ FString GetAsset(const FGraphArguments& Arguments)
 	FString Asset;
 	Arguments.Tool->TryGetStringField("asset_path", Asset);
 	return Asset;
-}
-
-FGraphAnswer MakeAnswer(const Orivane::FToolResult& Result, TSharedPtr<FJsonObject> Content)
-{
-	FGraphAnswer Answer{.Content = std::move(Content), .FindClass = FindClassName};
-	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
-	{
-		Answer.Missing.Append(Remark.Names);
-		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolNames::AssetGraph))));
-	}
-	return Answer;
 }
 
 FString Render(const FGraphAnswer& Answer, const FGraphArguments& Arguments)
@@ -62,7 +50,7 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(GetAsset(Arguments)) + "' is not a package\n");
 		return EExitCode::NotFound;
 	}
-	if (!WriteOutput("graph", Render(MakeAnswer(Result, Content), Arguments), Arguments.OutputFile))
+	if (!WriteOutput("graph", Render(MakeGraphAnswer(Result), Arguments), Arguments.OutputFile))
 		return EExitCode::WrongUse;
 	if (Arguments.Format == EGraphFormat::Json) // the others say it themselves
 		Terminal::PrintError(DescribeRemarks(ToolNames::AssetGraph, Result));

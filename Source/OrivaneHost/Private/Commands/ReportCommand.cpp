@@ -10,9 +10,9 @@
 #include "Terminal/ExitCode.h"
 #include "Tools/HostTools.h"
 #include "Tools/ToolOutput.h"
-#include "Tools/ToolRemarks.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace
@@ -236,21 +236,20 @@ int GetExitCode(const FKind& Kind, const FJsonObject& Content)
 int PrintResult(const Orivane::FToolResult& Result, const FReportArguments& Arguments)
 {
 	PrintProblems("report", Result);
-	FGraphAnswer Answer{.Content = GetContent(Result, FProjectReportOperation::ToolName), .FindClass = FindClassName};
+	constexpr const char* ToolName = FProjectReportOperation::ToolName;
+	const FGraphAnswer Answer = MakeGraphAnswer(Result, ToolName, ToolName);
 	if (!Answer.Content)
 	{
 		PrintSuggestionsForMissing(Arguments);
 		return EExitCode::NotFound;
 	}
-	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
-		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(FProjectReportOperation::ToolName))));
 	const bool bEmpty = GetArray(*Answer.Content, "rows").IsEmpty() && IsDrawn(Arguments);
 	if (!bEmpty && !WriteOutput("report", RenderReport(Answer, Arguments), Arguments.OutputFile))
 		return EExitCode::WrongUse;
 	if (Arguments.Format != EGraphFormat::Json)
 		PrintTotals(Result);
 	if (!IsDrawn(Arguments))
-		Terminal::PrintError(DescribeRemarks(FProjectReportOperation::ToolName, Result));
+		Terminal::PrintError(DescribeRemarks(ToolName, Result));
 	return GetExitCode(GetKind(Arguments), *Answer.Content);
 }
 }

@@ -1,8 +1,11 @@
 #include "Graph/GraphPicture.h"
 
 #include "Core/Base/Map.h"
+#include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Families/AssetFamily.h"
+#include "Tools/HostTools.h"
 #include "Tools/ToolOutput.h"
+#include "Tools/ToolRemarks.h"
 
 #include <cstdlib>
 
@@ -79,6 +82,23 @@ private:
 	TMap<FString, int32> NodeByPath;
 	TSet<int64> KnownLinks; // a link found from both of its ends is the registry's one link
 };
+}
+
+FString FindClassName(const FString& Package)
+{
+	FAssetData Asset;
+	return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
+}
+
+FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result, const char* ToolName, const char* PayloadKey)
+{
+	FGraphAnswer Answer{.Content = ToolOutput::GetContent(Result, PayloadKey), .FindClass = FindClassName};
+	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
+	{
+		Answer.Missing.Append(Remark.Names);
+		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolName))));
+	}
+	return Answer;
 }
 
 FString DescribeKind(const FString& Kind, const FString& Class)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "Core/Json/Json.h"
+#include "OrivaneCore/ToolResult.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 #include <functional>
 
@@ -13,6 +15,12 @@ struct FGraphAnswer
 	TArray<FString> Missing; // dependencies that do not exist
 	TArray<FString> Notes;	 // what is left out, a sentence each
 };
+
+/** Of a result with a payload. The open project tells the classes. */
+FGraphAnswer MakeGraphAnswer(
+	const Orivane::FToolResult& Result, const char* ToolName = ToolNames::AssetGraph, const char* PayloadKey = "content");
+/** Short name of the class of a package's asset; "" for a package without visible assets. */
+FString FindClassName(const FString& Package);
 
 /** "uasset (Texture2D)": an asset type, and the class where that says more. */
 FString DescribeKind(const FString& Kind, const FString& Class);

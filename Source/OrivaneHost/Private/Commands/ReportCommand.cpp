@@ -47,6 +47,12 @@ const FKind& GetKind(const FReportArguments& Arguments)
 	return *FProjectReportOperation::FindKind(GetText(*Arguments.Tool, "report"));
 }
 
+/** Drawings tell what is left out themselves. */
+bool IsDrawn(const FReportArguments& Arguments)
+{
+	return Arguments.Format && Arguments.Format != EGraphFormat::Json;
+}
+
 /** A sentence about wrong use, or "". */
 FString FindMisuse(const FReportArguments& Arguments)
 {
@@ -54,7 +60,6 @@ FString FindMisuse(const FReportArguments& Arguments)
 	const FString Word = Kind.Word;
 	const auto NumAssets =
 		std::count_if(std::begin(AssetKeys), std::end(AssetKeys), [&](auto Key) { return Arguments.Tool->HasField(Key); });
-	const bool bDrawing = Arguments.Format && Arguments.Format != EGraphFormat::Json;
 	if (NumAssets != Kind.NumAssets)
 		return Word + " takes " +
 			(Kind.NumAssets == 0		  ? "no asset"
@@ -62,14 +67,14 @@ FString FindMisuse(const FReportArguments& Arguments)
 										  : "an ASSET and a TARGET");
 	if (Arguments.Tool->HasField("roots") && Word != "unused")
 		return "--root is for unused";
-	if (bDrawing && (Word == "broken" || Word == "unused"))
+	if (IsDrawn(Arguments) && (Word == "broken" || Word == "unused"))
 		return Word + " is a list: --format draws cycles, impact and path";
 	if (Arguments.Format == EGraphFormat::Tree && Word == "cycles")
 		return "cycles are not a tree; --format draws them as dot, mermaid or html";
 	return {};
 }
 
-/** Rows of cells; a row of one cell is a heading. */
+/** Rows of cells in aligned columns; a row of one cell is a heading. */
 class FTable
 {
 public:
@@ -78,7 +83,6 @@ public:
 	void AddHeading(FString Heading) { Rows.push_back({std::move(Heading)}); }
 	void AddRow(std::vector<FString> Cells) { Rows.push_back(std::move(Cells)); }
 
-	/** The first column in bold where nothing stands above it. */
 	FString Render() const
 	{
 		FString Out;
@@ -137,7 +141,7 @@ FString DescribeWay(const FJsonObject& Row, const TMap<FString, const FJsonObjec
 	return FString::Join(Way, " ");
 }
 
-/** Where the cycle or way of a row begins: "way 2 of 3 links" */
+/** "cycle 1: 3 packages", "way 2" */
 FString DescribeGroup(const FString& Report, const FJsonObject& Row)
 {
 	const FString Number = FString::FromInt(GetNumber(Row, "group"));
@@ -217,12 +221,6 @@ void PrintTotals(const Orivane::FToolResult& Result)
 		if (Message.Type == Orivane::EToolMessage::Success)
 			Terminal::PrintError(Terminal::Sanitize(Message.Text) + "\n");
 	}
-}
-
-/** Drawings tell what is left out themselves. */
-bool IsDrawn(const FReportArguments& Arguments)
-{
-	return Arguments.Format && Arguments.Format != EGraphFormat::Json;
 }
 
 int GetExitCode(const FKind& Kind, const FJsonObject& Content)

@@ -97,6 +97,7 @@ TEST_F(SampleAnswers, OfDrawings)
 				.FindClass = [](const FString& Package) -> FString {
 					return Package.Contains("/SK_") ? "SkeletalMesh" : Package.Contains("/BP_") ? "Blueprint" : "";
 				},
+				.Root = {},
 				.Missing = {},
 				.Notes = {"more \"qualify\""}});
 		});

@@ -48,7 +48,11 @@ class Terminal:
     def __init__(self, command, environment):
         self.screen = ""
         self.seen = 0  # of what is drawn
-        self.process, self.handle = pty.fork()
+        try:
+            self.process, self.handle = pty.fork()
+        except OSError as error:
+            print(f"skipped: this machine gives no pseudo-terminal ({error})")
+            sys.exit(77)
         if self.process == 0:
             os.execvpe(command[0], command, environment)
 
@@ -147,7 +151,7 @@ def terminate(console):
 def give_the_prompt_back(console):
     console.expect(PROMPT)
     console.send("Orivane.BlueprintSearch term=\r")
-    console.expect("did not complete within 0.3 s.*empty term")
+    console.expect("never ends without a term")
     console.expect(PROMPT)
     console.send("Orivane.DataTableSearch term=Health\r")
     console.expect("datatable_search.json")

@@ -1,12 +1,40 @@
 #include "Commands/Commands.h"
 #include "Core/Json/Json.h"
 #include "Project/HeadlessEngine.h"
+#include "Project/Project.h"
 #include "Project/ProjectCheck.h"
 #include "Project/ProjectRegistry.h"
 #include "Terminal/ExitCode.h"
 
+#include <algorithm>
+#include <filesystem>
+
 namespace
 {
+/** The way from the current folder to the project's, so that editors and other programs find the files; "" when it is the same.
+ */
+FString FindWayToProject()
+{
+	std::error_code Failed;
+	const std::string Folder = FProject::GetSummary().Folder.ToStdString();
+	const std::string Way = std::filesystem::relative(Folder, Failed).string();
+	return Failed || Way.empty() ? FString(Folder) : Way == "." ? FString() : FString::FromExternal(Way) + "/";
+}
+
+/** Sorted, with paths from the current folder. Programs that follow them want a place: a file as a whole is its beginning. */
+TArray<FDiagnostic> ListFaults(const FDiagnosticSink& Sink)
+{
+	const FString Way = FindWayToProject();
+	TArray<FDiagnostic> Faults = Sink.GetSorted();
+	for (FDiagnostic& Fault : Faults)
+	{
+		Fault.File = Fault.File.StartsWith("/") ? Fault.File : Way + Fault.File;
+		Fault.Line = std::max(Fault.Line, 1);
+		Fault.Column = std::max(Fault.Column, 1);
+	}
+	return Faults;
+}
+
 const char* DescribeSeverity(EDiagnosticSeverity Severity)
 {
 	return Severity == EDiagnosticSeverity::Error ? "error" : "warning";
@@ -27,7 +55,7 @@ TSharedPtr<FJsonObject> MakeJson(const FDiagnostic& Diagnostic)
 void PrintJson(const FDiagnosticSink& Sink)
 {
 	FJsonArray List;
-	for (const FDiagnostic& Diagnostic : Sink.GetSorted())
+	for (const FDiagnostic& Diagnostic : ListFaults(Sink))
 		List.Add(MakeJson(Diagnostic));
 	FJsonObject Report;
 	Report.SetNumberField("errors", Sink.NumErrors());
@@ -39,11 +67,26 @@ void PrintJson(const FDiagnosticSink& Sink)
 void PrintLines(const FDiagnosticSink& Sink)
 {
 	FString Lines;
-	for (const FDiagnostic& Diagnostic : Sink.GetSorted())
+	for (const FDiagnostic& Diagnostic : ListFaults(Sink))
 		Lines += Terminal::Sanitize(Diagnostic.ToString()) + "\n";
 	Terminal::Print(Lines);
-	Terminal::PrintError(FString::Printf("%d package(s) checked: %d error(s), %d warning(s)\n",
-		GetProjectRegistry().NumPackages(), Sink.NumErrors(), Sink.NumWarnings()));
+}
+
+/** For the annotations of a forge's pull requests. */
+void PrintAnnotations(const FDiagnosticSink& Sink)
+{
+	const auto Escape = [](const FString& Text) { return Text.Replace("%", "%25").Replace("\r", "%0D").Replace("\n", "%0A"); };
+	FString Lines;
+	for (const FDiagnostic& Fault : ListFaults(Sink))
+		Lines += FString("::") + DescribeSeverity(Fault.Severity) +
+			" file=" + Escape(Fault.File).Replace(",", "%2C").Replace(":", "%3A") +
+			FString::Printf(",line=%d,col=%d,title=", Fault.Line, Fault.Column) + Fault.Rule + "::" + Escape(Fault.Text) + "\n";
+	Terminal::Print(Lines);
+}
+
+FString Count(int32 Number, const char* One)
+{
+	return FString::FromInt(Number) + " " + One + (Number == 1 ? "" : "s");
 }
 }
 
@@ -58,10 +101,22 @@ int RunCheck(const FCheckArguments& Arguments)
 		return ExitCode;
 	CheckPackages(Diagnostics, Interrupt::GetToken());
 	CheckTextFiles(Diagnostics, Interrupt::GetToken());
-	if (Arguments.bJson)
-		PrintJson(Diagnostics);
-	else
-		PrintLines(Diagnostics);
+	CheckExtensions(Diagnostics, Interrupt::GetToken());
+	switch (Arguments.Format)
+	{
+		case ECheckFormat::Text:
+			PrintLines(Diagnostics);
+			break;
+		case ECheckFormat::Json:
+			PrintJson(Diagnostics);
+			break;
+		case ECheckFormat::GitHub:
+			PrintAnnotations(Diagnostics);
+			break;
+	}
+	if (!Arguments.bQuiet)
+		Terminal::PrintError(Count(GetProjectRegistry().NumPackages(), "package") +
+			" checked: " + Count(Diagnostics.NumErrors(), "error") + ", " + Count(Diagnostics.NumWarnings(), "warning") + "\n");
 	const int32 NumFailures = Diagnostics.NumErrors() + (Arguments.bWarningsAsErrors ? Diagnostics.NumWarnings() : 0);
 	return NumFailures > 0 ? EExitCode::NotFound : EExitCode::Found;
 }

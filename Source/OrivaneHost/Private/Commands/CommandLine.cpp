@@ -1,5 +1,6 @@
 #include "Commands/CommandLine.h"
 
+#include "Core/Files/File.h"
 #include "Reports/ProjectReportOperation.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
@@ -24,8 +25,8 @@ constexpr const char* Description =
 constexpr const char* ProgramExamples = R"(Examples:
   orivane search Health --project Samples/Lantern
   orivane search Damage --family DataTable --json
-  orivane graph /Game/UI/W_MainMenu --relation both
-  orivane paths MainMenu
+  orivane graph /Game/UI/WBP_HUD --relation both
+  orivane paths Menu
   orivane report broken
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
@@ -39,7 +40,7 @@ constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
   orivane search "float" --family DataTable
   orivane search TargetActor --family BehaviorTree,Blackboard
-  orivane search Lantern --exact --case-sensitive --path /Game/Data
+  orivane search MaxHealth --exact --case-sensitive --path /Game/Data
   orivane search Sparks --family NiagaraSystem --preload /Game/FX
   orivane search Stamina --json | jq '.assets[].asset')";
 
@@ -47,7 +48,7 @@ constexpr const char* GraphExamples = R"(ASSET is a long package name, an object
 Examples:
   orivane graph /Game/Maps/L_Harbour
   orivane graph /Game/Data/Tables/DT_Weapons --relation referencers --depth 2
-  orivane graph Content/UI/WBP_MainMenu.vasset --relation both --high-signal --format html -o graph.html
+  orivane graph Content/UI/WBP_PauseMenu.vasset --relation both --high-signal --format html -o graph.html
   orivane graph /Game/Maps/L_Harbour --format dot | dot -Tsvg -o graph.svg
 
 Runtime links are needed by the game, Editor links by the editor alone. Siblings come out newest first.)";
@@ -81,7 +82,7 @@ constexpr const char* ConsoleExamples =
 Examples:
   orivane console
   orivane console -c "Orivane.DataTableSearch term=Health"
-  echo 'Orivane.AssetSearch term="two words" families=Text,DataTable' | orivane console)";
+  echo 'Orivane.AssetSearch term="tide table" families=Text,DataTable' | orivane console)";
 
 constexpr const char* CallExamples = R"(Examples:
   orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'
@@ -100,7 +101,10 @@ constexpr const char* McpExamples = R"(Configuration of an agent:
 constexpr const char* CheckExamples = R"(Prints file:line:column: severity: text [rule] for every fault of the project's files.
 Examples:
   orivane check
-  orivane check --json --warnings-as-errors)";
+  orivane check --json --warnings-as-errors
+  orivane check --format github
+
+Paths are relative to the current folder.)";
 
 /** Reads options as UTF-8 text; what comes from a shell may be anything. */
 CLI::Option* AddText(CLI::App& App, const char* Name, const std::function<void(FString)>& Take, const char* Help)
@@ -225,7 +229,7 @@ CLI::Option* AddToolArgument(CLI::App& App, const FToolArgument& Argument, const
 			{
 				FJsonArray List;
 				for (const FString& Text : Texts)
-					List.Add(Text);
+					List.Add(Text.TrimStartAndEnd());
 				Out->SetArrayField(Key, std::move(List));
 			},
 			Help);
@@ -266,7 +270,10 @@ void AddProjectOptions(CLI::App& App, FProjectOptions& Out)
 	AddTexts(
 		App, "--preload", Out.Preload, "Load before running: a package, an object's package, or all below a folder (/Game/FX)")
 		->type_name("PATH");
-	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")->type_name("DIR");
+	AddText(App, "--engine-content", Out.EngineContent, "Folder of engine content, mounted as /Engine")
+		->type_name("DIR")
+		->check([](const std::string& Folder)
+			{ return IFileManager::Get().DirectoryExists(FString::FromExternal(Folder)) ? "" : "there is no folder " + Folder; });
 	App.add_option("--threads", Out.NumThreads, "Threads for reading packages; 0: all processors")
 		->check(CLI::Range(0, 1024))
 		->type_name("N");
@@ -408,15 +415,26 @@ void AddInfo(CLI::App& Program, FInfoArguments& Out)
 		"Examples:\n  orivane info --json\n  orivane info --settings");
 	Command->add_flag("--json", Out.bJson, "Print one JSON object");
 	Command->add_flag("--settings", Out.bSettings, "Print every setting with its value and what it does");
-	Command->add_flag(
-		"--dump-registry", Out.bDumpRegistry, "Print every package, asset, tag and dependency that the registry holds");
+	Command
+		->add_flag("--dump-registry", Out.bDumpRegistry,
+			"Print every package, asset, tag and dependency that the registry holds, as text")
+		->excludes("--json");
 	AddProjectOptions(*Command, Out.Project);
 }
 
 void AddCheck(CLI::App& Program, FCheckArguments& Out)
 {
 	CLI::App* Command = AddCommand(Program, "check", "Report every fault of the project's files", CheckExamples);
-	Command->add_flag("--json", Out.bJson, "Print one JSON object");
+	const TWords<ECheckFormat> Words = {
+		{"text", ECheckFormat::Text}, {"json", ECheckFormat::Json}, {"github", ECheckFormat::GitHub}};
+	CLI::Option* const Format =
+		AddChoice(*Command, "--format", Words, Out.Format, "text, json (one object), github (annotations of a workflow) [text]");
+	Format->type_name("FORMAT");
+	Command
+		->add_flag_callback(
+			"--json", [&Out] { Out.Format = ECheckFormat::Json; }, "Same as --format json")
+		->excludes(Format);
+	Command->add_flag("-q,--quiet", Out.bQuiet, "No counts");
 	Command->add_flag("--warnings-as-errors", Out.bWarningsAsErrors, "Warnings count for the exit code too");
 	AddProjectOptions(*Command, Out.Project);
 }
@@ -463,6 +481,12 @@ const CLI::App& GetNamedApp(const CLI::App& Program)
 	return Named.empty() ? Program : *Named.front();
 }
 
+/** The program itself has but these two. */
+bool IsOptionOfCommand(std::string_view Word)
+{
+	return Word.starts_with('-') && Word != "--help" && Word != "-h" && Word != "--version";
+}
+
 FString DescribeError(const CLI::App& Program, const CLI::ParseError& Error, const std::vector<std::string>& Words)
 {
 	const CLI::App& App = GetNamedApp(Program);
@@ -472,6 +496,10 @@ FString DescribeError(const CLI::App& Program, const CLI::ParseError& Error, con
 	const FString Prefix = bWithoutCommand ? FString("orivane: ") : FString("orivane ") + App.get_name() + ": ";
 	const FString Advice =
 		bWithoutCommand ? FString("see: orivane --help") : FString("see: orivane ") + App.get_name() + " --help";
+	if (Unknown.empty() && dynamic_cast<const CLI::RequiredError*>(&Error) != nullptr &&
+		std::any_of(Words.begin(), Words.end(), [](const std::string& Word) { return Word.starts_with('-'); }))
+		return Prefix + FString::FromExternal(Error.what()) + "; what begins with a dash follows two: orivane " + App.get_name() +
+			" -- -word\n";
 	if (Unknown.empty())
 		return Prefix + Terminal::Sanitize(FString::FromExternal(Error.what())) + "; " + Advice + "\n";
 
@@ -511,6 +539,13 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	AddInfo(Program, Info);
 	AddCheck(Program, Check);
 
+	if (NumArguments > 2 && IsOptionOfCommand(Arguments[1]))
+	{
+		Terminal::PrintError(FString("orivane: the command comes first: orivane COMMAND ") +
+			Terminal::Sanitize(FString::FromExternal(Arguments[1])) + " ...; see: orivane --help\n");
+		OutExitCode = EExitCode::WrongUse;
+		return {};
+	}
 	try
 	{
 		Program.parse(NumArguments, Arguments);

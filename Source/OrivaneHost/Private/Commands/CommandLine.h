@@ -87,10 +87,18 @@ struct FInfoArguments
 	bool bDumpRegistry = false;
 };
 
+enum class ECheckFormat : uint8
+{
+	Text,
+	Json,
+	GitHub, // commands of a workflow, which become annotations
+};
+
 struct FCheckArguments
 {
 	FProjectOptions Project;
-	bool bJson = false;
+	ECheckFormat Format = ECheckFormat::Text;
+	bool bQuiet = false;
 	bool bWarningsAsErrors = false;
 };
 

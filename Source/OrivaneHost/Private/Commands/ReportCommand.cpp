@@ -235,12 +235,12 @@ int PrintResult(const Orivane::FToolResult& Result, const FReportArguments& Argu
 {
 	PrintProblems("report", Result);
 	constexpr const char* ToolName = FProjectReportOperation::ToolName;
-	const FGraphAnswer Answer = MakeGraphAnswer(Result, ToolName, ToolName);
-	if (!Answer.Content)
+	if (!GetContent(Result, ToolName))
 	{
 		PrintSuggestionsForMissing(Arguments);
 		return EExitCode::NotFound;
 	}
+	const FGraphAnswer Answer = MakeGraphAnswer(Result, ToolName, ToolName);
 	const bool bEmpty = GetArray(*Answer.Content, "rows").IsEmpty() && IsDrawn(Arguments);
 	if (!bEmpty && !WriteOutput("report", RenderReport(Answer, Arguments), Arguments.OutputFile))
 		return EExitCode::WrongUse;

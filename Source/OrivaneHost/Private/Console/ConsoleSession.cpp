@@ -28,12 +28,6 @@ namespace
 {
 constexpr int32 MaxListed = 10; // assets named on the screen; the file holds all
 
-FString MakeRelativeToProject(const FString& File)
-{
-	const FString& Folder = FPaths::ProjectDir();
-	return File.StartsWith(Folder, ESearchCase::CaseSensitive) ? File.Mid(Folder.Len()) : File;
-}
-
 /** "3 assets, 5 hits: RowCount 2, ColumnName 3". */
 FString Summarize(const FAssetSearchResult& Found, int32 NumAssets)
 {

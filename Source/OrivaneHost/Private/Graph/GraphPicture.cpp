@@ -1,6 +1,7 @@
 #include "Graph/GraphPicture.h"
 
 #include "Core/Base/Map.h"
+#include "Project/ProjectRegistry.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Families/AssetFamily.h"
 #include "Tools/HostTools.h"
@@ -92,7 +93,14 @@ FString FindClassName(const FString& Package)
 
 FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result, const char* ToolName, const char* PayloadKey)
 {
-	FGraphAnswer Answer{.Content = ToolOutput::GetContent(Result, PayloadKey), .FindClass = FindClassName};
+	FGraphAnswer Answer{.Content = ToolOutput::GetContent(Result, PayloadKey),
+		.FindClass = FindClassName,
+		.Root = {},
+		.Missing = {},
+		.Notes = {}};
+	const FString Asked = ToolOutput::GetPrintable(*Answer.Content, "root");
+	if (const FName Known = GetProjectRegistry().FindPackage(Asked); !Known.IsNone())
+		Answer.Root = Known.ToString();
 	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
 	{
 		Answer.Missing.Append(Remark.Names);
@@ -103,7 +111,7 @@ FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result, const char* Too
 
 FString DescribeKind(const FString& Kind, const FString& Class)
 {
-	const bool bSaysNoMore = Class.EndsWith(Kind); // "UserDefinedEnum"
+	const bool bSaysNoMore = Class.EndsWith(Kind) || Class == Kind + "Data"; // "UserDefinedEnum", "BlackboardData"
 	return bSaysNoMore || Class.IsEmpty() ? Kind : Kind + (Kind.IsEmpty() ? "" : " ") + "(" + Class + ")";
 }
 
@@ -112,7 +120,7 @@ FGraphPicture MakeGraphPicture(const FGraphAnswer& Answer)
 	const FJsonObject& Content = *Answer.Content;
 	FGraphPicture Picture;
 	FPictureBuilder Builder(Picture, Answer);
-	const int32 Root = Builder.AddPackage(ToolOutput::GetPrintable(Content, "root"), 0);
+	const int32 Root = Builder.AddPackage(Answer.Root.IsEmpty() ? ToolOutput::GetPrintable(Content, "root") : Answer.Root, 0);
 	const bool bReferencers = ToolOutput::GetPrintable(Content, "direction") == "Referencers";
 	Builder.AddRelations(
 		Root, 0, ToolOutput::GetArray(Content, "relations"), bReferencers ? EStep::ToReferencer : EStep::ToDependency);

@@ -12,6 +12,7 @@ struct FGraphAnswer
 	TSharedPtr<FJsonObject> Content; // payload of explore_asset_graph, where nothing else is said
 	/** Short name of the class of a package's asset, by the package's long name; "" where nothing is known. */
 	std::function<FString(const FString& Package)> FindClass;
+	FString Root;			 // long package name as the registry spells it; "": as the payload does
 	TArray<FString> Missing; // dependencies that do not exist
 	TArray<FString> Notes;	 // what is left out, a sentence each
 };

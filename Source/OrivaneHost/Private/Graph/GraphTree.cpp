@@ -13,7 +13,7 @@ public:
 
 	void PrintRoot()
 	{
-		const FString Root = GetPrintable(*Answer.Content, "root");
+		const FString Root = Answer.Root.IsEmpty() ? GetPrintable(*Answer.Content, "root") : Terminal::Sanitize(Answer.Root);
 		const FString Class = Answer.FindClass(Root);
 		Out += Paint.Bold(Root) + "  " + Paint.Dim(DescribeKind(Class.IsEmpty() ? Class : AssetTypeFromClassName(Class), Class)) +
 			"\n";

@@ -127,12 +127,6 @@ FRegistryScanOptions MakeScanOptions(const FProjectOptions& Options, const FStri
 	return Scan;
 }
 
-FString MakeShort(const FString& File)
-{
-	const FString& ProjectDir = FPaths::ProjectDir();
-	return File.StartsWith(ProjectDir, ESearchCase::CaseSensitive) ? File.Mid(ProjectDir.Len()) : File;
-}
-
 /** The loader's way to a package's file: the registry knows the spelling on disk. */
 TOptional<FPackageFile> LocatePackage(FName PackageName)
 {
@@ -144,7 +138,7 @@ TOptional<FPackageFile> LocatePackage(FName PackageName)
 			continue;
 		const FString Relative = File.Mid(Mount.Folder.Len());
 		return FPackageFile{
-			.FileName = MakeShort(File),
+			.FileName = MakeRelativeToProject(File),
 			.Source = Source,
 			.Read = [Folder = Mount.Folder, Relative](std::string& Buffer, uint64 MaxBytes, std::size_t)
 			{ return FProjectFolder(Folder).Read(Relative, Buffer, MaxBytes); },
@@ -152,6 +146,12 @@ TOptional<FPackageFile> LocatePackage(FName PackageName)
 	}
 	return {};
 }
+}
+
+FString MakeRelativeToProject(const FString& File)
+{
+	const FString& ProjectDir = FPaths::ProjectDir();
+	return File.StartsWith(ProjectDir, ESearchCase::CaseSensitive) ? File.Mid(ProjectDir.Len()) : File;
 }
 
 bool FProject::IsOpen()
@@ -167,7 +167,7 @@ const FProjectSummary& FProject::GetSummary()
 FString FProject::GetPackageFileName(FName PackageName)
 {
 	const IPackageSource* Source = nullptr;
-	return MakeShort(GetProjectRegistry().GetPackageFileName(PackageName, Source));
+	return MakeRelativeToProject(GetProjectRegistry().GetPackageFileName(PackageName, Source));
 }
 
 void FProject::Close()

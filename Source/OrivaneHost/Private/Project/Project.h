@@ -4,6 +4,9 @@
 #include "Core/Program/Diagnostics.h"
 #include "Project/ProjectOptions.h"
 
+/** A file's path from the open project's folder, where it lies there; else as it is. */
+FString MakeRelativeToProject(const FString& File);
+
 /**
  * The project that is open in this process; there is at most one. Game thread.
  */

@@ -1,6 +1,8 @@
 #include "Project/ProjectCheck.h"
 
 #include "Core/Files/File.h"
+#include "Core/Text/Unicode.h"
+#include "CoreObject/Objects/PackageName.h"
 #include "CoreObject/Objects/ReferenceListener.h"
 #include "CoreObject/Packages/Loader.h"
 #include "Project/Project.h"
@@ -118,6 +120,73 @@ void CheckObjects(const UPackage& Package, FDiagnosticSink& Diagnostics)
 		Object->CheckData(Report);
 }
 
+bool IsNative(FName Package)
+{
+	return Package.ToString().StartsWith("/Script/");
+}
+
+/** What a package's header says of it, where it does not fit the files or its own objects. */
+class FHeaderCheck
+{
+public:
+	FHeaderCheck(FName InName, FDiagnosticSink& InDiagnostics) : Name(InName), Diagnostics(InDiagnostics) {}
+
+	void Run(const UPackage& Package) const
+	{
+		CheckDependencies();
+		TArray<FAssetData> Assets;
+		GetProjectRegistry().GetAssetsByPackageName(Name, Assets, false, false);
+		CheckNames(Assets);
+		TArray<UObject*> Objects;
+		GetObjectsWithOuter(&Package, Objects, false);
+		if (!Objects.IsEmpty())
+			CheckObjects(Assets);
+	}
+
+private:
+	void CheckDependencies() const
+	{
+		TArray<FPackageDependency> Dependencies;
+		GetProjectRegistry().GetDependencies(Name, Dependencies);
+		for (const FPackageDependency& Dependency : Dependencies)
+		{
+			const IPackageSource* Source = nullptr;
+			if (!IsNative(Dependency.PackageName) &&
+				GetProjectRegistry().GetPackageFileName(Dependency.PackageName, Source).IsEmpty())
+				Warn("missing-dependency", "it depends on " + Dependency.PackageName.ToString() + ", which does not exist");
+		}
+	}
+
+	void CheckNames(const TArray<FAssetData>& Assets) const
+	{
+		const FString ShortName(FPackageName::GetShortName(Name.ToString()));
+		if (!Assets.IsEmpty() &&
+			!Assets.ContainsByPredicate([&](const FAssetData& Asset) { return Asset.AssetName.ToString() == ShortName; }))
+			Warn("misnamed-file", "none of its assets is named like the file; the first is " + Assets[0].AssetName.ToString());
+	}
+
+	void CheckObjects(const TArray<FAssetData>& Assets) const
+	{
+		for (const FAssetData& Asset : Assets)
+		{
+			if (!StaticFindObject(nullptr, Asset.GetObjectPathString()))
+				Warn("no-object",
+					"the header lists the asset " + Asset.AssetName.ToString() + ", and there is no object of that name");
+		}
+	}
+
+	void Warn(const char* Rule, FString Text) const
+	{
+		Diagnostics.Add({.File = FProject::GetPackageFileName(Name),
+			.Severity = EDiagnosticSeverity::Warning,
+			.Text = std::move(Text),
+			.Rule = Rule});
+	}
+
+	const FName Name;
+	FDiagnosticSink& Diagnostics;
+};
+
 void LoadEveryPackage(FRingCheck& Rings, FDiagnosticSink& Diagnostics, const std::stop_token& Stop)
 {
 	const TArray<FName> Packages = GetProjectRegistry().ListPackages();
@@ -133,6 +202,7 @@ void LoadEveryPackage(FRingCheck& Rings, FDiagnosticSink& Diagnostics, const std
 		if (!Package)
 			continue;
 		CheckObjects(*Package, Diagnostics);
+		FHeaderCheck(Name, Diagnostics).Run(*Package);
 		Rings.Add(*Package);
 	}
 }
@@ -165,6 +235,27 @@ void CheckTextFiles(FDiagnosticSink& Diagnostics, std::stop_token Stop)
 					static_cast<int>(FFileHelper::MaxTextFileBytes / (1024 * 1024))));
 		else if (Outcome == EFileRead::Unreadable)
 			Report(Files.GetRelativePath(Index), "unreadable-file", "the file cannot be read, so it is not searched");
+	}
+}
+
+void CheckExtensions(FDiagnosticSink& Diagnostics, std::stop_token Stop)
+{
+	constexpr std::string_view Extension = ".vasset";
+	for (const FPackageName::FMountPoint& Mount : FPackageName::GetMountPoints())
+	{
+		FFileTreeOptions Options;
+		Options.Stop = Stop;
+		Options.KeepFile = [Extension](std::string_view Path)
+		{
+			const std::string_view End = Path.substr(Path.size() - std::min(Path.size(), Extension.size()));
+			return End != Extension && Unicode::EqualsFolded(End, Extension);
+		};
+		const FFileTree Files = FFileTree::List(Mount.Folder, Options);
+		for (int32 Index = 0; Index < Files.Num(); ++Index)
+			Diagnostics.Add({.File = MakeRelativeToProject(Mount.Folder + FString::FromExternal(Files.GetRelativePath(Index))),
+				.Severity = EDiagnosticSeverity::Warning,
+				.Text = "it is not read: the extension of packages is .vasset, in lower case",
+				.Rule = "extension"});
 	}
 }
 

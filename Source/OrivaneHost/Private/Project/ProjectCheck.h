@@ -13,3 +13,5 @@ void CheckPackages(FDiagnosticSink& Diagnostics, std::stop_token Stop);
 
 /** Reports the text files that searches pass over: too large, or not readable. */
 void CheckTextFiles(FDiagnosticSink& Diagnostics, std::stop_token Stop);
+/** Reports files that would be packages, were their extension in lower case. */
+void CheckExtensions(FDiagnosticSink& Diagnostics, std::stop_token Stop);

@@ -52,7 +52,7 @@ bool PickDescriptor(const FString& Folder, FString& OutDescriptor, FString& OutE
 			"echo '{\"name\": \"MyGame\"}' > MyGame.uproject";
 	else
 		OutError = FString("more than one *.uproject in ") + Folder + " (" + Descriptors[0] + ", " + Descriptors[1] +
-			"); a project folder has exactly one, remove the others";
+			"); name the one to open with --project, or remove the others";
 	return false;
 }
 
@@ -177,11 +177,18 @@ bool ProjectFiles::FindDescriptor(const FString& Path, FString& OutFolder, FStri
 	if (Path.IsEmpty())
 		return FindUpward(OutFolder, OutDescriptor, OutError);
 	const FString Full = FPaths::ConvertRelativePathToFull(Path);
-	OutFolder =
-		Path.EndsWith(DescriptorExtension) && IFileManager::Get().FileExists(Full) ? FString(FPaths::GetPath(Full)) : Full;
+	const bool bIsFile = IFileManager::Get().FileExists(Full);
+	if (bIsFile && Path.EndsWith(DescriptorExtension)) // of several in a folder the one that was named
+	{
+		OutFolder = FString(FPaths::GetPath(Full));
+		OutDescriptor = FString(FPaths::GetCleanFilename(Full));
+		return true;
+	}
+	OutFolder = Full;
 	if (IFileManager::Get().DirectoryExists(OutFolder))
 		return PickDescriptor(OutFolder, OutDescriptor, OutError);
-	OutError = FString("there is no folder ") + OutFolder + "; name an existing project folder with --project";
+	OutError = bIsFile ? Full + " is a file; name a project folder, or its *.uproject, with --project"
+					   : "there is no folder " + OutFolder + "; name an existing project folder with --project";
 	return false;
 }
 

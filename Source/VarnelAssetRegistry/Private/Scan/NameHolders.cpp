@@ -115,7 +115,7 @@ void FNameHolders::ReportTaken(uint32 File, uint32 Holder)
 	bContested = true;
 	Report(File, "duplicate-package",
 		"the package's name belongs to " + Files.GetDisplayName(Holder) +
-			" already; the names of two packages differ by more than upper and lower case");
+			" already; two packages must not differ by upper and lower case alone");
 }
 
 void FNameHolders::Report(uint32 File, const char* Rule, FString Text) const

@@ -107,6 +107,21 @@ expect "a dash is standard output" 0 '^├─ /Game/UI' "$orivane" graph $hub -o
 expect "the graph tool" 0 '"text":"Explored asset graph for .* \(direction: Dependencies, depth: 1, relations: [0-9]+\)"' \
 	"$orivane" call explore_asset_graph "{\"asset_path\":\"$hub\"}" -p "$project"
 
+expect "what is broken, with its line" 1 '^/Game/Legacy/DT_OldPrices  missing  Runtime, soft  /Game/Data/Tables/DT_Items  Content/Data/Tables/DT_Items.vasset:13$' \
+	"$orivane" report broken -p "$project"
+expect "roots of one's own" 1 '^/Game/AI/ST_HarbourCat +StateTree$' "$orivane" report unused --root /Game/Data/ -p "$project"
+expect "a cycle's ring" 1 '^  /Game/AI/EQS_LampToSnuff +-> /Game/World/BP_StreetLamp +Editor$' "$orivane" report cycles -p "$project"
+expect "a cut report says so" 1 '^76 more rows; raise --max-results \(2\)$' "$orivane" report cycles --max-results 2 -p "$project"
+enum=/Game/Data/Enums/E_DamageKind
+expect "impact with the way" 0 '^/Game/Data/DA_GameConfig +uasset \(GameConfig\) +Runtime +-> /Game/Characters/BP_LanternCharacter -> /Game/Framework/BP_HealthComponent$' \
+	"$orivane" report impact $enum -p "$project"
+expect "impact as a tree" 0 '^   │  ├─ /Game/Data/DA_GameConfig  uasset \(GameConfig\)  Runtime$' "$orivane" report impact $enum --format tree -p "$project"
+expect "impact as JSON" 0 '^\{"report":"impact","summary":\{"runtime":32,' "$orivane" report impact $enum --json -p "$project"
+expect "ways drawn" 0 '^\s*n0 -> n1 \[color=' "$orivane" report path /Game/Maps/L_Harbour $enum --format dot -p "$project"
+expect "ways that lead back only" 1 '^No way from .*, but 3 shortest ways of 4 links from' "$orivane" report path $enum /Game/Maps/L_Harbour -p "$project"
+expect "a report on nothing" 1 'did you mean /Game/Data/Enums/E_DamageKind' "$orivane" report impact /Game/Old/e_damagekind -p "$project"
+expect "a report without its asset" 2 'path takes an ASSET and a TARGET; see: orivane report --help' "$orivane" report path $enum -p "$project"
+expect "a drawing of a list" 2 'unused is a list: --format draws cycles' "$orivane" report unused --format html -p "$project"
 expect "paths by directory" 0 '^  BT_Guard\.BT_Guard' "$orivane" paths BT_ -p "$project"
 expect "paths as a list" 0 '^/Game/AI/BT_Guard\.BT_Guard' "$orivane" paths bt_guard --exact --view files -p "$project"
 expect "paths of a class" 1 '0 match' "$orivane" paths BT_ --class Texture -p "$project"
@@ -254,7 +269,7 @@ without() { # STREAM COMMAND...   with the stream closed
 }
 expect "a console without input" 0 '' without input timeout 20 "$orivane" console -p "$project"
 expect "a call without input" 1 'Invalid JSON command' without input timeout 20 "$orivane" call asset_search - -p "$project"
-for command in "search Health" "graph $hub" "paths BT_" "info" "info --dump-registry" "check --json" "call asset_search {}" "console -c help" \
+for command in "search Health" "graph $hub" "paths BT_" "report broken" "info" "info --dump-registry" "check --json" "call asset_search {}" "console -c help" \
 	"search --help" "--version"; do
 	options=(-p "$project")
 	[[ $command != *--help && $command != --version ]] || options=()
@@ -278,7 +293,7 @@ limited() (
 	"$@"
 )
 if limited "$orivane" --version >/dev/null 2>&1; then
-	for command in "search Health" "graph $hub" "paths BT_" "info" "check" "console -c help" "mcp"; do
+	for command in "search Health" "graph $hub" "paths BT_" "report cycles" "info" "check" "console -c help" "mcp"; do
 		expect "too little memory for $command" 2 '^orivane: (out of memory|no thread can be started)$' limited "$orivane" $command -p "$project"
 	done
 	"$orivane" search e -p "$project" >"$scratch/all" 2>/dev/null

@@ -35,6 +35,13 @@ TEST(StrongComponents, GroupWhatLeadsToOneAnotherInRandomGraphs)
 		for (auto NumEdges = Random() % (2 * Edges.size()); NumEdges > 0; --NumEdges)
 			Edges[Random() % Edges.size()].push_back(static_cast<int32>(Random() % Edges.size()));
 		const std::vector<int32> Groups = FindStrongComponents(Edges);
+		std::vector<std::vector<uint32>> Kept;
+		for (const std::vector<int32>& Targets : Edges)
+			Kept.emplace_back(Targets.begin(), Targets.end());
+		EXPECT_EQ(
+			FindStrongComponents(static_cast<uint32>(Num), [&](uint32 Node) { return std::span(std::as_const(Kept[Node])); }),
+			Groups)
+			<< "round " << Round;
 		const auto Reaches = FindReachable(Edges);
 		for (std::size_t A = 0; A < Edges.size(); ++A)
 		{

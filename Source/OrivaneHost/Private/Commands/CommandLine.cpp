@@ -1,6 +1,7 @@
 #include "Commands/CommandLine.h"
 
 #include "Core/Files/File.h"
+#include "Reports/ProjectReportOperation.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/Version.h"
@@ -26,6 +27,7 @@ constexpr const char* ProgramExamples = R"(Examples:
   orivane search Damage --family DataTable --json
   orivane graph /Game/UI/WBP_HUD --relation both
   orivane paths Menu
+  orivane report broken
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
   orivane mcp --project MyGame
@@ -56,6 +58,24 @@ constexpr const char* PathsExamples = R"(Examples:
   orivane paths /Game/UI --class WidgetBlueprint
   orivane paths BT_Guard --exact --view files
   orivane paths _ --max-files 1000000 --json | jq -r '.summary.total_hits')";
+
+constexpr const char* ReportExamples = R"(Reports:
+  broken             references to packages that do not exist or hold no asset, with who refers to them; orivane check reads bodies too
+  unused             assets that no level, primary data asset or settings file leads to, over any number of links
+  cycles             packages that depend on one another, the smallest cycles first, with their links
+  impact ASSET       everything that refers to an asset at any depth, with the shortest way
+  path ASSET TARGET  the shortest ways from one asset to another along dependencies, or back where there are none
+Examples:
+  orivane report broken
+  orivane report unused --root /Game/Data/Quests/ --root /Game/Archive/M_OldFog
+  orivane report impact /Game/Data/Enums/E_DamageKind
+  orivane report impact /Game/Data/Enums/E_DamageKind --format html -o impact.html
+  orivane report path /Game/Maps/L_Harbour /Game/Data/Enums/E_DamageKind --format tree
+  orivane report cycles --format dot | dot -Tsvg -o cycles.svg
+
+--format draws cycles, impact and path; a tree is of impact and path. Totals go to standard error.
+Exit codes: 0 clean (broken, unused, cycles) or found (impact, path); 1 something is broken, unused or a cycle, nothing refers to the
+            asset, or no way leads to the target.)";
 
 constexpr const char* ConsoleExamples =
 	R"(Without -c and with a terminal it asks for commands; "help" lists them. Without a terminal it reads them from standard input, one a line.
@@ -333,16 +353,17 @@ void AddSearch(CLI::App& Program, FSearchArguments& Out)
 	AddProjectOptions(*Command, Out.Project);
 }
 
-void AddGraphFormat(CLI::App& Command, FGraphArguments& Out)
+template <class TFormat>
+void AddGraphFormat(CLI::App& Command, const char* Help, TFormat& OutFormat, FString& OutFile)
 {
 	const TWords<EGraphFormat> Words = {{"tree", EGraphFormat::Tree}, {"json", EGraphFormat::Json}, {"dot", EGraphFormat::Dot},
 		{"mermaid", EGraphFormat::Mermaid}, {"html", EGraphFormat::Html}};
-	CLI::Option* Format =
-		AddChoice(Command, "--format", Words, Out.Format, "tree, json (the tool's payload), dot, mermaid, html [tree]");
+	const auto Take = [&OutFormat](const EGraphFormat& Format) { OutFormat = Format; };
+	CLI::Option* Format = AddChoice<EGraphFormat>(Command, "--format", Words, Take, Help);
 	Format->type_name("FORMAT");
-	const auto UseJson = [&Out] { Out.Format = EGraphFormat::Json; };
+	const auto UseJson = [&OutFormat] { OutFormat = EGraphFormat::Json; };
 	Command.add_flag_callback("--json", UseJson, "Same as --format json")->excludes(Format);
-	AddText(Command, "-o,--output", Out.OutputFile, "Write to this file instead of standard output; '-' is standard output")
+	AddText(Command, "-o,--output", OutFile, "Write to this file instead of standard output; '-' is standard output")
 		->type_name("FILE");
 }
 
@@ -351,7 +372,7 @@ void AddGraph(CLI::App& Program, FGraphArguments& Out)
 	CLI::App* Command =
 		AddCommand(Program, "graph", "Show what an asset depends on and what refers to it, or draw it", GraphExamples);
 	AddToolArguments(*Command, ToolNames::AssetGraph, Out.Tool);
-	AddGraphFormat(*Command, Out);
+	AddGraphFormat(*Command, "tree, json (the tool's payload), dot, mermaid, html [tree]", Out.Format, Out.OutputFile);
 	AddColor(*Command, Out.Color);
 	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
@@ -362,6 +383,17 @@ void AddPaths(CLI::App& Program, FPathsArguments& Out)
 	CLI::App* Command = AddCommand(Program, "paths", "Find assets by a part of their path or name", PathsExamples);
 	AddToolArguments(*Command, ToolNames::AssetPathSearch, Out.Tool);
 	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
+void AddReport(CLI::App& Program, FReportArguments& Out)
+{
+	CLI::App* Command = AddCommand(
+		Program, "report", "Report broken references, unused assets, cycles, what a change reaches, ways", ReportExamples);
+	AddToolArguments(*Command, FProjectReportOperation::ToolName, Out.Tool);
+	AddGraphFormat(*Command, "tree, json (the tool's payload), dot, mermaid, html; a list without", Out.Format, Out.OutputFile);
 	AddColor(*Command, Out.Color);
 	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);
@@ -487,6 +519,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	FSearchArguments Search;
 	FGraphArguments Graph;
 	FPathsArguments Paths;
+	FReportArguments Report;
 	FConsoleArguments Console;
 	FInfoArguments Info;
 	FCheckArguments Check;
@@ -499,6 +532,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	AddSearch(Program, Search);
 	AddGraph(Program, Graph);
 	AddPaths(Program, Paths);
+	AddReport(Program, Report);
 	AddCall(Program, Call);
 	AddConsole(Program, Console);
 	AddMcp(Program, Mcp);
@@ -539,6 +573,8 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 		return Graph;
 	if (Program.got_subcommand("paths"))
 		return Paths;
+	if (Program.got_subcommand("report"))
+		return Report;
 	if (Program.got_subcommand("console"))
 		return Console;
 	if (Program.got_subcommand("info"))

@@ -62,6 +62,16 @@ struct FPathsArguments
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
+struct FReportArguments
+{
+	FProjectOptions Project;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>();
+	TOptional<EGraphFormat> Format; // none: a list for people
+	FString OutputFile;				// "": standard output
+	EColor Color = EColor::Auto;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
+};
+
 struct FConsoleArguments
 {
 	FProjectOptions Project;
@@ -101,8 +111,8 @@ struct FMcpArguments
 	bool bPathSearch = true;
 };
 
-using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FPathsArguments, FConsoleArguments,
-	FInfoArguments, FCheckArguments, FMcpArguments>;
+using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FPathsArguments, FReportArguments,
+	FConsoleArguments, FInfoArguments, FCheckArguments, FMcpArguments>;
 
 /**
  * Parses the program's arguments. Empty where there is nothing to run: OutExitCode is then the program's, and help or an error

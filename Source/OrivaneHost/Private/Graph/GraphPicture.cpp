@@ -23,10 +23,11 @@ class FPictureBuilder
 public:
 	FPictureBuilder(FGraphPicture& InPicture, const FGraphAnswer& InAnswer) : Picture(InPicture), Answer(InAnswer) {}
 
-	int32 AddRoot(const FString& Path)
+	/** Of the kind that its class says. */
+	int32 AddPackage(const FString& Path, int32 Level)
 	{
 		const FString Class = Answer.FindClass(Path);
-		return AddNode(Path, Class.IsEmpty() ? FString() : AssetTypeFromClassName(Class), 0);
+		return AddNode(Path, Class.IsEmpty() ? FString() : AssetTypeFromClassName(Class), Level);
 	}
 
 	int32 AddNode(const FString& Path, const FString& Kind, int32 Level)
@@ -56,6 +57,20 @@ public:
 		}
 	}
 
+	/** A row of a report: a package, and the one that it was come to from. */
+	void AddRow(const FString& Path, const FString& Before, EStep Step, bool bRuntime)
+	{
+		if (Before.IsEmpty())
+		{
+			AddPackage(Path, 0);
+			return;
+		}
+		const auto* const Known = NodeByPath.Find(Before);
+		const int32 From = Known ? *Known : AddPackage(Before, 0);
+		const int32 To = AddPackage(Path, Picture.Nodes[From].Level + static_cast<int32>(Step));
+		AddLink(Step == EStep::ToDependency ? From : To, Step == EStep::ToDependency ? To : From, bRuntime);
+	}
+
 private:
 	void AddLink(int32 From, int32 To, bool bRuntime)
 	{
@@ -70,15 +85,16 @@ private:
 };
 }
 
-FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result)
+FString FindClassName(const FString& Package)
 {
-	FGraphAnswer Answer{.Content = ToolOutput::GetContent(Result),
-		.FindClass =
-			[](const FString& Package)
-		{
-			FAssetData Asset;
-			return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
-		},
+	FAssetData Asset;
+	return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
+}
+
+FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result, const char* ToolName, const char* PayloadKey)
+{
+	FGraphAnswer Answer{.Content = ToolOutput::GetContent(Result, PayloadKey),
+		.FindClass = FindClassName,
 		.Root = {},
 		.Missing = {},
 		.Notes = {}};
@@ -88,7 +104,7 @@ FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result)
 	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
 	{
 		Answer.Missing.Append(Remark.Names);
-		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolNames::AssetGraph))));
+		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolName))));
 	}
 	return Answer;
 }
@@ -104,12 +120,29 @@ FGraphPicture MakeGraphPicture(const FGraphAnswer& Answer)
 	const FJsonObject& Content = *Answer.Content;
 	FGraphPicture Picture;
 	FPictureBuilder Builder(Picture, Answer);
-	const int32 Root = Builder.AddRoot(Answer.Root.IsEmpty() ? ToolOutput::GetPrintable(Content, "root") : Answer.Root);
+	const int32 Root = Builder.AddPackage(Answer.Root.IsEmpty() ? ToolOutput::GetPrintable(Content, "root") : Answer.Root, 0);
 	const bool bReferencers = ToolOutput::GetPrintable(Content, "direction") == "Referencers";
 	Builder.AddRelations(
 		Root, 0, ToolOutput::GetArray(Content, "relations"), bReferencers ? EStep::ToReferencer : EStep::ToDependency);
 	Builder.AddRelations(Root, 0, ToolOutput::GetArray(Content, "dependencies"), EStep::ToDependency);
 	Builder.AddRelations(Root, 0, ToolOutput::GetArray(Content, "referencers"), EStep::ToReferencer);
+	Picture.Notes = Answer.Notes;
+	return Picture;
+}
+
+FGraphPicture MakeReportPicture(const FGraphAnswer& Answer)
+{
+	FGraphPicture Picture;
+	FPictureBuilder Builder(Picture, Answer);
+	const FString Report = ToolOutput::GetPrintable(*Answer.Content, "report");
+	const char* const Before = Report == "cycles" ? "from" : "via";
+	const EStep Step = Report == "impact" ? EStep::ToReferencer : EStep::ToDependency;
+	for (const FJsonValue& Element : ToolOutput::GetArray(*Answer.Content, "rows"))
+	{
+		const FJsonObject& Row = *Element.AsObject();
+		Builder.AddRow(ToolOutput::GetPrintable(Row, "path"), ToolOutput::GetPrintable(Row, Before), Step,
+			ToolOutput::GetPrintable(Row, "type") == "Runtime");
+	}
 	Picture.Notes = Answer.Notes;
 	return Picture;
 }

@@ -2,13 +2,14 @@
 
 #include "Core/Json/Json.h"
 #include "OrivaneCore/ToolResult.h"
+#include "Quellar/Tools/ToolArguments.h"
 
 #include <functional>
 
 /** An exploration, with what its payload does not tell. */
 struct FGraphAnswer
 {
-	TSharedPtr<FJsonObject> Content; // payload of explore_asset_graph
+	TSharedPtr<FJsonObject> Content; // payload of explore_asset_graph, where nothing else is said
 	/** Short name of the class of a package's asset, by the package's long name; "" where nothing is known. */
 	std::function<FString(const FString& Package)> FindClass;
 	FString Root;			 // long package name as the registry spells it; "": as the payload does
@@ -16,8 +17,11 @@ struct FGraphAnswer
 	TArray<FString> Notes;	 // what is left out, a sentence each
 };
 
-/** Of a result of explore_asset_graph with a payload. The open project tells the classes. */
-FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result);
+/** Of a result with a payload. The open project tells the classes. */
+FGraphAnswer MakeGraphAnswer(
+	const Orivane::FToolResult& Result, const char* ToolName = ToolNames::AssetGraph, const char* PayloadKey = "content");
+/** Short name of the class of a package's asset; "" for a package without visible assets. */
+FString FindClassName(const FString& Package);
 
 /** "uasset (Texture2D)": an asset type, and the class where that says more. */
 FString DescribeKind(const FString& Kind, const FString& Class);
@@ -30,7 +34,7 @@ struct FGraphPicture
 		FString Path;  // long package name
 		FString Kind;  // asset type
 		FString Class; // short name
-		int32 Level;   // 0 the root, 1 and 2 what it depends on, -1 and -2 what refers to it
+		int32 Level;   // 0 the root, from 1 on what it depends on, from -1 down what refers to it
 	};
 	struct FLink
 	{
@@ -45,6 +49,8 @@ struct FGraphPicture
 };
 
 FGraphPicture MakeGraphPicture(const FGraphAnswer& Answer);
+/** The same of a payload of project_report whose rows are links: cycles, impact, path. */
+FGraphPicture MakeReportPicture(const FGraphAnswer& Answer);
 
 /** Drawings of a picture as text. */
 namespace GraphDrawing

@@ -3,6 +3,7 @@
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/Tools/AssetPathSearchOperation.h"
 #include "Quellar/Tools/ToolEntry.h"
+#include "Reports/ProjectReportOperation.h"
 
 namespace
 {
@@ -23,6 +24,29 @@ constexpr const char* PathSearchPayload = R"({"type": "object", "description": "
 				"required": ["path", "count", "files"]}},
 			"files": {"type": "array", "description": "Object paths, ascending.", "items": {"type": "string"}}},
 		"required": ["summary"]})";
+
+constexpr const char* ProjectReportPayload = R"({"type": "object", "description": "What was found.",
+		"properties": {
+			"report": {"type": "string", "description": "As asked."},
+			"summary": {"type": "object", "description": "Exact totals. path: reversed 1 where ways lead back only."},
+			"truncated": {"type": "boolean", "description": "Rows were left out."},
+			"rows": {"type": "array", "description": "A reference, asset, link of a cycle, or package of a way.", "items": {"type": "object",
+				"properties": {
+					"path": {"type": "string", "description": "Long package name; broken, cycles: what from refers to."},
+					"kind": {"type": "string", "description": "Asset type."},
+					"problem": {"type": "string", "description": "missing, or no assets."},
+					"from": {"type": "string", "description": "Referring package."},
+					"type": {"type": "string", "description": "Runtime, or Editor: not needed by the running game."},
+					"depth": {"type": "integer", "description": "Links from the start."},
+					"via": {"type": "string", "description": "Package before this one on the way."},
+					"group": {"type": "integer", "description": "Number of the cycle or way."},
+					"size": {"type": "integer", "description": "Packages in the cycle."},
+					"soft": {"type": "boolean", "description": "Does not load its target."},
+					"excluded": {"type": "boolean", "description": "In a folder that the settings exclude."},
+					"file": {"type": "string", "description": "Of from."},
+					"line": {"type": "integer", "description": "In file."}},
+				"required": ["path"]}}},
+		"required": ["report", "summary", "truncated", "rows"]})";
 
 class FHostToolEntry final : public FToolEntry
 {
@@ -57,11 +81,23 @@ FHostTool MakePathSearchTool()
 		.PayloadSchema = PathSearchPayload,
 		.Execute = FAssetPathSearchOperation::Execute};
 }
+
+FHostTool MakeProjectReportTool()
+{
+	return {.Declaration = FProjectReportOperation::GetDeclaration(),
+		.Title = "Report on the project's dependencies",
+		.Description = "Answer about the dependencies of the whole project, with exact totals: broken references, unused assets, "
+					   "cycles, what "
+					   "a change of an asset reaches, and the ways from one asset to another. Nothing is loaded.",
+		.PayloadKey = FProjectReportOperation::ToolName,
+		.PayloadSchema = ProjectReportPayload,
+		.Execute = FProjectReportOperation::Execute};
+}
 }
 
 const TArray<FHostTool>& GetHostTools()
 {
-	static const TArray<FHostTool> Tools = {MakePathSearchTool()};
+	static const TArray<FHostTool> Tools = {MakePathSearchTool(), MakeProjectReportTool()};
 	return Tools;
 }
 

@@ -5,6 +5,8 @@
 #include "CoreObject/Objects/PackageName.h"
 #include "Quellar/Assets/AssetRegistryUtils.h"
 
+#include <vector>
+
 namespace
 {
 /** A plain prefix test: "/GameData/X" passes too. */
@@ -55,6 +57,22 @@ bool AssetPathUtils::GetRepresentativeAsset(const FName& Package, FAssetData& Ou
 		return false;
 	Out = Assets[Found];
 	return true;
+}
+
+TOptional<uint32> AssetPathUtils::FindRepresentativeAsset(const FPackageGraphView& Graph, FPackageGraphView::FNode Node)
+{
+	const FPackageGraphView::FAssetRange Range = Graph.GetAssets(Node);
+	if (Range.Begin + 1 == Range.End) // as nearly always: no names to compare
+		return Graph.IsRegistryFiltered(Range.Begin) ? TOptional<uint32>() : Range.Begin;
+	std::vector<uint32> Assets;
+	for (uint32 Asset = Range.Begin; Asset < Range.End; ++Asset)
+	{
+		if (!Graph.IsRegistryFiltered(Asset))
+			Assets.push_back(Asset);
+	}
+	const auto GetName = [&](int32 Index) { return Graph.GetAssetName(Assets[static_cast<std::size_t>(Index)]); };
+	const int32 Found = FindRepresentative(Graph.GetPackageName(Node), static_cast<int32>(Assets.size()), GetName);
+	return Found == INDEX_NONE ? TOptional<uint32>() : Assets[static_cast<std::size_t>(Found)];
 }
 
 bool AssetPathUtils::IsHighSignalKind(const FString& Kind)

@@ -1,6 +1,5 @@
 #include "Quellar/Graph/AssetGraphService.h"
 
-#include "Assets/RepresentativeAsset.h"
 #include "Core/Base/HashMap.h"
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
@@ -100,7 +99,6 @@ private:
 	bool Expand(const FEntry& Entry);
 	/** False when the relation did not fit any more. */
 	bool Visit(const FEntry& From, FNode Neighbour, uint8 Flags);
-	TOptional<uint32> FindRepresentativeAsset(FNode Node);
 	/** True for the first time. */
 	bool IsFirstLeftOut(FNode Node) { return DepthLimit == 1 || LeftOutNodes.insert(Node).second; }
 	void LeaveOutWithoutAsset(FNode Node);
@@ -122,7 +120,6 @@ private:
 	FAssetGraphSummary Summary;
 	FAssetGraphLeftOut LeftOut;
 	THashSet<FNode> LeftOutNodes; // of walks that may meet a package twice
-	std::vector<uint32> Assets;	  // of the neighbour at hand
 };
 
 void FDirectionalWalk::Run(FNode Root)
@@ -157,7 +154,7 @@ bool FDirectionalWalk::Visit(const FEntry& From, FNode Neighbour, uint8 Flags)
 {
 	if (Visited.contains(Neighbour))
 		return true;
-	const TOptional<uint32> Asset = FindRepresentativeAsset(Neighbour);
+	const TOptional<uint32> Asset = AssetPathUtils::FindRepresentativeAsset(Graph, Neighbour);
 	if (!Asset)
 		return LeaveOutWithoutAsset(Neighbour), true;
 	FString Kind = AssetTypeFromClassName(Graph.GetAssetClass(*Asset).AssetName);
@@ -190,20 +187,6 @@ void FDirectionalWalk::LeaveOutWithoutAsset(FNode Node)
 	LeftOut.NumHidden += bHidden ? 1 : 0;
 	if (bMissing)
 		LeftOut.Missing.Add(Name);
-}
-
-TOptional<uint32> FDirectionalWalk::FindRepresentativeAsset(FNode Node)
-{
-	const FPackageGraphView::FAssetRange Range = Graph.GetAssets(Node);
-	Assets.clear();
-	for (uint32 Asset = Range.Begin; Asset < Range.End; ++Asset)
-	{
-		if (!Graph.IsRegistryFiltered(Asset))
-			Assets.push_back(Asset);
-	}
-	const auto GetName = [this](int32 Index) { return Graph.GetAssetName(Assets[static_cast<std::size_t>(Index)]); };
-	const int32 Found = FindRepresentative(Graph.GetPackageName(Node), static_cast<int32>(Assets.size()), GetName);
-	return Found == INDEX_NONE ? TOptional<uint32>() : Assets[static_cast<std::size_t>(Found)];
 }
 
 void FDirectionalWalk::Record(const FEntry& From, FNode Neighbour, uint8 Flags, FString Kind)

@@ -2,6 +2,11 @@
 
 #include "Queries/RegistrySnapshot.h"
 
+FPackageGraphView::FNode FPackageGraphView::NumNodes() const
+{
+	return Snapshot ? Snapshot->NumNodes() : 0;
+}
+
 FPackageGraphView::FNode FPackageGraphView::FindNode(FName PackageName) const
 {
 	return Snapshot ? Snapshot->FindNode(PackageName) : NoNode;
@@ -49,6 +54,36 @@ FStringView FPackageGraphView::GetAssetName(uint32 Asset) const
 FTopLevelAssetPath FPackageGraphView::GetAssetClass(uint32 Asset) const
 {
 	return Snapshot->GetClassPath(Snapshot->GetClassOf(Asset));
+}
+
+uint32 FPackageGraphView::GetClassNumber(uint32 Asset) const
+{
+	return Snapshot->GetClassOf(Asset);
+}
+
+uint32 FPackageGraphView::NumClasses() const
+{
+	return Snapshot ? Snapshot->NumClasses() : 0;
+}
+
+FTopLevelAssetPath FPackageGraphView::GetClassPath(uint32 Class) const
+{
+	return Snapshot->GetClassPath(Class);
+}
+
+uint32 FPackageGraphView::GetFolderNumber(uint32 Asset) const
+{
+	return Snapshot->GetFolderOf(Asset);
+}
+
+uint32 FPackageGraphView::NumFolders() const
+{
+	return Snapshot ? Snapshot->NumFolders() : 0;
+}
+
+FStringView FPackageGraphView::GetFolderPath(uint32 Folder) const
+{
+	return Snapshot->GetFolderPath(Folder);
 }
 
 void FPackageGraphView::AppendObjectPath(uint32 Asset, FString& Out) const

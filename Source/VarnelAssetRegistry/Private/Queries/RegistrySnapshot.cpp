@@ -60,6 +60,11 @@ FString FRegistryPart::GetFileName(uint32 Package, const IPackageSource*& OutSou
 	return RootFolders[Image->GetRootOfFile(File)] + Image->GetRelativePath(File);
 }
 
+uint32 FRegistrySnapshot::NumNodes() const
+{
+	return Base->Image->NumNodes() + (Overlay ? static_cast<uint32>(Overlay->OwnNodes.size()) : 0);
+}
+
 uint32 FRegistrySnapshot::FindNode(FName Name) const
 {
 	uint32 Node = Base->Names.FindNode(Name);

@@ -47,6 +47,7 @@ struct FRegistrySnapshot
 		std::span<const uint8> Flags;
 	};
 
+	uint32 NumNodes() const;
 	/** NoId for a package that nothing is known of. */
 	uint32 FindNode(FName Name) const;
 	uint32 FindNode(std::string_view Name) const;

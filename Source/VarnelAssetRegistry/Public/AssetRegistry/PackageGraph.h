@@ -37,6 +37,8 @@ public:
 	FPackageGraphView() = default;
 	explicit FPackageGraphView(TSharedPtr<const FRegistrySnapshot> InSnapshot) : Snapshot(std::move(InSnapshot)) {}
 
+	/** Nodes are below it; one that a change has left without a file and without referencers may be among them. */
+	FNode NumNodes() const;
 	/** NoNode for a package that nothing is known of. */
 	FNode FindNode(FName PackageName) const;
 	FNeighbours GetDependencies(FNode Node) const;
@@ -51,6 +53,14 @@ public:
 	bool IsRegistryFiltered(uint32 Asset) const;
 	FStringView GetAssetName(uint32 Asset) const;
 	FTopLevelAssetPath GetAssetClass(uint32 Asset) const;
+	/** Classes and folders by number, for counting: below NumClasses and NumFolders. */
+	uint32 GetClassNumber(uint32 Asset) const;
+	uint32 NumClasses() const;
+	FTopLevelAssetPath GetClassPath(uint32 Class) const;
+	uint32 GetFolderNumber(uint32 Asset) const;
+	uint32 NumFolders() const;
+	/** "/Game/UI" */
+	FStringView GetFolderPath(uint32 Folder) const;
 	/** Appends what FAssetData::GetObjectPathString gives. */
 	void AppendObjectPath(uint32 Asset, FString& Out) const;
 

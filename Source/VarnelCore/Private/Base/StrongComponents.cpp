@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
 
 namespace
 {
@@ -13,20 +14,21 @@ auto& At(T& List, int32 Node)
 	return List[static_cast<std::size_t>(Node)];
 }
 
-/** One depth-first walk over all nodes, with a line of its own. */
+/** One depth-first walk over all nodes, with a line of its own. TGetTargets gives a span of integers for a node. */
+template <class TGetTargets>
 class FComponentWalk
 {
 public:
-	explicit FComponentWalk(const std::vector<std::vector<int32>>& InEdges)
-		: Edges(InEdges)
-		, Lowest(InEdges.size(), NotReached)
-		, Groups(InEdges.size(), NotReached)
+	FComponentWalk(std::size_t NumNodes, const TGetTargets& InGetTargets)
+		: GetTargets(InGetTargets)
+		, Lowest(NumNodes, NotReached)
+		, Groups(NumNodes, NotReached)
 	{
 	}
 
 	std::vector<int32> Run()
 	{
-		for (int32 Node = 0; Node < static_cast<int32>(Edges.size()); ++Node)
+		for (int32 Node = 0; Node < static_cast<int32>(Lowest.size()); ++Node)
 		{
 			if (At(Lowest, Node) == NotReached)
 				WalkFrom(Node);
@@ -35,11 +37,13 @@ public:
 	}
 
 private:
+	using FTargets = decltype(std::declval<TGetTargets>()(0));
+
 	struct FVisit
 	{
 		int32 Node;
 		int32 Order; // of the node's first visit
-		std::size_t NumSeen = 0;
+		FTargets Unseen;
 	};
 
 	void WalkFrom(int32 Root)
@@ -48,18 +52,21 @@ private:
 		while (!Line.empty())
 		{
 			FVisit& Visit = Line.back();
-			const std::vector<int32>& Targets = At(Edges, Visit.Node);
-			if (Visit.NumSeen < Targets.size())
-				Follow(Visit.Node, Targets[Visit.NumSeen++]);
-			else
+			if (Visit.Unseen.empty())
+			{
 				Leave();
+				continue;
+			}
+			const auto Target = static_cast<int32>(Visit.Unseen.front());
+			Visit.Unseen = Visit.Unseen.subspan(1);
+			Follow(Visit.Node, Target);
 		}
 	}
 
 	void Enter(int32 Node)
 	{
 		At(Lowest, Node) = NumReached;
-		Line.push_back({Node, NumReached++});
+		Line.push_back({Node, NumReached++, GetTargets(Node)});
 		Ungrouped.push_back(Node);
 	}
 
@@ -91,7 +98,7 @@ private:
 		++NumGroups;
 	}
 
-	const std::vector<std::vector<int32>>& Edges;
+	const TGetTargets& GetTargets;
 	std::vector<int32> Lowest; // earliest first visit that a node is known to lead to
 	std::vector<int32> Groups;
 	std::vector<FVisit> Line; // from the root down
@@ -103,7 +110,14 @@ private:
 
 std::vector<int32> FindStrongComponents(const std::vector<std::vector<int32>>& Edges)
 {
-	return FComponentWalk(Edges).Run();
+	const auto GetTargets = [&Edges](int32 Node) { return std::span(At(Edges, Node)); };
+	return FComponentWalk(Edges.size(), GetTargets).Run();
+}
+
+std::vector<int32> FindStrongComponents(uint32 NumNodes, const std::function<std::span<const uint32>(uint32 Node)>& GetTargets)
+{
+	const auto GetTargetsOf = [&GetTargets](int32 Node) { return GetTargets(static_cast<uint32>(Node)); };
+	return FComponentWalk(NumNodes, GetTargetsOf).Run();
 }
 
 std::vector<int32> FindRing(const std::vector<std::vector<int32>>& Edges, const std::vector<int32>& Components, int32 Start)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AssetRegistry/AssetData.h"
+#include "AssetRegistry/PackageGraph.h"
 
 /** What the graph asks of a path, a package and a kind. */
 namespace AssetPathUtils
@@ -16,6 +16,8 @@ bool NormalizeToPackageName(const FString& Path, FName& Out);
 /** The asset named like its package without regard to case, else the package's first one; false for a package without assets.
  * Registry-filtered assets do not count. */
 bool GetRepresentativeAsset(const FName& Package, FAssetData& Out);
+/** The same by numbers. */
+TOptional<uint32> FindRepresentativeAsset(const FPackageGraphView& Graph, FPackageGraphView::FNode Node);
 
 /** Whether an asset type says something about a game's structure, so that a graph is worth walking through it. Case is ignored.
  */

@@ -2,6 +2,8 @@
 
 #include "Core/Base/Types.h"
 
+#include <functional>
+#include <span>
 #include <vector>
 
 /**
@@ -10,6 +12,8 @@
  * leads to. Linear in nodes and edges, and as deep on the stack for any graph.
  */
 std::vector<int32> FindStrongComponents(const std::vector<std::vector<int32>>& Edges);
+/** The same for a graph that is kept elsewhere: what a node leads to is asked for once, and must stay until the walk ends. */
+std::vector<int32> FindStrongComponents(uint32 NumNodes, const std::function<std::span<const uint32>(uint32 Node)>& GetTargets);
 
 /** A ring that one comes into by following the first edge within Start's group, then on in the same way; its nodes in order.
  * Empty where Start is in no ring. */

@@ -3,6 +3,7 @@
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Quellar/Tools/AssetPathSearchOperation.h"
 #include "Quellar/Tools/ToolEntry.h"
+#include "Show/ShowAssetTool.h"
 
 namespace
 {
@@ -57,11 +58,21 @@ FHostTool MakePathSearchTool()
 		.PayloadSchema = PathSearchPayload,
 		.Execute = FAssetPathSearchOperation::Execute};
 }
+
+FHostTool MakeShowTool()
+{
+	return {.Declaration = ShowAssetTool::GetDeclaration(),
+		.Title = "Show what is in an asset",
+		.Description = ShowAssetTool::Description,
+		.PayloadKey = ToolNames::ShowAsset,
+		.PayloadSchema = ShowAssetTool::PayloadSchema,
+		.Execute = ShowAssetTool::Execute};
+}
 }
 
 const TArray<FHostTool>& GetHostTools()
 {
-	static const TArray<FHostTool> Tools = {MakePathSearchTool()};
+	static const TArray<FHostTool> Tools = {MakePathSearchTool(), MakeShowTool()};
 	return Tools;
 }
 

@@ -17,6 +17,7 @@ struct FRunCommand
 	int operator()(const FSearchArguments& Arguments) const { return RunSearch(Arguments); }
 	int operator()(const FGraphArguments& Arguments) const { return RunGraph(Arguments); }
 	int operator()(const FPathsArguments& Arguments) const { return RunPaths(Arguments); }
+	int operator()(const FShowArguments& Arguments) const { return RunShow(Arguments); }
 	int operator()(const FConsoleArguments& Arguments) const { return RunConsole(Arguments); }
 	int operator()(const FInfoArguments& Arguments) const { return RunInfo(Arguments); }
 	int operator()(const FCheckArguments& Arguments) const { return RunCheck(Arguments); }

@@ -1,5 +1,6 @@
 #include "Commands/CommandLine.h"
 
+#include "Show/ShowAssetTool.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/Version.h"
@@ -25,6 +26,7 @@ constexpr const char* ProgramExamples = R"(Examples:
   orivane search Damage --family DataTable --json
   orivane graph /Game/UI/W_MainMenu --relation both
   orivane paths MainMenu
+  orivane show DT_Weapons
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
   orivane mcp --project MyGame
@@ -55,6 +57,18 @@ constexpr const char* PathsExamples = R"(Examples:
   orivane paths /Game/UI --class WidgetBlueprint
   orivane paths BT_Guard --exact --view files
   orivane paths _ --max-files 1000000 --json | jq -r '.summary.total_hits')";
+
+constexpr const char* ShowExamples =
+	R"(ASSET is a long package name, an object path, the file of a package, or a name that one asset alone has.
+Examples:
+  orivane show DA_Weapon_FlarePistol
+  orivane show /Game/Data/Tables/DT_Weapons --section rows --row FlarePistol
+  orivane show Content/AI/BT_Guard.vasset --section tree
+  orivane show BT_Guard --object Chase
+  orivane show BP_DockGuard --defaults
+  orivane show IMC_Default --json | jq -c '.properties[] | select(.name == "Mappings").value[]'
+
+Sections: tags, properties, rows, entries, fields, keys, parameters, variables, index, tree, objects, references.)";
 
 constexpr const char* ConsoleExamples =
 	R"(Without -c and with a terminal it asks for commands; "help" lists them. Without a terminal it reads them from standard input, one a line.
@@ -350,6 +364,16 @@ void AddPaths(CLI::App& Program, FPathsArguments& Out)
 	AddProjectOptions(*Command, Out.Project);
 }
 
+void AddShow(CLI::App& Program, FShowArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "show", "Show what is in an asset: values, rows, nodes, references", ShowExamples);
+	AddToolArguments(*Command, ToolNames::ShowAsset, Out.Tool);
+	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
 void AddConsole(CLI::App& Program, FConsoleArguments& Out)
 {
 	CLI::App* Command =
@@ -449,6 +473,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	FSearchArguments Search;
 	FGraphArguments Graph;
 	FPathsArguments Paths;
+	FShowArguments Show;
 	FConsoleArguments Console;
 	FInfoArguments Info;
 	FCheckArguments Check;
@@ -461,6 +486,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	AddSearch(Program, Search);
 	AddGraph(Program, Graph);
 	AddPaths(Program, Paths);
+	AddShow(Program, Show);
 	AddCall(Program, Call);
 	AddConsole(Program, Console);
 	AddMcp(Program, Mcp);
@@ -494,6 +520,8 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 		return Graph;
 	if (Program.got_subcommand("paths"))
 		return Paths;
+	if (Program.got_subcommand("show"))
+		return Show;
 	if (Program.got_subcommand("console"))
 		return Console;
 	if (Program.got_subcommand("info"))

@@ -53,6 +53,15 @@ struct FPathsArguments
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
+struct FShowArguments
+{
+	FProjectOptions Project;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>();
+	bool bJson = false;
+	EColor Color = EColor::Auto;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
+};
+
 struct FConsoleArguments
 {
 	FProjectOptions Project;
@@ -85,7 +94,7 @@ struct FMcpArguments
 };
 
 using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FPathsArguments, FConsoleArguments,
-	FInfoArguments, FCheckArguments, FMcpArguments>;
+	FInfoArguments, FCheckArguments, FMcpArguments, FShowArguments>;
 
 /**
  * Parses the program's arguments. Empty where there is nothing to run: OutExitCode is then the program's, and help or an error

@@ -11,6 +11,7 @@ int RunCall(const FCallArguments& Arguments);
 int RunSearch(const FSearchArguments& Arguments);
 int RunGraph(const FGraphArguments& Arguments);
 int RunPaths(const FPathsArguments& Arguments);
+int RunShow(const FShowArguments& Arguments);
 int RunConsole(const FConsoleArguments& Arguments);
 int RunInfo(const FInfoArguments& Arguments);
 int RunCheck(const FCheckArguments& Arguments);

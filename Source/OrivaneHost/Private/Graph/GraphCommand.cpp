@@ -4,7 +4,6 @@
 #include "Graph/GraphTree.h"
 #include "Project/HeadlessEngine.h"
 #include "Quellar/Assets/AssetPathUtils.h"
-#include "Quellar/Assets/AssetRegistryUtils.h"
 #include "Terminal/ExitCode.h"
 #include "Tools/HostTools.h"
 #include "Tools/ToolRemarks.h"
@@ -12,8 +11,6 @@
 namespace
 {
 using namespace ToolOutput;
-
-constexpr int32 MaxSuggestions = 5;
 
 /** As it was typed. */
 FString GetAsset(const FGraphArguments& Arguments)
@@ -39,31 +36,6 @@ FGraphAnswer MakeAnswer(const Orivane::FToolResult& Result, TSharedPtr<FJsonObje
 		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolNames::AssetGraph))));
 	}
 	return Answer;
-}
-
-/** "hero", "Hero.vasset" and "/Game/Old/Hero.Hero" all name assets called Hero. */
-FString GetAssetName(const FString& Path)
-{
-	const FStringView FileName = FPaths::GetCleanFilename(Path);
-	return FString(FileName.substr(0, FileName.find('.')));
-}
-
-/** Packages of the assets that have the name of the one that was asked for. */
-void PrintSuggestions(const FString& AskedFor)
-{
-	const FName Name = GetAssetName(AskedFor);
-	TArray<FString> Packages;
-	OrivaneAssetRegistryUtils::GetAssetRegistry()->EnumerateAssets({},
-		[&](const FAssetData& Asset)
-		{
-			if (Asset.AssetName == Name)
-				Packages.Add(Asset.PackageName.ToString());
-			return Packages.Num() < MaxSuggestions;
-		});
-	for (const FString& Package : Packages)
-		Terminal::PrintError(FString("  did you mean ") + Terminal::Sanitize(Package) + "?\n");
-	if (Packages.IsEmpty())
-		Terminal::PrintError("  an asset is named by its package, such as /Game/UI/W_Menu; find it with: orivane paths NAME\n");
 }
 
 bool IsStandardOutput(const FString& File)

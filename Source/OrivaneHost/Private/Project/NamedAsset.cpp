@@ -7,6 +7,8 @@
 #include "Project/ProjectRegistry.h"
 #include "Quellar/Assets/AssetPathUtils.h"
 
+#include <algorithm>
+
 namespace
 {
 constexpr int32 MaxListed = 10; // assets of one name in a sentence
@@ -93,7 +95,7 @@ TOptional<FNamedAsset> FindNamedAsset(const FString& Text, FString& OutError)
 	return Found || Path.starts_with('/') ? Found : FindAtPath(FPaths::ConvertRelativePathToFull(Path));
 }
 
-TArray<FAssetData> FindAssetsByName(FStringView Name, int32 MaxAssets)
+TArray<FAssetData> FindAssetsByName(FStringView Name, int32 MaxAssets, EHiddenAssets Hidden)
 {
 	TArray<FAssetData> Found;
 	GetProjectRegistry().EnumerateAssets(
@@ -104,6 +106,6 @@ TArray<FAssetData> FindAssetsByName(FStringView Name, int32 MaxAssets)
 				Found.Add(Asset);
 			return Found.Num() < MaxAssets && !IsStopRequested();
 		},
-		false);
+		Hidden == EHiddenAssets::Skip);
 	return Found;
 }

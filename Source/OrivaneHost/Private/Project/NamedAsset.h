@@ -21,5 +21,11 @@ struct FNamedAsset
  */
 TOptional<FNamedAsset> FindNamedAsset(const FString& Text, FString& OutError);
 
+/** Assets that the registry leaves out of queries. */
+enum class EHiddenAssets : uint8
+{
+	Skip,
+	Include,
+};
 /** The first assets of that name in registry order. */
-TArray<FAssetData> FindAssetsByName(FStringView Name, int32 MaxAssets);
+TArray<FAssetData> FindAssetsByName(FStringView Name, int32 MaxAssets, EHiddenAssets Hidden = EHiddenAssets::Include);

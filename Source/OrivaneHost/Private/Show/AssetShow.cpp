@@ -75,6 +75,8 @@ bool FAssetShow::Show(FString& OutError)
 	Package = LoadPackage(Asset.PackageName);
 	FindObject();
 	ReadStored();
+	if (!AreRowsThere(OutError))
+		return false;
 	if (!Object && !Stored.bListed && InnerPath != AssetInnerPath)
 	{
 		OutError = "The asset " + Asset.GetObjectPathString() + " has no object '" +
@@ -85,6 +87,15 @@ bool FAssetShow::Show(FString& OutError)
 	ShowSections();
 	RemarkFaults();
 	return true;
+}
+
+bool FAssetShow::AreRowsThere(FString& OutError) const
+{
+	const TArray<FString>& Names = Page.Params.RowNames;
+	if (Names.IsEmpty() || !Stored.FoundRows.IsEmpty() || !Page.Wants("rows"))
+		return true;
+	OutError = "The asset " + Asset.GetObjectPathString() + " has no row '" + Names[0] + "'";
+	return false;
 }
 
 void FAssetShow::FindObject()
@@ -133,12 +144,11 @@ void FAssetShow::ShowBlueprintParents()
 	FString Generated;
 	if (!Asset.GetTagValue(FBlueprintTags::GeneratedClassPath, Generated))
 		Generated = Asset.GetObjectPathString() + "_C";
-	FJsonArray Ancestors = ListAncestors(FTopLevelAssetPath(FSoftObjectPath(Generated.View()).ToString().View()));
+	const FJsonArray Ancestors = ListAncestors(FTopLevelAssetPath(FSoftObjectPath(Generated.View()).ToString().View()));
 	if (Ancestors.IsEmpty())
 		return;
 	Page.Set("parent", Ancestors[0]);
-	Ancestors.RemoveAt(0);
-	Page.Set("grandparents", std::move(Ancestors));
+	Page.Set("parents", Ancestors);
 }
 
 void FAssetShow::ShowTags()
@@ -185,8 +195,8 @@ void FAssetShow::ReadRaw(const FStoredObject& Listed, FPropertyReader& Reader)
 {
 	const bool bKnown = FindClass(Listed.Class) != nullptr;
 	Reader.Report(Listed.ClassPlace, EDiagnosticSeverity::Warning, "unknown-class",
-		FString("class ") + Listed.Class +
-			(bKnown ? " cannot be given to this object" : " is not known") + ", so the object is shown as the file has it");
+		FString("class ") + Listed.Class + (bKnown ? " cannot be given to this object" : " is not known") +
+			", so the object is shown as the file has it");
 	for (const FJsonRef Member : Listed.Properties)
 	{
 		auto Property = MakeShared<FJsonObject>();
@@ -244,7 +254,8 @@ void FAssetShow::ReadRows(const FJsonRef& Rows, FPropertyReader& Reader)
 	}
 }
 
-/** All columns, with their defaults where the row does not state them; as the file has them where the row structure is missing. */
+/** All columns, with their defaults where the row does not state them; as the file has them where the row structure is missing.
+ */
 FJsonValue FAssetShow::MakeCells(const FJsonRef& Cells, FPropertyReader& Reader)
 {
 	const UScriptStruct* const Struct = static_cast<const UDataTable*>(Object)->RowStruct;
@@ -262,12 +273,8 @@ void FAssetShow::ShowSections()
 		if (Object && Page.Wants(Section))
 			Set(*Object, Page);
 	};
-	FJsonValue References; // last, but room is kept for it
-	if (Page.Wants("references"))
-	{
-		References = FamilySections::MakeReferences(Asset.PackageName);
-		Page.Set("references", References);
-	}
+	if (Page.Wants("references")) // small, and of use for every asset: before what may have no room
+		Page.Set("references", FamilySections::MakeReferences(Asset.PackageName));
 	if (Page.Wants("tags") && !Asset.GetTags().IsEmpty())
 		ShowTags();
 	if (Page.Wants("properties"))
@@ -332,8 +339,8 @@ void FAssetShow::ShowRows()
 	if (Stored.NumRowsWithoutRoom > 0)
 		Page.Remark("more rows left out for lack of room", "max_bytes", FString::FromInt(Page.Params.MaxBytes));
 	else if (Page.Params.RowNames.IsEmpty() && Stored.Rows.Num() < Stored.NumRows)
-		Page.Remark(FShowPage::Count(Stored.NumRows - Stored.Rows.Num(), "more row"), "max_rows",
-			FString::FromInt(Page.Params.MaxRows));
+		Page.Remark(
+			FShowPage::Count(Stored.NumRows - Stored.Rows.Num(), "more row"), "max_rows", FString::FromInt(Page.Params.MaxRows));
 	for (const FString& Name : Page.Params.RowNames)
 		if (!Stored.FoundRows.Contains(Name))
 			Page.Remark("the table has no row '" + Name + "'");

@@ -10,15 +10,15 @@
 
 /**
  * Shows one asset on a page, section by section. What the registry knows is always shown; the rest needs the asset's package,
- * which is loaded, and its file, which is read again. An object of a class that the project does not know is shown as its file has
- * it. Game thread; loads packages, which the caller lets go of.
+ * which is loaded, and its file, which is read again. An object of a class that the project does not know is shown as its file
+ * has it. Game thread; loads packages, which the caller lets go of.
  */
 class FAssetShow
 {
 public:
 	FAssetShow(const FNamedAsset& Named, FShowPage& InPage);
 
-	/** False, and a sentence, where the asset has no such object as the parameters ask for. */
+	/** False, and a sentence, where the asset has no such object or row as the parameters ask for. */
 	bool Show(FString& OutError);
 
 private:
@@ -40,6 +40,7 @@ private:
 		FString Class;
 	};
 
+	bool AreRowsThere(FString& OutError) const;
 	void FindObject();
 	const UObject* FindInside(const FString& Name) const;
 	void ShowHead();

@@ -129,7 +129,7 @@ FJsonValue MakeNeighbour(const FPackageDependency& Neighbour)
 	auto Object = MakeShared<FJsonObject>();
 	Object->SetStringField("path", Neighbour.PackageName.ToString());
 	Object->SetStringField("kind",
-		bHasAsset		? AssetTypeFromClassName(Asset.AssetClassPath.AssetName)
+		bHasAsset	   ? AssetTypeFromClassName(Asset.AssetClassPath.AssetName)
 			: bHasFile ? FString("hidden")
 					   : FString("missing"));
 	Object->SetStringField("type", (Neighbour.Flags & EDependencyFlags::Game) != 0 ? "Runtime" : "Editor");
@@ -177,7 +177,8 @@ void FamilySections::SetFields(const UObject& Object, FShowPage& Page)
 	if (Struct->IsLinked())
 		Defaults.emplace(*Struct);
 	const TArray<const FProperty*> Fields = ListProperties(*Struct);
-	Page.SetList("fields", "field", Fields.Num(), [&](int32 Index) -> FJsonValue
+	Page.SetList("fields", "field", Fields.Num(),
+		[&](int32 Index) -> FJsonValue
 		{ return MakeDeclared(*Fields[Index], *Struct, "default", Defaults ? Defaults->Get() : nullptr, Page); });
 }
 
@@ -238,7 +239,8 @@ void FamilySections::SetVariables(const UObject& Object, FShowPage& Page)
 	const TArray<const FProperty*> Variables = ListProperties(*Class, Page.Params.bIncludeDefaults);
 	const int32 NumInherited = ListProperties(*Class).Num() - Variables.Num();
 	Page.SetList("variables", "variable", Variables.Num(),
-		[&](int32 Index) -> FJsonValue { return MakeDeclared(*Variables[Index], *Class, "value", Class->GetDefaultObject(), Page); });
+		[&](int32 Index) -> FJsonValue
+		{ return MakeDeclared(*Variables[Index], *Class, "value", Class->GetDefaultObject(), Page); });
 	if (NumInherited > 0)
 		Page.Remark(FShowPage::Count(NumInherited, "inherited variable"), "include_defaults", "true");
 }

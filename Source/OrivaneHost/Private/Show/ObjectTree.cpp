@@ -74,10 +74,10 @@ FString GetShownPath(const UObject& Object, const UObject& Asset)
 FJsonArray FObjectTree::Write(const UObject& Root)
 {
 	Met = {&Asset, &Root};
-	return WriteBranches(Root, 0);
+	return WriteBelow(Root, 0);
 }
 
-std::vector<FObjectTree::FBranch> FObjectTree::Collect(const UObject& Parent)
+std::vector<FObjectTree::FBranch> FObjectTree::CollectReferred(const UObject& Parent)
 {
 	std::vector<FBranch> Branches;
 	for (const FProperty* Property : PropertiesOf(*Parent.GetClass()))
@@ -87,6 +87,12 @@ std::vector<FObjectTree::FBranch> FObjectTree::Collect(const UObject& Parent)
 				if (Met.insert(&Object).second)
 					Branches.push_back({&Object, Property->GetAuthoredName()});
 			});
+	return Branches;
+}
+
+std::vector<FObjectTree::FBranch> FObjectTree::CollectInside(const UObject& Parent)
+{
+	std::vector<FBranch> Branches;
 	TArray<UObject*> Inside;
 	GetObjectsWithOuter(&Parent, Inside, false);
 	for (const UObject* Object : Inside)
@@ -95,12 +101,19 @@ std::vector<FObjectTree::FBranch> FObjectTree::Collect(const UObject& Parent)
 	return Branches;
 }
 
-FJsonArray FObjectTree::WriteBranches(const UObject& Parent, int32 Depth)
+FJsonArray FObjectTree::WriteBelow(const UObject& Parent, int32 Depth)
 {
 	FJsonArray Nodes;
 	if (Depth == MaxTreeDepth)
 		return Nodes;
-	for (const FBranch& Branch : Collect(Parent))
+	WriteBranches(CollectReferred(Parent), Depth, Nodes);
+	WriteBranches(CollectInside(Parent), Depth, Nodes); // afterwards: most of it belongs further down among what is referred to
+	return Nodes;
+}
+
+void FObjectTree::WriteBranches(const std::vector<FBranch>& Branches, int32 Depth, FJsonArray& Out)
+{
+	for (const FBranch& Branch : Branches)
 	{
 		auto Node = MakeShared<FJsonObject>();
 		Node->SetStringField("object", GetShownPath(*Branch.Object, Asset));
@@ -110,13 +123,12 @@ FJsonArray FObjectTree::WriteBranches(const UObject& Parent, int32 Depth)
 		if (FJsonValue Values = WriteValues(*Branch.Object); Values.AsObject()->Num() > 0)
 			Node->SetField("values", std::move(Values));
 		if (IsStopRequested() || !Page.Take(Node))
-			break;
+			return;
 		Shown.insert(Branch.Object);
-		if (FJsonArray Children = WriteBranches(*Branch.Object, Depth + 1); !Children.IsEmpty())
+		if (FJsonArray Children = WriteBelow(*Branch.Object, Depth + 1); !Children.IsEmpty())
 			Node->SetArrayField("children", std::move(Children));
-		Nodes.Add(Node);
+		Out.Add(Node);
 	}
-	return Nodes;
 }
 
 /** What differs from the class's defaults, but for what the tree itself shows. */

@@ -30,8 +30,11 @@ private:
 		FString Property; // "" for what merely lies inside
 	};
 
-	std::vector<FBranch> Collect(const UObject& Parent);
-	FJsonArray WriteBranches(const UObject& Parent, int32 Depth);
+	/** Both: what was not met yet. */
+	std::vector<FBranch> CollectReferred(const UObject& Parent);
+	std::vector<FBranch> CollectInside(const UObject& Parent);
+	FJsonArray WriteBelow(const UObject& Parent, int32 Depth);
+	void WriteBranches(const std::vector<FBranch>& Branches, int32 Depth, FJsonArray& Out);
 	FJsonValue WriteValues(const UObject& Object);
 
 	const UObject& Asset;

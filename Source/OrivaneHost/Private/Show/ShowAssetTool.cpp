@@ -13,13 +13,13 @@ const TArray<TArgumentRow<FShowAssetParams>>& GetArguments()
 	using P = FShowAssetParams;
 	static const TArray<TArgumentRow<P>> Rows = {
 		{{.Key = "asset_path",
-			 .Help = "Path, file or unique name of the asset.",
+			 .Help = "Path, file or unique name.",
 			 .bRequired = true,
 			 .Shell = {.Names = "ASSET", .Help = "The asset: its path, its file, or its name where no other has it"}},
 			&P::AssetPath},
 		{{.Key = "sections",
 			 .Type = EToolArgument::TextList,
-			 .Help = "Only these; empty: all it has.",
+			 .Help = "Only these.",
 			 .Choices = GetShowSections(),
 			 .Narrowing = 1,
 			 .Shell = {.Names = "-s,--section",
@@ -27,7 +27,7 @@ const TArray<TArgumentRow<FShowAssetParams>>& GetArguments()
 				 .Help = "Only this section (may be repeated, or a list with commas)"}},
 			&P::Sections},
 		{{.Key = "object",
-			 .Help = "Another object of the package, by name or path.",
+			 .Help = "Another object of the package.",
 			 .Shell = {.Names = "--object", .Placeholder = "NAME", .Help = "Show this object of the package, by name or path"}},
 			&P::Object},
 		{{.Key = "row_names",
@@ -44,7 +44,7 @@ const TArray<TArgumentRow<FShowAssetParams>>& GetArguments()
 			&P::MaxRows},
 		{{.Key = "include_defaults",
 			 .Type = EToolArgument::Flag,
-			 .Help = "Also what is not stored, and inherited variables.",
+			 .Help = "Also what is not stored.",
 			 .Shell = {.Names = "--defaults",
 				 .Help = "Also properties with the defaults of their class, and inherited variables",
 				 .FlagValue = true}},
@@ -60,17 +60,6 @@ const TArray<TArgumentRow<FShowAssetParams>>& GetArguments()
 	};
 	return Rows;
 }
-
-/** "" when all are known. */
-FString FindUnknownSection(const FShowAssetParams& Params)
-{
-	for (const FString& Section : Params.Sections)
-	{
-		if (!GetShowSections().Contains(Section))
-			return "There is no section '" + Section + "'; sections: " + FString::Join(GetShowSections(), ", ");
-	}
-	return {};
-}
 }
 
 const TArray<FString>& GetShowSections()
@@ -80,24 +69,27 @@ const TArray<FString>& GetShowSections()
 	return Sections;
 }
 
+FString DescribeUnknownSection(const TArray<FString>& Sections)
+{
+	for (const FString& Section : Sections)
+	{
+		if (!GetShowSections().Contains(Section))
+			return "There is no section '" + Section + "'; sections: " + FString::Join(GetShowSections(), ", ");
+	}
+	return {};
+}
+
 const FToolDeclaration& ShowAssetTool::GetDeclaration()
 {
 	static const FToolDeclaration Declaration = DeclareTool(ToolNames::ShowAsset, GetArguments());
 	return Declaration;
 }
 
-const char* const ShowAssetTool::Description =
-	"Show what is in an asset: class, properties with values, table rows, enum entries, struct fields, blackboard keys, material "
-	"parameters, Blueprint variables, the tree of its objects (nodes, widgets, emitters), references.";
+const char* const ShowAssetTool::Description = "Show what is in an asset: values of properties, table rows, enum entries, keys, "
+											   "parameters, variables, the tree of its nodes "
+											   "or widgets, references.";
 
-const char* const ShowAssetTool::PayloadSchema = R"({"type": "object", "description": "Head, then sections it has.",
-		"properties": {
-			"asset": {"type": "string"},
-			"class": {"type": "string"},
-			"parent": {"type": "string", "description": "Of a Blueprint."},
-			"properties": {"type": "array", "items": {"type": "object"}},
-			"rows": {"type": "array", "items": {"type": "object"}}},
-		"required": ["asset", "class"]})";
+const char* const ShowAssetTool::PayloadSchema = R"({"type": "object"})";
 
 void ShowAssetTool::Execute(const FJsonObject& Args, Orivane::FToolResult& Result)
 {
@@ -107,7 +99,7 @@ void ShowAssetTool::Execute(const FJsonObject& Args, Orivane::FToolResult& Resul
 		Result.AddErrorMessage("Missing required parameter 'asset_path'");
 		return;
 	}
-	if (const FString Error = FindUnknownSection(Params); !Error.IsEmpty())
+	if (const FString Error = DescribeUnknownSection(Params.Sections); !Error.IsEmpty())
 	{
 		Result.AddErrorMessage(Error);
 		return;

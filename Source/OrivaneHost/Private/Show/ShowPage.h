@@ -35,10 +35,13 @@ public:
 		Room -= Json::Measure(Value).NumBytes + BytesAround;
 		Payload->SetField(Key, std::move(Value));
 	}
-	/** A list of the payload with as many of Num elements as there is room for; Make(Index) gives each. */
+	/** A list of the payload with as many of Num elements as there is room for; Make(Index) gives each. No list without elements.
+	 */
 	template <class TMake>
 	void SetList(const char* Key, const char* Noun, int32 Num, TMake Make)
 	{
+		if (Num == 0)
+			return;
 		FJsonArray Elements;
 		for (int32 Index = 0; Index < Num && !IsStopRequested(); ++Index)
 		{

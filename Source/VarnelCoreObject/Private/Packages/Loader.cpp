@@ -446,7 +446,9 @@ bool VisitStoredObjects(FName PackageName, FDiagnosticSink* Diagnostics, const F
 	return FLoader::Get().VisitStored(PackageName, Diagnostics, Visit);
 }
 
-FTemporaryLoads::FTemporaryLoads() : NumBefore(FLoader::Get().GetLoaded().NumEntries()) {}
+FTemporaryLoads::FTemporaryLoads() : NumBefore(FLoader::Get().GetLoaded().NumEntries())
+{
+}
 
 FTemporaryLoads::~FTemporaryLoads()
 {

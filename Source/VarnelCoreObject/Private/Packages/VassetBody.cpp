@@ -332,7 +332,8 @@ bool VisitVassetObjects(const FJsonDocument& Document, const FString& FileName, 
 	FPropertyReader Reader(Package, Document, FileName, Diagnostics);
 	for (const FJsonRef Json : Objects)
 	{
-		const auto [Path, Class, Properties] = std::array{Json.Find(ObjectKeys[0]), Json.Find(ObjectKeys[1]), Json.Find(ObjectKeys[2])};
+		const auto [Path, Class, Properties] =
+			std::array{Json.Find(ObjectKeys[0]), Json.Find(ObjectKeys[1]), Json.Find(ObjectKeys[2])};
 		const FJsonRef Stored = Properties.IsObject() ? Properties : FJsonRef();
 		if (Path.IsString() && !Visit({Path.Text(), Class.Text(), Class ? Class : Json, Stored}, Reader))
 			break;

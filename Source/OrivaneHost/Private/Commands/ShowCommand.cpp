@@ -14,6 +14,7 @@ namespace
 using namespace ToolOutput;
 
 constexpr int32 MaxCellWidth = 48; // longer ones push what follows to the right
+constexpr int32 MaxListWidth = 80; // longer lists stand below their line, an element a line
 
 /** A section that is a list of objects, a line each. */
 struct FTable
@@ -33,21 +34,45 @@ const std::vector<FTable> TablesBeforeTree = {
 };
 const FTable ObjectTable = {"objects", {"object", "class", "only_in_file"}};
 
-/** Text as it is, anything else as JSON; of a flag its name. */
+/** Text as it is, anything else as JSON. */
+FString GetText(const FJsonValue& Value)
+{
+	FString Text;
+	if (Value.Type() != EJson::String || !Value.TryGetString(Text))
+		Text = Json::Write(Value);
+	return Terminal::Sanitize(Text);
+}
+
+/** Marks say what they mean. */
 FString GetCell(const FJsonObject& Object, FStringView Key)
 {
 	const FJsonValue* const Value = Object.FindField(Key);
 	if (!Value)
 		return {};
-	FString Text;
-	if (Value->Type() == EJson::String)
-		Value->TryGetString(Text);
-	else if (Key == "only_in_file" || (Key == "default" && Value->Type() == EJson::Boolean && Object.HasField("value")))
-		Text = FString(Key == "default" ? "default" : "only in the file");
-	else
-		Text = Json::Write(*Value);
-	return Terminal::Sanitize(Text);
+	if (Key == "only_in_file")
+		return "only in the file";
+	if (Key == "default" && Object.HasField("value"))
+		return "default";
+	return Key == "below" ? GetText(*Value) + " below" : GetText(*Value);
 }
+
+/** Elements of a list that is too long for a line; empty for any other value. */
+TArray<FString> ListElements(const FJsonValue& Value)
+{
+	TArray<FString> Elements;
+	const FJsonArray* const Array = Value.AsArray();
+	if (Array && GetText(Value).Len() > MaxListWidth)
+		for (const FJsonValue& Element : *Array)
+			Elements.Add(GetText(Element));
+	return Elements;
+}
+
+/** Cells, and what stands on lines of its own below them. */
+struct FLine
+{
+	TArray<FString> Cells;
+	TArray<FString> Below;
+};
 
 /** "WeaponData" of "/Script/Lantern.WeaponData". */
 FString GetShortClass(const FString& Path)
@@ -85,22 +110,21 @@ public:
 	}
 
 private:
-	using FLine = TArray<FString>;
-
 	void PrintHead()
 	{
 		Out += Paint.Bold(GetPrintable(Content, "asset")) + "\n";
 		TArray<FLine> Lines;
-		Lines.Add({"class", GetPrintable(Content, "class") + DescribeAncestors("class_parents", 0)});
+		Lines.Add({{"class", GetPrintable(Content, "class") + DescribeAncestors("class_parents", 0)}, {}});
 		if (Content.HasField("parent"))
-			Lines.Add({"parent", GetPrintable(Content, "parent") + DescribeAncestors("parents", 1)});
-		Lines.Add({"file", GetPrintable(Content, "file")});
+			Lines.Add({{"parent", GetPrintable(Content, "parent") + DescribeAncestors("parents", 1)}, {}});
+		Lines.Add({{"file", GetPrintable(Content, "file")}, {}});
 		if (Content.HasField("object"))
-			Lines.Add({"object", GetPrintable(Content, "object") + "  " + Paint.Dim(GetPrintable(Content, "object_class"))});
+			Lines.Add(
+				{{"object", GetPrintable(Content, "object") + "  " + Paint.Dim(GetPrintable(Content, "object_class"))}, {}});
 		TSharedPtr<FJsonObject> Tags;
 		if (Content.TryGetObjectField("tags", Tags))
 			for (const FJsonObject::FField& Tag : Tags->GetFields())
-				Lines.Add({Terminal::Sanitize("tag " + Tag.Key), GetCell(*Tags, Tag.Key)});
+				Lines.Add({{Terminal::Sanitize("tag " + Tag.Key), GetText(Tag.Value)}, {}});
 		PrintLines(Lines);
 	}
 
@@ -129,9 +153,17 @@ private:
 		{
 			FLine& Line = Lines.Emplace_GetRef();
 			for (const char* Column : Table.Columns)
-				Line.Add(GetCell(*Element.AsObject(), Column));
+				AddCell(Line, *Element.AsObject(), Column);
 		}
 		PrintLines(Lines);
+	}
+
+	static void AddCell(FLine& Line, const FJsonObject& Object, const char* Key)
+	{
+		const FJsonValue* const Value = Object.FindField(Key);
+		Line.Below = Value && Line.Below.IsEmpty() ? ListElements(*Value) : Line.Below;
+		const bool bListed = Value && Value->AsArray() && !Line.Below.IsEmpty();
+		Line.Cells.Add(bListed ? FString::Printf("%d:", Line.Below.Num()) : GetCell(Object, Key));
 	}
 
 	/** A line for each row, under the names of the columns. */
@@ -145,17 +177,24 @@ private:
 			for (const FJsonObject::FField& Cell : GetCells(Row)->GetFields())
 				if (!Columns.Contains(Cell.Key))
 					Columns.Add(Cell.Key);
-		TArray<FLine> Lines = {{"row"}};
+		TArray<FLine> Lines = {{{"row"}, {}}};
 		for (const FString& Column : Columns)
-			Lines.Last().Add(Terminal::Sanitize(Column));
+			Lines.Last().Cells.Add(Terminal::Sanitize(Column));
 		for (const FJsonValue& Row : Rows)
 		{
-			FLine& Line = Lines.Emplace_GetRef(FLine{GetPrintable(*Row.AsObject(), "name")});
+			FLine& Line = Lines.Emplace_GetRef(FLine{{GetPrintable(*Row.AsObject(), "name")}, {}});
 			for (const FString& Column : Columns)
-				Line.Add(GetCell(*GetCells(Row), Column));
+				Line.Cells.Add(GetCellOfRow(Row, Column));
 		}
 		Out += Paint.Bold("rows") + "\n";
 		PrintLines(Lines);
+	}
+
+	static FString GetCellOfRow(const FJsonValue& Row, const FString& Column)
+	{
+		const TSharedPtr<FJsonObject> Cells = GetCells(Row);
+		const FJsonValue* const Value = Cells->FindField(Column);
+		return Value ? GetText(*Value) : FString();
 	}
 
 	static TSharedPtr<FJsonObject> GetCells(const FJsonValue& Row)
@@ -171,21 +210,23 @@ private:
 		TArray<int32> Widths;
 		for (const FLine& Line : Lines)
 		{
-			for (int32 Column = 0; Column < Line.Num(); ++Column)
+			for (int32 Column = 0; Column < Line.Cells.Num(); ++Column)
 			{
 				if (Column == Widths.Num())
 					Widths.Add(0);
-				Widths[Column] = std::max(Widths[Column], std::min(Line[Column].Len(), MaxCellWidth));
+				Widths[Column] = std::max(Widths[Column], std::min(Line.Cells[Column].Len(), MaxCellWidth));
 			}
 		}
 		for (const FLine& Line : Lines)
 		{
 			FString Text;
-			for (int32 Column = 0; Column < Line.Num(); ++Column)
+			for (int32 Column = 0; Column < Line.Cells.Num(); ++Column)
 				if (Widths[Column] > 0)
-					Text += "  " + Pad(Line[Column], Widths[Column]);
+					Text += "  " + Pad(Line.Cells[Column], Widths[Column]);
 			Out += Text.View().substr(0, Text.View().find_last_not_of(' ') + 1);
 			Out += "\n";
+			for (const FString& Below : Line.Below)
+				Out += "      " + Below + "\n";
 		}
 	}
 
@@ -222,8 +263,9 @@ private:
 			(First.Num() < Count ? FString::Printf(", the first %d:", First.Num()) : FString()) + "\n";
 		TArray<FLine> Lines;
 		for (const FJsonValue& Neighbour : First)
-			Lines.Add({GetPrintable(*Neighbour.AsObject(), "path"), GetPrintable(*Neighbour.AsObject(), "kind"),
-				GetPrintable(*Neighbour.AsObject(), "type")});
+			Lines.Add({{GetPrintable(*Neighbour.AsObject(), "path"), GetPrintable(*Neighbour.AsObject(), "kind"),
+						   GetPrintable(*Neighbour.AsObject(), "type")},
+				{}});
 		PrintLines(Lines);
 	}
 

@@ -104,7 +104,8 @@ void FAssetShow::FindObject()
 	if (!Page.Params.Object.IsEmpty())
 	{
 		const UObject* const Named = FindInside(Page.Params.Object);
-		InnerPath = Named ? GetInnerPath(Named->GetPathName(), Asset.PackageName) : JoinInner(AssetInnerPath, Page.Params.Object);
+		InnerPath =
+			Named ? GetInnerPath(Named->GetPathName(), Package->GetFName()) : JoinInner(AssetInnerPath, Page.Params.Object);
 	}
 	Object = Package ? Package->FindInside(InnerPath) : nullptr;
 }
@@ -366,7 +367,7 @@ void FAssetShow::ShowObjects()
 	for (const UObject* Each : All)
 	{
 		if (!Each->IsA<UStruct>() && !InTree.contains(Each))
-			Rest.push_back({GetInnerPath(Each->GetPathName(), Asset.PackageName), Each->GetClass()->GetPathName()});
+			Rest.push_back({GetInnerPath(Each->GetPathName(), Package->GetFName()), Each->GetClass()->GetPathName()});
 	}
 	const std::size_t NumMade = Rest.size();
 	Rest.insert(Rest.end(), Unmade.begin(), Unmade.end());

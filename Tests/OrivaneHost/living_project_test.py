@@ -359,14 +359,17 @@ class Run:
     def random_call(self):
         term = self.rng.choice(WORDS)
         packages = self.project.files(".vasset")
-        tool = self.rng.choice(["asset_search", "asset_search", "explore_asset_graph", "asset_path_search"])
+        tool = self.rng.choice(["asset_search", "asset_search", "explore_asset_graph", "asset_path_search", "show_asset"])
         if tool == "asset_search":
             families = self.rng.sample(FAMILIES, self.rng.randint(1, 4)) if self.rng.random() < 0.6 else []
             return tool, {"term": term, "max_total_hits": self.rng.choice([5, 1000])} | ({"include_asset_families": families} if families else {})
         if tool == "asset_path_search":
             return tool, {"term": self.rng.choice([term, "_", "N1"])}
         path = self.rng.choice(packages).relative_to(self.project.folder).with_suffix("") if packages else pathlib.Path("Content/X")
-        return tool, {"asset_path": "/Game/" + "/".join(path.parts[1:]), "relation": self.rng.choice(["dependencies", "referencers", "both"]), "depth": 3}
+        asset = "/Game/" + "/".join(path.parts[1:])
+        if tool == "show_asset":
+            return tool, {"asset_path": asset}
+        return tool, {"asset_path": asset, "relation": self.rng.choice(["dependencies", "referencers", "both"]), "depth": 3}
 
     def fresh(self, tool, arguments):
         done = subprocess.run([self.arguments.orivane, "call", tool, json.dumps(arguments), *self.options, "--no-cache"],

@@ -122,7 +122,7 @@ void FObjectTree::WriteBranches(const std::vector<FBranch>& Branches, int32 Dept
 			Node->SetStringField("as", Branch.Property);
 		if (FJsonValue Values = WriteValues(*Branch.Object); Values.AsObject()->Num() > 0)
 			Node->SetField("values", std::move(Values));
-		if (IsStopRequested() || !Page.Take(Node))
+		if (IsStopRequested() || !Page.Take(Node, R"("children":[])"))
 			return;
 		Shown.insert(Branch.Object);
 		if (FJsonArray Children = WriteBelow(*Branch.Object, Depth + 1); !Children.IsEmpty())

@@ -12,7 +12,7 @@ public:
 		: Params(InParams)
 		, Values(InParams.MaxBytes / ValuesPerPage)
 		, Result(InResult)
-		, Room(InParams.MaxBytes)
+		, Room(InParams.MaxBytes - BytesOfSections)
 	{
 	}
 
@@ -29,10 +29,13 @@ public:
 		Room -= bFull ? 0 : NumBytes;
 		return !bFull;
 	}
-	/** A field of the payload; small ones that everybody wants. */
+	/** A field of the payload, where there is room for it. */
 	void Set(const char* Key, FJsonValue Value)
 	{
-		Room -= Json::Measure(Value).NumBytes + BytesAround;
+		const int64 NumBytes = Json::Measure(Value).NumBytes + static_cast<int64>(FStringView(Key).size()) + BytesAround;
+		if (NumBytes > Room)
+			return Remark(FString(Key) + " left out for lack of room", "max_bytes", FString::FromInt(Params.MaxBytes));
+		Room -= NumBytes;
 		Payload->SetField(Key, std::move(Value));
 	}
 	/** A list of the payload with as many of Num elements as there is room for; Make(Index) gives each. No list without elements.
@@ -75,8 +78,9 @@ public:
 	}
 
 private:
-	static constexpr int32 ValuesPerPage = 8; // of those that are as long as a value may be
-	static constexpr int64 BytesAround = 4;	  // a comma, a colon, quotes of the key
+	static constexpr int32 ValuesPerPage = 8;	  // of those that are as long as a value may be
+	static constexpr int64 BytesAround = 4;		  // a comma, a colon, quotes of the key
+	static constexpr int64 BytesOfSections = 200; // their keys and brackets, all of them
 
 	Orivane::FToolResult& Result;
 	int64 Room;

@@ -214,14 +214,9 @@ FJsonValue FValueWriter::MakePairs(const FMapProperty& Property, const void* Val
 		const FJsonValue Mapped = MakeValue(Property.GetValueProperty(), GetPair(Property).ValueOf(Pair), Depth + 1);
 		FString KeyText;
 		if (bByText && Key.TryGetString(KeyText))
-		{
 			Object->SetField(KeyText, Mapped);
-			continue;
-		}
-		auto Entry = MakeShared<FJsonObject>();
-		Entry->SetField("key", Key);
-		Entry->SetField("value", Mapped);
-		List.Add(Entry);
+		else
+			List.Add(FJsonArray{Key, Mapped});
 	}
 	return bByText ? FJsonValue(Object) : FJsonValue(List);
 }

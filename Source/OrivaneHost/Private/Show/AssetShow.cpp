@@ -5,6 +5,7 @@
 #include "CoreObject/Reflection/Properties.h"
 #include "CoreObject/Reflection/PropertyReader.h"
 #include "CoreObject/Reflection/StructValue.h"
+#include "Engine/Blueprint.h"
 #include "Engine/DataTable.h"
 #include "Project/Project.h"
 #include "Project/ProjectRegistry.h"
@@ -35,6 +36,13 @@ FJsonArray ListAncestors(const FTopLevelAssetPath& Class)
 	for (const FTopLevelAssetPath& Ancestor : Ancestors)
 		Paths.Add(Ancestor.ToString());
 	return Paths;
+}
+
+bool IsBlueprint(const FAssetData& Asset)
+{
+	TArray<FTopLevelAssetPath> Classes = {Asset.AssetClassPath};
+	GetProjectRegistry().GetAncestorClasses(Asset.AssetClassPath, Classes);
+	return Classes.Contains(UBlueprint::StaticClass()->GetStructPathName());
 }
 
 /** Storage for one value of a property. */
@@ -142,6 +150,8 @@ void FAssetShow::ShowHead()
 
 void FAssetShow::ShowBlueprintParents()
 {
+	if (!IsBlueprint(Asset))
+		return;
 	FString Generated;
 	if (!Asset.GetTagValue(FBlueprintTags::GeneratedClassPath, Generated))
 		Generated = Asset.GetObjectPathString() + "_C";

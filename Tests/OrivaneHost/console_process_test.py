@@ -94,7 +94,7 @@ def type_and_complete(console):
     console.send("te\t")
     console.expect("term=")
     console.send("Health\r")
-    console.expect(r"Saved/Quellar/datatable_search\.json\s+1 asset\(s\)")
+    console.expect(r"1 asset, 1 hit: ColumnName 1\s+Saved/Quellar/datatable_search\.json")
     console.expect(PROMPT)
 
     console.send("Orivane.AssetSearch families=Text,datat\t")
@@ -107,7 +107,7 @@ def type_and_complete(console):
     console.expect("BT_Guard ")
     console.send("rel\tb\t\r")
     console.expect("relation=Both")
-    console.expect(r"done \(")
+    console.expect(r"referred to by: ")
     console.expect(PROMPT)
 
     console.send("Orivane.S\t")

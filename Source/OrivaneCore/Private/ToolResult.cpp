@@ -38,6 +38,12 @@ FToolResult& FToolResult::AddRemark(FToolRemark Remark)
 	return *this;
 }
 
+FToolResult& FToolResult::AddPlace(FToolPlace Place)
+{
+	Places.Add(std::move(Place));
+	return *this;
+}
+
 bool FToolResult::HasErrors() const
 {
 	return Messages.ContainsByPredicate([](const FToolMessage& Message) { return Message.Type == EToolMessage::Error; });

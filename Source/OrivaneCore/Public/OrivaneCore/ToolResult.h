@@ -34,6 +34,15 @@ struct FToolRemark
 	TArray<FString> Names; // of what is left out, where they are known
 };
 
+/** Where in a text file something was found, for people to open it. */
+struct FToolPlace
+{
+	FString Asset;	// as the payload names it
+	FString File;	// relative to the project
+	int32 Line = 0; // from 1 on; 0: not known
+	FString Text;	// of the line
+};
+
 /** What a tool hands back: messages in the order in which they were added, and payloads by key. A call has failed when it holds
  * an error. One thread at a time. */
 class FToolResult
@@ -55,15 +64,18 @@ public:
 
 	/** For the host; not among the messages. */
 	FToolResult& AddRemark(FToolRemark Remark);
+	FToolResult& AddPlace(FToolPlace Place);
 
 	bool HasErrors() const;
 	const TArray<FToolMessage>& GetMessages() const { return Messages; }
 	const TMap<FString, FPayload>& GetData() const { return Data; }
 	const TArray<FToolRemark>& GetRemarks() const { return Remarks; }
+	const TArray<FToolPlace>& GetPlaces() const { return Places; }
 
 private:
 	TArray<FToolMessage> Messages;
 	TMap<FString, FPayload> Data;
 	TArray<FToolRemark> Remarks;
+	TArray<FToolPlace> Places;
 };
 }

@@ -24,8 +24,8 @@ constexpr const char* Description =
 constexpr const char* ProgramExamples = R"(Examples:
   orivane search Health --project Samples/Lantern
   orivane search Damage --family DataTable --json
-  orivane graph /Game/UI/W_MainMenu --relation both
-  orivane paths MainMenu
+  orivane graph /Game/UI/WBP_HUD --relation both
+  orivane paths Menu
   orivane show DT_Weapons
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
@@ -39,7 +39,7 @@ constexpr const char* SearchExamples = R"(Examples:
   orivane search Health
   orivane search "float" --family DataTable
   orivane search TargetActor --family BehaviorTree,Blackboard
-  orivane search Lantern --exact --case-sensitive --path /Game/Data
+  orivane search MaxHealth --exact --case-sensitive --path /Game/Data
   orivane search Sparks --family NiagaraSystem --preload /Game/FX
   orivane search Stamina --json | jq '.assets[].asset')";
 
@@ -47,7 +47,7 @@ constexpr const char* GraphExamples = R"(ASSET is a long package name, an object
 Examples:
   orivane graph /Game/Maps/L_Harbour
   orivane graph /Game/Data/Tables/DT_Weapons --relation referencers --depth 2
-  orivane graph Content/UI/WBP_MainMenu.vasset --relation both --high-signal --format html -o graph.html
+  orivane graph Content/UI/WBP_PauseMenu.vasset --relation both --high-signal --format html -o graph.html
   orivane graph /Game/Maps/L_Harbour --format dot | dot -Tsvg -o graph.svg
 
 Runtime links are needed by the game, Editor links by the editor alone. Siblings come out newest first.)";
@@ -75,7 +75,7 @@ constexpr const char* ConsoleExamples =
 Examples:
   orivane console
   orivane console -c "Orivane.DataTableSearch term=Health"
-  echo 'Orivane.AssetSearch term="two words" families=Text,DataTable' | orivane console)";
+  echo 'Orivane.AssetSearch term="tide table" families=Text,DataTable' | orivane console)";
 
 constexpr const char* CallExamples = R"(Examples:
   orivane call asset_search '{"term":"Health","include_asset_families":["DataTable","Text"]}'
@@ -324,7 +324,17 @@ void AddSearch(CLI::App& Program, FSearchArguments& Out)
 {
 	CLI::App* Command = AddCommand(Program, "search", "Find assets and text files that contain a name or value", SearchExamples);
 	AddToolArguments(*Command, ToolNames::AssetSearch, Out.Tool);
-	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	const auto Use = [&Out](ESearchForm Form) { return [&Out, Form] { Out.Form = Form; }; };
+	CLI::Option* const Whole = Command->add_flag_callback("--json", Use(ESearchForm::Json), "Print the tool's payload");
+	CLI::Option* const Lines =
+		Command->add_flag_callback("--ndjson", Use(ESearchForm::JsonLines), "Print a JSON object for each result, one a line");
+	Command
+		->add_flag_callback(
+			"-0,--null", Use(ESearchForm::Names), "Print the names of assets and files alone, a zero byte after each")
+		->excludes(Whole)
+		->excludes(Lines);
+	Lines->excludes(Whole);
+	Command->add_flag("-q,--quiet", Out.bQuiet, "No counts, and no word about what is left out");
 	AddColor(*Command, Out.Color);
 	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
 	AddProjectOptions(*Command, Out.Project);

@@ -16,11 +16,20 @@ struct FCallArguments
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
+enum class ESearchForm : uint8
+{
+	Text,
+	Json,	   // the payload
+	JsonLines, // an asset a line
+	Names,	   // with a zero byte behind each
+};
+
 struct FSearchArguments
 {
 	FProjectOptions Project;
 	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>(); // arguments of the tool, as far as they were given
-	bool bJson = false;
+	ESearchForm Form = ESearchForm::Text;
+	bool bQuiet = false; // words on standard error only when something is wrong
 	EColor Color = EColor::Auto;
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };

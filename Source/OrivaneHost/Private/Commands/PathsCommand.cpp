@@ -34,7 +34,7 @@ FString Render(const FJsonObject& Content, const FPainter& Painter)
 	return Out + (bBoth ? "\n" : "") + ListTexts(Files, "");
 }
 
-/** "12 match(es) in 3 directories", and what to do when some were left out. */
+/** "12 matches in 3 directories", and what to do when some were left out. */
 FString DescribeTotals(const FJsonObject& Summary)
 {
 	int32 NumHits = 0;
@@ -44,7 +44,8 @@ FString DescribeTotals(const FJsonObject& Summary)
 	Summary.TryGetNumberField("total_directories", NumDirectories);
 	Summary.TryGetBoolField("truncated", bTruncated);
 	if (!bTruncated)
-		return FString::Printf("%d match(es) in %d director%s\n", NumHits, NumDirectories, NumDirectories == 1 ? "y" : "ies");
+		return FString::Printf("%d %s in %d %s\n", NumHits, NumHits == 1 ? "match" : "matches", NumDirectories,
+			NumDirectories == 1 ? "directory" : "directories");
 	return FString::Printf("%d matches, not all of them shown; narrow with --path or --class, or raise --max-files, "
 						   "--max-directories, --max-per-directory\n",
 		NumHits);
@@ -60,7 +61,10 @@ int PrintResult(const Orivane::FToolResult& Result, const FPathsArguments& Argum
 	if (Arguments.bJson)
 		Terminal::Print(Json::Write(*Content) + "\n");
 	else
-		Terminal::Print(Render(*Content, FPainter(Terminal::UsesColor(Arguments.Color))) + DescribeTotals(*Summary));
+	{
+		Terminal::Print(Render(*Content, FPainter(Terminal::UsesColor(Arguments.Color))));
+		Terminal::PrintError(DescribeTotals(*Summary));
+	}
 	int32 NumHits = 0;
 	Summary->TryGetNumberField("total_hits", NumHits);
 	return NumHits > 0 ? EExitCode::Found : EExitCode::NotFound;

@@ -3,9 +3,9 @@
 #include "Quellar/Families/AssetFamily.h"
 #include "Quellar/Tools/ToolArguments.h"
 #include "Terminal/ExitCode.h"
+#include "Tools/SearchOutput.h"
+#include "Tools/TimeOutAdvice.h"
 #include "Tools/ToolOutput.h"
-
-#include <algorithm>
 
 namespace
 {
@@ -29,50 +29,70 @@ bool AreFamiliesKnown(const FJsonObject& ToolArguments)
 	return true;
 }
 
-/** Prints assets as paragraphs: path and class, then a line per hit with aligned columns. */
-class FResultPrinter
+/** Such a search would end at the time limit. */
+bool IsEndless(const FJsonObject& ToolArguments)
 {
-public:
-	explicit FResultPrinter(bool bColor) : Paint(bColor) {}
+	FString Term;
+	TArray<FString> Families;
+	ToolArguments.TryGetStringField("term", Term);
+	for (const FJsonValue& Element : GetArray(ToolArguments, "include_asset_families"))
+		Element.TryGetString(Families.Emplace_GetRef());
+	return NeverEnds(Term, Families);
+}
 
-	void PrintAsset(const FJsonObject& Asset)
-	{
-		const FJsonArray& Hits = GetArray(Asset, "hits");
-		const FString Class = GetPrintable(Asset, "class"); // none for materials that were not loaded
-		Out += Paint.Bold(GetPrintable(Asset, "asset")) + (Class.IsEmpty() ? FString() : "  " + Paint.Dim(Class)) + "\n";
-		int32 KindWidth = 0;
-		int32 NameWidth = 0;
-		for (const FJsonValue& Hit : Hits)
-		{
-			KindWidth = std::max(KindWidth, GetPrintable(*Hit.AsObject(), "kind").Len());
-			NameWidth = std::max(NameWidth, GetPrintable(*Hit.AsObject(), "name").Len());
-		}
-		for (const FJsonValue& Hit : Hits)
-			PrintHit(*Hit.AsObject(), KindWidth, std::min(NameWidth, MaxNameWidth));
-		bool bTruncated = false;
-		if (Asset.TryGetBoolField("truncated", bTruncated) && bTruncated)
-			Out += Paint.Dim("  (more hits of a kind were left out; raise --max-hits-per-kind)") + "\n";
-	}
+FSearchView MakeView(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
+{
+	FSearchView View{
+		.Width = Terminal::GetWidth(), .TextPlaces = Result.GetPlaces(), .Paint = FPainter(Terminal::UsesColor(Arguments.Color))};
+	Arguments.Tool->TryGetStringField("term", View.Term);
+	bool bCaseSensitive = false;
+	Arguments.Tool->TryGetBoolField("case_sensitive", bCaseSensitive);
+	View.Case = bCaseSensitive ? ESearchCase::CaseSensitive : ESearchCase::IgnoreCase;
+	return View;
+}
 
-	const FString& GetOutput() const { return Out; }
-
-private:
-	static constexpr int32 MaxNameWidth = 48;
-
-	void PrintHit(const FJsonObject& Hit, int32 KindWidth, int32 NameWidth)
-	{
-		int32 Count = 1;
-		Hit.TryGetNumberField("count", Count);
-		const FString Container = GetPrintable(Hit, "container");
-		Out += FString("  ") + Pad(GetPrintable(Hit, "kind"), KindWidth) + "  ";
-		Out += Container.IsEmpty() ? GetPrintable(Hit, "name")
-								   : Pad(GetPrintable(Hit, "name"), NameWidth) + "  " + Paint.Dim(Container);
-		Out += Count > 1 ? FString::Printf("  x%d\n", Count) : FString("\n");
-	}
-
-	FPainter Paint;
+/** Names that other programs can open: of text files the whole path. */
+FString ListNames(const FAssetSearchResult& Found, const Orivane::FToolResult& Result)
+{
 	FString Out;
-};
+	FString Last;
+	const auto AddOnce = [&](const FString& Name)
+	{
+		if (Name != Last)
+			Out += Name + FString(std::string(1, '\0'));
+		Last = Name;
+	};
+	for (const FAssetResult& Asset : Found.Results)
+	{
+		if (Asset.AssetClass != "TextFile")
+			AddOnce(Asset.AssetPath);
+	}
+	for (const Orivane::FToolPlace& Place : Result.GetPlaces())
+		AddOnce(Place.File);
+	return Out;
+}
+
+FString Render(const FJsonObject& Content, const FAssetSearchResult& Found, const Orivane::FToolResult& Result,
+	const FSearchArguments& Arguments)
+{
+	switch (Arguments.Form)
+	{
+		case ESearchForm::Json:
+			return Json::Write(Content) + "\n";
+		case ESearchForm::JsonLines:
+		{
+			FString Out;
+			for (const FJsonValue& Asset : GetArray(Content, "assets"))
+				Out += Json::Write(*Asset.AsObject()) + "\n";
+			return Out;
+		}
+		case ESearchForm::Names:
+			return ListNames(Found, Result);
+		case ESearchForm::Text:
+			break;
+	}
+	return RenderSearchResults(Found, MakeView(Result, Arguments));
+}
 
 int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
 {
@@ -81,22 +101,14 @@ int PrintResult(const Orivane::FToolResult& Result, const FSearchArguments& Argu
 	if (!Content)
 		return EExitCode::NotFound;
 
-	const FJsonArray& Assets = GetArray(*Content, "assets");
-	if (Arguments.bJson)
-	{
-		Terminal::Print(Json::Write(*Content) + "\n");
-	}
-	else
-	{
-		FResultPrinter Printer(Terminal::UsesColor(Arguments.Color));
-		for (const FJsonValue& Asset : Assets)
-			Printer.PrintAsset(*Asset.AsObject());
-		Terminal::Print(Printer.GetOutput());
-	}
-	if (!Arguments.bJson)
-		Terminal::PrintError(FString::Printf("%d %s\n", Assets.Num(), Assets.Num() == 1 ? "asset" : "assets") +
-			DescribeRemarks(ToolNames::AssetSearch, Result));
-	return Assets.IsEmpty() ? EExitCode::NotFound : EExitCode::Found;
+	const FAssetSearchResult Found = ReadSearchPayload(*Content);
+	Terminal::Print(Render(*Content, Found, Result, Arguments));
+	const auto NumAssets = static_cast<int32>(GroupByAsset(Found).size());
+	if (!Arguments.bQuiet && Arguments.Form != ESearchForm::Json)
+		Terminal::PrintError(FString::Printf("%d %s\n", NumAssets, NumAssets == 1 ? "asset" : "assets"));
+	if (!Arguments.bQuiet)
+		Terminal::PrintError(DescribeRemarks(ToolNames::AssetSearch, Result));
+	return NumAssets == 0 ? EExitCode::NotFound : EExitCode::Found;
 }
 }
 
@@ -104,6 +116,13 @@ int RunSearch(const FSearchArguments& Arguments)
 {
 	if (!AreFamiliesKnown(*Arguments.Tool))
 		return EExitCode::WrongUse;
+	if (IsEndless(*Arguments.Tool))
+	{
+		Terminal::PrintError(
+			"orivane search: Blueprints are never searched for an empty term: give a term, or other families with "
+			"--family\n");
+		return EExitCode::WrongUse;
+	}
 	const FHeadlessEngine Engine;
 	return CallToolOfProject(Arguments.Project, Arguments.TimeLimit, ToolNames::AssetSearch, Json::Write(*Arguments.Tool),
 		[&](const Orivane::FToolResult& Result) { return PrintResult(Result, Arguments); });

@@ -3,6 +3,8 @@
 #include "Console/ConsoleSession.h"
 #include "Core/Files/File.h"
 #include "Project/HeadlessEngine.h"
+#include "Project/Project.h"
+#include "Project/ProjectRegistry.h"
 #include "Project/UserFolders.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/InputLines.h"
@@ -67,7 +69,10 @@ FString GetHistoryFile()
 
 int RunPrompt(FConsoleSession& Session)
 {
-	Terminal::Print("Console of the project; \"help\" lists the commands, Tab completes, Ctrl-D leaves.\n");
+	const FProjectSummary& Summary = FProject::GetSummary();
+	Terminal::Print("Console of " + Terminal::Sanitize(Summary.Folder) + ", " +
+		FString::FromInt(GetProjectRegistry().NumAssets()) + " assets, changes: " +
+		Terminal::Sanitize(FProject::DescribeWatch()) + ". \"help\" lists the commands, Tab completes, Ctrl-D leaves.\n");
 	FLineEditor Editor(
 		GetHistoryFile(), [](const FString& Line) { return CompleteConsoleLine(Line, FConsoleSession::GetOwnWords()); });
 	for (FString Line; !Session.IsOver() && !Interrupt::IsRequested() && Editor.ReadLine(Line);)

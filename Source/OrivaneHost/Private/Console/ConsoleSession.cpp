@@ -7,6 +7,7 @@
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Packages/Loader.h"
+#include "Graph/GraphTree.h"
 #include "Project/PackageMemory.h"
 #include "Project/Project.h"
 #include "Quellar/Tools/AssetSearchOperation.h"
@@ -15,7 +16,9 @@
 #include "Terminal/StopTimer.h"
 #include "Terminal/Terminal.h"
 #include "Tools/HostTools.h"
+#include "Tools/SearchOutput.h"
 #include "Tools/TimeOutAdvice.h"
+#include "Tools/ToolCaller.h"
 #include "Tools/ToolOutput.h"
 #include "Tools/ToolRemarks.h"
 
@@ -31,8 +34,8 @@ FString MakeRelativeToProject(const FString& File)
 	return File.StartsWith(Folder, ESearchCase::CaseSensitive) ? File.Mid(Folder.Len()) : File;
 }
 
-/** "3 asset(s), 5 hit(s): RowCount 2, ColumnName 3", then the first assets. */
-FString Summarize(const FAssetSearchResult& Found)
+/** "3 assets, 5 hits: RowCount 2, ColumnName 3". */
+FString Summarize(const FAssetSearchResult& Found, int32 NumAssets)
 {
 	TMap<FString, int32> Kinds;
 	int32 NumHits = 0;
@@ -42,17 +45,84 @@ FString Summarize(const FAssetSearchResult& Found)
 			++Kinds.FindOrAdd(Hit.Kind);
 		NumHits += Asset.Hits.Num();
 	}
-	FString Text = FString::Printf("%d asset(s), %d hit(s)", Found.Results.Num(), NumHits);
-	Text += FString(Kinds.IsEmpty() ? "" : ": ") + Terminal::Sanitize(DescribeCounts(Kinds)) + "\n";
-	for (int32 Index = 0; Index < std::min(Found.Results.Num(), MaxListed); ++Index)
+	return FString::Printf(
+			   "%d %s, %d %s", NumAssets, NumAssets == 1 ? "asset" : "assets", NumHits, NumHits == 1 ? "hit" : "hits") +
+		(Kinds.IsEmpty() ? "" : ": ") + Terminal::Sanitize(DescribeCounts(Kinds)) + "\n";
+}
+
+/** The first assets with their hits. */
+FString RenderFirst(const FConsoleSearches::FReport& Report, int32 NumAssets)
+{
+	int32 NumLeft = MaxListed;
+	FAssetSearchResult First;
+	for (const std::span<const FAssetResult> Group : GroupByAsset(Report.Found))
 	{
-		const FAssetResult& Asset = Found.Results[Index];
-		Text += FString("  ") + Terminal::Sanitize(Asset.AssetPath) + "  " + Terminal::Sanitize(Asset.AssetClass) +
-			FString::Printf("  %d hit(s)\n", Asset.Hits.Num());
+		if (NumLeft-- > 0)
+			std::for_each(Group.begin(), Group.end(), [&](const FAssetResult& Result) { First.Results.Add(Result); });
 	}
-	if (Found.Results.Num() > MaxListed)
-		Text += FString::Printf("  and %d more in the file\n", Found.Results.Num() - MaxListed);
-	return Text;
+	const FString Rest = NumAssets > MaxListed ? FString::Printf("and %d more in the file\n", NumAssets - MaxListed) : FString();
+	return RenderSearchResults(First,
+			   {.Term = Report.Params.Term,
+				   .Width = Terminal::GetWidth(),
+				   .TextPlaces = FAssetSearchOperation::FindTextPlaces(Report.Params, First),
+				   .Paint = FPainter(Terminal::UsesColor(EColor::Auto))}) +
+		Rest;
+}
+
+/** The arguments of a tool that a command's words give. */
+FJsonObject ReadToolArguments(const FToolDeclaration& Tool, const TArray<FString>& Words)
+{
+	FJsonObject Arguments;
+	for (const FToolArgument& Argument : Tool.Arguments)
+	{
+		const FString Key = Argument.Console.Key;
+		for (const FString& Word : Words)
+		{
+			if (!Key.IsEmpty() && Word.StartsWith(Key))
+				Arguments.SetStringField(Argument.Key, Word.Mid(Key.Len()).TrimQuotes()); // numbers are read from texts too
+		}
+		if (*Argument.Shell.OffNames) // as at a shell
+			Arguments.SetField(Argument.Key, Argument.Shell.FlagValue);
+	}
+	return Arguments;
+}
+
+/** The words that a command understands, such as "term="; none where nothing is known of it. */
+TArray<FString> GetKnownWords(const FString& Command)
+{
+	TArray<FString> Known = FConsoleSearches::GetWords(Command);
+	if (Command == AssetGraphConsoleCommand)
+	{
+		for (const FToolArgument& Argument : FindTool(ToolNames::AssetGraph)->Arguments)
+		{
+			if (*Argument.Console.Key)
+				Known.Add(Argument.Console.Key);
+		}
+	}
+	return Known;
+}
+
+/** Commands pass over what they do not know. */
+void MentionUnknownWords(const TArray<FString>& Words)
+{
+	const TArray<FString> Known = GetKnownWords(Words[0]);
+	for (int32 Index = 1; Index < Words.Num() && !Known.IsEmpty(); ++Index)
+	{
+		const FString& Word = Words[Index];
+		if (Known.ContainsByPredicate([&](const FString& Key) { return Word.StartsWith(Key); }))
+			continue;
+		std::vector<std::string> Keys;
+		for (const FString& Key : Known)
+			Keys.push_back(Key.ToStdString());
+		const std::size_t Equals = Word.View().find('=');
+		const std::string Nearest = Equals == FStringView::npos
+			? Keys.front() + Word.ToStdString()
+			: FindNearestWord(std::string(Word.View().substr(0, Equals + 1)), Keys);
+		Terminal::PrintError(Terminal::Sanitize("'" + Word + "' means nothing to " + Words[0] +
+								 (Nearest.empty() ? FString() : FString(", did you mean ") + Nearest + "?") +
+								 " It knows: " + FString::Join(Known, " ")) +
+			"\n");
+	}
 }
 
 void RefreshProject()
@@ -75,7 +145,8 @@ const FConsoleSession::FOwnWord FConsoleSession::OwnWords[] = {
 	{"load", "Keep packages in memory: load /Game/FX, or one package (particle systems are searched there)", true,
 		&FConsoleSession::RunLoad},
 	{"unload", "Remove packages from memory: unload /Game/FX", true, &FConsoleSession::RunUnload},
-	{"exit", "Leave the console (also Ctrl-D)", false, &FConsoleSession::RunExit},
+	{"exit", "Leave the console (also Ctrl-D, quit)", false, &FConsoleSession::RunExit},
+	{"quit", "The same", false, &FConsoleSession::RunExit},
 };
 
 FConsoleSession::FConsoleSession(std::chrono::milliseconds InTimeLimit) : TimeLimit(InTimeLimit)
@@ -101,6 +172,8 @@ int FConsoleSession::Run(const FString& Line)
 	TArray<FString> Words = IConsoleManager::SplitWords(Line);
 	if (Words.IsEmpty() || Words[0].View().starts_with('#'))
 		return EExitCode::Found;
+	if (std::count(Line.View().begin(), Line.View().end(), '"') % 2 != 0)
+		return Fail("a quote is open: " + Line);
 	for (const FOwnWord& Own : OwnWords)
 	{
 		if (Words[0] != Own.Name)
@@ -118,6 +191,10 @@ int FConsoleSession::Run(const FString& Line)
 
 int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Words)
 {
+	MentionUnknownWords(Words);
+	const FAssetSearchParams Asked = FConsoleSearches::ReadParams(Words[0], Words);
+	if (!FConsoleSearches::GetWords(Words[0]).IsEmpty() && NeverEnds(Asked.Term, Asked.IncludeAssetFamilies))
+		return Fail("a search of Blueprints never ends without a term: give term=, or families= without Blueprint");
 	const int32 NumBefore = FConsoleSearches::NumStarted();
 	const auto Start = std::chrono::steady_clock::now();
 	const FStopTimer Timer(TimeLimit);
@@ -139,6 +216,8 @@ int FConsoleSession::RunCommand(const FString& Line, const TArray<FString>& Word
 	}
 	if (IsStopRequested())
 		return GiveUp(Words);
+	if (Words[0] == AssetGraphConsoleCommand)
+		return ShowGraph(Words);
 	const std::chrono::duration<double, std::milli> Elapsed = std::chrono::steady_clock::now() - Start;
 	Terminal::Print(FString::Printf("done (%.1f ms)\n", Elapsed.count()));
 	return EExitCode::Found;
@@ -152,12 +231,25 @@ int FConsoleSession::GiveUp(const TArray<FString>& Words) const
 	const bool bIsSearch = !FConsoleSearches::GetWords(Words[0]).IsEmpty();
 	FString Text = FString(bIsSearch ? "the search" : "the command") + " did not complete within " +
 		FString::SanitizeFloat(Seconds, 0) + " s; nothing was written";
-	const FAssetSearchParams Params = FConsoleSearches::ReadParams(Words[0], Words);
-	Text += bIsSearch && NeverEnds(Params.Term, Params.IncludeAssetFamilies)
-		? "; a search of Blueprints never ends with an empty term: give term=, or families= without Blueprint"
-		: "; allow more time with --time-limit";
-	Terminal::PrintError(Text + "\n");
+	Terminal::PrintError(Text + "; allow more time with --time-limit\n");
 	return EExitCode::NotFound;
+}
+
+/** The command itself shows nothing. */
+int FConsoleSession::ShowGraph(const TArray<FString>& Words) const
+{
+	int ExitCode = EExitCode::Found;
+	const FJsonObject Arguments = ReadToolArguments(*FindTool(ToolNames::AssetGraph), Words);
+	const auto Print = [&](const Orivane::FToolResult& Result)
+	{
+		ToolOutput::PrintProblems(AssetGraphConsoleCommand, Result);
+		if (ToolOutput::GetContent(Result))
+			Terminal::Print(RenderGraphTree(MakeGraphAnswer(Result), FPainter(Terminal::UsesColor(EColor::Auto))));
+		else
+			ExitCode = EExitCode::NotFound;
+	};
+	const bool bAnswered = CallToolAndWait(ToolNames::AssetGraph, Json::Write(Arguments), TimeLimit, Print);
+	return bAnswered ? ExitCode : EExitCode::Interrupted;
 }
 
 void FConsoleSession::OnSearchFinished(const FConsoleSearches::FReport& Report)
@@ -170,7 +262,9 @@ void FConsoleSession::OnSearchFinished(const FConsoleSearches::FReport& Report)
 		LastExitCode = EExitCode::WrongUse;
 		Terminal::PrintError(FString("cannot write ") + File + "\n");
 	}
-	Terminal::Print((Report.bWritten ? File + "\n" : FString()) + Summarize(Report.Found));
+	const auto NumAssets = static_cast<int32>(GroupByAsset(Report.Found).size());
+	Terminal::Print(
+		RenderFirst(Report, NumAssets) + Summarize(Report.Found, NumAssets) + (Report.bWritten ? File + "\n" : FString()));
 	for (const Orivane::FToolRemark& Remark : FAssetSearchOperation::MakeRemarks(Report.Params, Report.Found))
 		Terminal::PrintError(Terminal::Sanitize(DescribeRemarkForConsole(Remark, *FindTool(ToolNames::AssetSearch))) + "\n");
 }

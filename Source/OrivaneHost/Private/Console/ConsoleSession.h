@@ -44,6 +44,7 @@ private:
 	int RunUnload(const TArray<FString>& Args);
 	int RunCommand(const FString& Line, const TArray<FString>& Words);
 	int GiveUp(const TArray<FString>& Words) const;
+	int ShowGraph(const TArray<FString>& Words) const;
 	void OnSearchFinished(const FConsoleSearches::FReport& Report);
 
 	const std::chrono::milliseconds TimeLimit;

@@ -3,10 +3,8 @@
 #include "Graph/GraphPicture.h"
 #include "Graph/GraphTree.h"
 #include "Project/HeadlessEngine.h"
-#include "Quellar/Assets/AssetPathUtils.h"
 #include "Terminal/ExitCode.h"
 #include "Tools/HostTools.h"
-#include "Tools/ToolRemarks.h"
 
 namespace
 {
@@ -18,24 +16,6 @@ FString GetAsset(const FGraphArguments& Arguments)
 	FString Asset;
 	Arguments.Tool->TryGetStringField("asset_path", Asset);
 	return Asset;
-}
-
-/** Short name; "" for a package without assets. */
-FString FindClass(const FString& Package)
-{
-	FAssetData Asset;
-	return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
-}
-
-FGraphAnswer MakeAnswer(const Orivane::FToolResult& Result, TSharedPtr<FJsonObject> Content)
-{
-	FGraphAnswer Answer{.Content = std::move(Content), .FindClass = FindClass};
-	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
-	{
-		Answer.Missing.Append(Remark.Names);
-		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolNames::AssetGraph))));
-	}
-	return Answer;
 }
 
 bool IsStandardOutput(const FString& File)
@@ -89,7 +69,7 @@ int PrintResult(const Orivane::FToolResult& Result, const FGraphArguments& Argum
 		Terminal::PrintError(FString("orivane graph: '") + Terminal::Sanitize(GetAsset(Arguments)) + "' is not a package\n");
 		return EExitCode::NotFound;
 	}
-	if (!Write(Render(MakeAnswer(Result, Content), Arguments), Arguments))
+	if (!Write(Render(MakeGraphAnswer(Result), Arguments), Arguments))
 		return EExitCode::WrongUse;
 	if (Arguments.Format == EGraphFormat::Json) // the others say it themselves
 		Terminal::PrintError(DescribeRemarks(ToolNames::AssetGraph, Result));

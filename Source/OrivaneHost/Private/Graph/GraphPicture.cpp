@@ -1,8 +1,11 @@
 #include "Graph/GraphPicture.h"
 
 #include "Core/Base/Map.h"
+#include "Quellar/Assets/AssetPathUtils.h"
 #include "Quellar/Families/AssetFamily.h"
+#include "Tools/HostTools.h"
 #include "Tools/ToolOutput.h"
+#include "Tools/ToolRemarks.h"
 
 #include <cstdlib>
 
@@ -66,9 +69,28 @@ private:
 };
 }
 
+FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result)
+{
+	FGraphAnswer Answer{.Content = ToolOutput::GetContent(Result),
+		.FindClass =
+			[](const FString& Package)
+		{
+			FAssetData Asset;
+			return AssetPathUtils::GetRepresentativeAsset(Package, Asset) ? Asset.AssetClassPath.AssetName.ToString() : FString();
+		},
+		.Missing = {},
+		.Notes = {}};
+	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
+	{
+		Answer.Missing.Append(Remark.Names);
+		Answer.Notes.Add(Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolNames::AssetGraph))));
+	}
+	return Answer;
+}
+
 FString DescribeKind(const FString& Kind, const FString& Class)
 {
-	const bool bSaysNoMore = Class.EndsWith(Kind); // "UserDefinedEnum"
+	const bool bSaysNoMore = Class.EndsWith(Kind) || Class == Kind + "Data"; // "UserDefinedEnum", "BlackboardData"
 	return bSaysNoMore || Class.IsEmpty() ? Kind : Kind + (Kind.IsEmpty() ? "" : " ") + "(" + Class + ")";
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/Json/Json.h"
+#include "OrivaneCore/ToolResult.h"
 
 #include <functional>
 
@@ -13,6 +14,9 @@ struct FGraphAnswer
 	TArray<FString> Missing; // dependencies that do not exist
 	TArray<FString> Notes;	 // what is left out, a sentence each
 };
+
+/** Of a result of explore_asset_graph with a payload. The open project tells the classes. */
+FGraphAnswer MakeGraphAnswer(const Orivane::FToolResult& Result);
 
 /** "uasset (Texture2D)": an asset type, and the class where that says more. */
 FString DescribeKind(const FString& Kind, const FString& Class);

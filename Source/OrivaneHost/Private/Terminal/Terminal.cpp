@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <string>
+#include <sys/ioctl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -72,7 +73,15 @@ bool Terminal::UsesColor(EColor Color)
 		return Color == EColor::Always;
 	if (HasEnvironment("NO_COLOR"))
 		return false;
-	return HasEnvironment("CLICOLOR_FORCE") || IsStdoutTerminal();
+	const char* const Type = std::getenv("TERM");
+	const bool bDumb = Type && std::string_view(Type) == "dumb";
+	return HasEnvironment("CLICOLOR_FORCE") || (IsStdoutTerminal() && !bDumb);
+}
+
+int32 Terminal::GetWidth()
+{
+	winsize Size = {};
+	return IsStdoutTerminal() && ioctl(STDOUT_FILENO, TIOCGWINSZ, &Size) == 0 ? int32{Size.ws_col} : 0;
 }
 
 void Terminal::FillClosedStreams()

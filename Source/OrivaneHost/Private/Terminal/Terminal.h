@@ -22,6 +22,8 @@ bool IsStdinTerminal();
 bool IsStdoutTerminal();
 bool IsStderrTerminal();
 bool UsesColor(EColor Color);
+/** Columns of the terminal that standard output is; 0 where it is none. */
+int32 GetWidth();
 /** Writes and flushes; false when it cannot be written; GetOutputError says so from then on. To a terminal nothing of the text
  * goes that steers it, but for lines, tabs and colours; other readers get it byte for byte. */
 bool Print(FStringView Text);

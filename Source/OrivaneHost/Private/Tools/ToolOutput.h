@@ -12,11 +12,16 @@ public:
 
 	FString Bold(const FString& Text) const { return Paint("\033[1m", Text); }
 	FString Dim(const FString& Text) const { return Paint("\033[2m", Text); }
+	FString Match(const FString& Text) const { return Paint("\033[1;31m", Text); }
+	FString Cyan(const FString& Text) const { return Paint("\033[36m", Text); }
 	FString Red(const FString& Text) const { return Paint("\033[31m", Text); }
 	FString Yellow(const FString& Text) const { return Paint("\033[33m", Text); }
 
 private:
-	FString Paint(const char* Style, const FString& Text) const { return bColor ? FString(Style) + Text + "\033[0m" : Text; }
+	FString Paint(const char* Style, const FString& Text) const
+	{
+		return bColor && !Text.IsEmpty() ? FString(Style) + Text + "\033[0m" : Text;
+	}
 
 	bool bColor;
 };

@@ -4,6 +4,7 @@
 #include "Core/Files/File.h"
 #include "Core/Text/TextDecoder.h"
 #include "Core/Text/TextFinder.h"
+#include "Core/Text/Unicode.h"
 #include "Core/Threads/StopToken.h"
 #include "Core/Threads/Tasks.h"
 #include "Families/FamilyScan.h"
@@ -334,6 +335,32 @@ bool IsSearchableTextFile(FStringView Path)
 bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params, bool bExact, bool bCaseSensitive)
 {
 	return FContentMatcher(Params, bExact, bCaseSensitive).Matches(Content);
+}
+
+FTextLine FindFirstTextLine(const FString& File, const FAssetSearchParams& Params)
+{
+	constexpr std::size_t MaxLineBytes = 300;
+	const std::string Path = File.ToStdString();
+	const FFileTree Tree = FFileTree::FromPaths(FPaths::ProjectDir(), {Path});
+	FTextLine Found;
+	std::string Bytes;
+	std::string Scratch;
+	if (Tree.Num() == 0 || Params.Term.IsEmpty() || Tree.Read(0, Bytes, PieceBytes) != EFileRead::Ok)
+		return Found;
+	FStringView Text = FFileHelper::DecodeText(Bytes, Scratch);
+	const FContentMatcher Matcher(Params, false, Params.bCaseSensitive);
+	for (int32 Number = 1; !Text.empty(); ++Number)
+	{
+		const std::size_t End = Text.find('\n');
+		const FStringView Line = Text.substr(0, End);
+		Text = End == FStringView::npos ? FStringView() : Text.substr(End + 1);
+		if (!Matcher.Matches(Line))
+			continue;
+		const FString Trimmed = FString(Line).TrimStartAndEnd();
+		const FStringView Shown = Trimmed.View().substr(0, MaxLineBytes);
+		return {.Number = Number, .Text = FString(Shown.substr(0, Unicode::FloorToCodePoint(Trimmed.View(), Shown.size())))};
+	}
+	return Found;
 }
 
 /** Project files with a searchable extension that contain the term, or in exact mode equal it. Reads files, touches no asset. */

@@ -55,7 +55,8 @@ private:
 	void PlacePackages();
 	void CountHidden();
 	void AddGraph();
-	void AddReferencers(uint32 Node);
+	/** Dropped are packages of the base that refer to the node and are hidden, ascending. */
+	void AddReferencers(uint32 Node, std::span<const std::pair<uint32, uint32>> Dropped);
 
 	bool AddClasses();
 	/** Classes that hidden or added Blueprints generate. */
@@ -199,21 +200,31 @@ void FRegistryOverlay::FMaker::AddGraph()
 	for (const uint32 Target : Tables.DependencyTargets)
 		Out.DependencyTargets.push_back(Out.Nodes[Target]);
 	std::vector<uint32> Targets = Out.DependencyTargets;
+	std::vector<std::pair<uint32, uint32>> Dropped; // links of the base that are hidden: target, source
 	for (const uint32 Package : Out.Hidden)
 	{
 		const FRowRange Edges = FRegistryTables::RangeOf(BaseTables.FirstDependencies, Package);
-		Targets.insert(
-			Targets.end(), BaseTables.DependencyTargets.begin() + Edges.Begin, BaseTables.DependencyTargets.begin() + Edges.End);
+		for (uint32 Edge = Edges.Begin; Edge < Edges.End; ++Edge)
+		{
+			Targets.push_back(BaseTables.DependencyTargets[Edge]);
+			Dropped.emplace_back(Targets.back(), Package);
+		}
 	}
 	std::sort(Targets.begin(), Targets.end());
 	Targets.erase(std::unique(Targets.begin(), Targets.end()), Targets.end());
+	std::sort(Dropped.begin(), Dropped.end());
+	auto First = Dropped.begin();
 	for (const uint32 Target : Targets)
-		AddReferencers(Target);
+	{
+		const auto End = std::find_if(First, Dropped.end(), [Target](const auto& Link) { return Link.first != Target; });
+		AddReferencers(Target, {First, End});
+		First = End;
+	}
 }
 
 /** Those of the base that are not hidden and those of the part, merged in registry order. A package may have very many, so what
  * lies between two changes is copied as it is. */
-void FRegistryOverlay::FMaker::AddReferencers(uint32 Node)
+void FRegistryOverlay::FMaker::AddReferencers(uint32 Node, std::span<const std::pair<uint32, uint32>> Dropped)
 {
 	const auto Begin = static_cast<uint32>(Out.ReferencerSources.size());
 	const bool bInBase = Node < Base.NumNodes();
@@ -233,14 +244,10 @@ void FRegistryOverlay::FMaker::AddReferencers(uint32 Node)
 	};
 	auto DropBelow = [&, At = std::size_t{0}](uint32 Source) mutable
 	{
-		for (; At < Out.Hidden.size() && Out.Hidden[At] < Source; ++At)
+		for (; At < Dropped.size() && Dropped[At].second < Source; ++At)
 		{
-			if (const uint32 Edge = FindEdge(Out.Hidden[At]);
-				Edge < Known.End && BaseTables.ReferencerSources[Edge] == Out.Hidden[At])
-			{
-				CopyUpTo(Edge);
-				++Next;
-			}
+			CopyUpTo(FindEdge(Dropped[At].second));
+			++Next;
 		}
 	};
 	const FRowRange Added = OfPart == NoId ? FRowRange() : FRegistryTables::RangeOf(Tables.FirstReferencers, OfPart);

@@ -11,6 +11,16 @@ bool IsSearchableTextFile(FStringView Path);
  * the search itself does not hold whole files. Kept for callers. */
 bool TextContentMatches(const FString& Content, const FAssetSearchParams& Params, bool bExact, bool bCaseSensitive);
 
+/** The first line of a text file that holds the term. */
+struct FTextLine
+{
+	int32 Number = 0; // from 1 on; 0: no line of its beginning does
+	FString Text;	  // without blanks around it, shortened
+};
+
+/** Looks through the first megabyte of a file, by its path relative to the project. */
+FTextLine FindFirstTextLine(const FString& File, const FAssetSearchParams& Params);
+
 /**
  * From now on every change of the opened project's files is told through NoteTextFileChanges before the next search, but for what
  * lies in UntoldFolders ("Saved": names of folders directly below the project), which searches watch themselves, in this mode

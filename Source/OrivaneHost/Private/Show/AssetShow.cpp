@@ -247,8 +247,10 @@ bool FAssetShow::WantsRow(FStringView Name)
 
 void FAssetShow::ReadRows(const FJsonRef& Rows, FPropertyReader& Reader)
 {
+	if (!Rows.IsObject())
+		return;
 	Reader.SetWorstSeverity(EDiagnosticSeverity::Warning); // nothing of the program uses cells
-	Stored.NumRows = Rows.IsObject() ? Rows.Num() : 0;
+	Stored.NumRows = Rows.Num();
 	for (const FJsonRef Cells : Rows)
 	{
 		if (IsStopRequested())
@@ -317,6 +319,8 @@ void FAssetShow::ShowProperties()
 	int32 NumDefaults = 0;
 	for (const FProperty* Property : PropertiesOf(*Object->GetClass()))
 	{
+		if (IsStopRequested())
+			return;
 		const bool bDefault = IsDefaultValue(*Property, Object, Defaults);
 		const bool bStored = Stored.Keys.contains(Unicode::Fold(Property->GetFName().View()));
 		if (!bDefault || bStored || Page.Params.bIncludeDefaults)

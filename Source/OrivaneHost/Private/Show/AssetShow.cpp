@@ -109,30 +109,36 @@ bool FAssetShow::AreRowsThere(FString& OutError) const
 void FAssetShow::FindObject()
 {
 	AssetObject = Package ? Package->FindInside(AssetInnerPath) : nullptr;
-	if (!Page.Params.Object.IsEmpty())
-	{
-		const UObject* const Named = FindInside(Page.Params.Object);
-		InnerPath =
-			Named ? GetInnerPath(Named->GetPathName(), Package->GetFName()) : JoinInner(AssetInnerPath, Page.Params.Object);
-	}
-	Object = Package ? Package->FindInside(InnerPath) : nullptr;
+	Object = AssetObject;
+	if (Page.Params.Object.IsEmpty() && InnerPath == AssetInnerPath)
+		return;
+	Object = FindInside(Page.Params.Object.IsEmpty() ? InnerPath : Page.Params.Object);
+	if (Object)
+		InnerPath = GetInnerPath(Object->GetPathName(), Package->GetFName());
+	else if (!Page.Params.Object.IsEmpty())
+		InnerPath = JoinInner(AssetInnerPath, Page.Params.Object);
 }
 
-/** By its path, as a whole, from the package or from the asset on; by its name where it alone has that. */
-const UObject* FAssetShow::FindInside(const FString& Name) const
+/** By its path, as a whole, from the package or from the asset on; by its name where it alone has that. No name is made of what a
+ * caller gives. */
+const UObject* FAssetShow::FindInside(const FString& Text) const
 {
 	if (!Package)
 		return nullptr;
-	const FString Inner = Name.StartsWith(Asset.PackageName.ToString() + ".") ? GetInnerPath(Name, Asset.PackageName) : Name;
-	for (const FString& Path : {JoinInner(AssetInnerPath, Inner), Inner})
-	{
-		if (const UObject* const Found = Package->FindInside(Path))
-			return Found;
-	}
+	const FString Inner = Text.StartsWith(Asset.PackageName.ToString() + ".") ? GetInnerPath(Text, Asset.PackageName) : Text;
+	const FString BelowAsset = JoinInner(AssetInnerPath, Inner);
 	TArray<UObject*> All;
 	GetObjectsWithOuter(Package, All, true);
-	All.RemoveAll([&](const UObject* Each) { return !Unicode::EqualsFolded(Each->GetFName().View(), Inner); });
-	return All.Num() == 1 ? All[0] : nullptr;
+	TArray<const UObject*> Named;
+	for (const UObject* Each : All)
+	{
+		const FString Path = GetInnerPath(Each->GetPathName(), Package->GetFName());
+		if (Path == BelowAsset || Path == Inner)
+			return Each;
+		if (Unicode::EqualsFolded(Each->GetFName().View(), Inner))
+			Named.Add(Each);
+	}
+	return Named.Num() == 1 ? Named[0] : nullptr;
 }
 
 void FAssetShow::ShowHead()

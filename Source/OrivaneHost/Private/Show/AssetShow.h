@@ -42,7 +42,7 @@ private:
 
 	bool AreRowsThere(FString& OutError) const;
 	void FindObject();
-	const UObject* FindInside(const FString& Name) const;
+	const UObject* FindInside(const FString& Text) const;
 	void ShowHead();
 	void ShowTags();
 	void ShowBlueprintParents();

@@ -101,6 +101,7 @@ public:
 	}
 	void ParseBody(std::string&) override {}
 	TUniquePtr<IPackageBody> OpenBody(const FString&, UPackage&, FDiagnosticSink*) override { return nullptr; }
+	bool VisitObjects(const FString&, UPackage*, FDiagnosticSink*, const FStoredObjectVisit&) override { return false; }
 
 private:
 	const uint32 NumEntries;

@@ -48,6 +48,8 @@ TEST_F(SampleAnswers, OfTools)
 		{"explore_asset_graph", R"({"asset_path":"/Game/Maps/L_Harbour","depth":2,"max_nodes":9})",
 			"Sample/explore_asset_graph_capped.json"},
 		{"asset_path_search", R"({"term":"BP_","detail_mode":"both"})", "Sample/asset_path_search.json"},
+		{"show_asset", R"({"asset_path":"BT_Guard"})", "Sample/show_asset_tree.json"},
+		{"show_asset", R"({"asset_path":"DT_Weapons","max_rows":3,"max_bytes":2048})", "Sample/show_asset_capped.json"},
 	};
 	for (const auto& [Tool, Arguments, File] : Calls)
 		Call(Tool, Arguments,

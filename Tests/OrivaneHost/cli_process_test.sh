@@ -130,6 +130,17 @@ expect "paths as JSON" 0 '^\{"summary":\{"total_hits":[0-9]+,' "$orivane" paths 
 expect "paths without a term" 1 "Missing required field 'term'" "$orivane" paths '' -p "$project"
 expect "the host's own tool" 0 '"data":\{"asset_path_search":' "$orivane" call asset_path_search '{"term":"BT_"}' -p "$project"
 
+expect "the damage of a weapon" 0 '^  Damage +40 +int$' "$orivane" show DA_Weapon_FlarePistol -p "$project"
+expect "the key of an action" 0 '^ +\{"Action":"/Game/Input/IA_Sprint.IA_Sprint","Key":"LeftShift"' "$orivane" show IMC_Default -p "$project"
+expect "the rows of a table" 0 '^  BoatHook +Boat hook +26 ' "$orivane" show /Game/Data/Tables/DT_Weapons -p "$project"
+expect "the parent of a Blueprint" 0 '^  parent +/Game/Characters/BP_EnemyBase.BP_EnemyBase_C < LanternCharacterBase < ' "$orivane" show BP_DockGuard -p "$project"
+expect "a value that is stored and the default" 0 '^  MaxHealth +60 +float +default$' "$orivane" show DA_Enemy_DockGuard -p "$project"
+expect "a file of the current folder" 0 '^  RootNode: Root  BTComposite_Selector' env -C "$project/Content/AI" "$orivane" show BT_Guard.vasset --section tree
+expect "one row as JSON" 0 '"num_rows":7,"rows":\[\{"name":"OilFlask",[^]]*\]\}\}\]\}$' "$orivane" show DT_Weapons --section rows --row oilflask --json -p "$project"
+expect "what was cut, and what shows it" 0 '^5 more rows; raise --rows \(2\)$' "$orivane" show DT_Weapons --rows 2 -p "$project"
+expect "a section that there is not" 2 "no section 'row'; sections: tags, properties, rows" "$orivane" show DT_Weapons --section row -p "$project"
+expect "no such asset, with a suggestion" 1 'did you mean /Game/Characters/BP_DockGuard' "$orivane" show /Game/Old/bp_dockguard -p "$project"
+
 expect "a console command writes its file" 0 'Saved/Quellar/datatable_search\.json' "$orivane" console -c 'Orivane.DataTableSearch term=Health' -p "$project"
 grep -q '"asset_path": "/Game/Data/Tables/DT_Enemies.DT_Enemies"' "$project/Saved/Quellar/datatable_search.json" ||
 	{ echo "FAILED: the file of a console command"; failures=$((failures + 1)); }

@@ -359,7 +359,7 @@ class Run:
     def random_call(self):
         term = self.rng.choice(WORDS)
         packages = self.project.files(".vasset")
-        tool = self.rng.choice(["asset_search", "asset_search", "explore_asset_graph", "asset_path_search", "project_report"])
+        tool = self.rng.choice(["asset_search", "asset_search", "explore_asset_graph", "asset_path_search", "project_report", "show_asset"])
         if tool == "asset_search":
             families = self.rng.sample(FAMILIES, self.rng.randint(1, 4)) if self.rng.random() < 0.6 else []
             return tool, {"term": term, "max_total_hits": self.rng.choice([5, 1000])} | ({"include_asset_families": families} if families else {})
@@ -370,6 +370,8 @@ class Run:
         if tool == "project_report":
             report = self.rng.choice(["broken", "unused", "cycles", "impact", "path"])
             return tool, {"report": report, "asset_path": asset, "target_path": "/Game/Data/DA_GameConfig", "max_results": self.rng.choice([5, 1000])}
+        if tool == "show_asset":
+            return tool, {"asset_path": asset}
         return tool, {"asset_path": asset, "relation": self.rng.choice(["dependencies", "referencers", "both"]), "depth": 3}
 
     def fresh(self, tool, arguments):

@@ -40,6 +40,7 @@ public:
 	}
 	void ParseBody(std::string&) override {}
 	TUniquePtr<IPackageBody> OpenBody(const FString&, UPackage&, FDiagnosticSink*) override { return nullptr; }
+	bool VisitObjects(const FString&, UPackage*, FDiagnosticSink*, const FStoredObjectVisit&) override { return false; }
 
 private:
 	static void Report(std::string_view Line, const FString& FileName, FDiagnosticSink* Diagnostics)

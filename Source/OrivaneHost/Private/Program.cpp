@@ -18,6 +18,7 @@ struct FRunCommand
 	int operator()(const FGraphArguments& Arguments) const { return RunGraph(Arguments); }
 	int operator()(const FPathsArguments& Arguments) const { return RunPaths(Arguments); }
 	int operator()(const FReportArguments& Arguments) const { return RunReport(Arguments); }
+	int operator()(const FShowArguments& Arguments) const { return RunShow(Arguments); }
 	int operator()(const FConsoleArguments& Arguments) const { return RunConsole(Arguments); }
 	int operator()(const FInfoArguments& Arguments) const { return RunInfo(Arguments); }
 	int operator()(const FCheckArguments& Arguments) const { return RunCheck(Arguments); }

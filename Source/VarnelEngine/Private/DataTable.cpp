@@ -2,39 +2,16 @@
 
 #include "CoreObject/Reflection/NativeClass.h"
 #include "CoreObject/Reflection/PropertyReader.h"
+#include "CoreObject/Reflection/StructValue.h"
 
 namespace
 {
 constexpr FStringView RowsKey = "Rows";
 
-/** Storage for one row at a time. */
-class FRowValue
-{
-public:
-	explicit FRowValue(const UScriptStruct& InStruct)
-		: Struct(InStruct)
-		, Value(::operator new(static_cast<std::size_t>(InStruct.GetPropertiesSize())))
-	{
-		Struct.InitializeStruct(Value);
-	}
-	~FRowValue()
-	{
-		Struct.DestroyStruct(Value);
-		::operator delete(Value);
-	}
-	FRowValue(const FRowValue&) = delete;
-	FRowValue& operator=(const FRowValue&) = delete;
-	void* Get() const { return Value; }
-
-private:
-	const UScriptStruct& Struct;
-	void* Value;
-};
-
 /** Cells are never used, so the faults in them are warnings. */
 void CheckCells(const FJsonRef& Rows, const UScriptStruct& RowStruct, FPropertyReader& Reader)
 {
-	const FRowValue Row(RowStruct);
+	const FStructValue Row(RowStruct);
 	const EDiagnosticSeverity Before = Reader.SetWorstSeverity(EDiagnosticSeverity::Warning);
 	for (const FJsonRef Cells : Rows)
 		Reader.ReadProperties(RowStruct, Row.Get(), Cells, nullptr);

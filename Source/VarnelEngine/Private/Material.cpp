@@ -149,6 +149,14 @@ bool UMaterialInterface::GetVectorParameterValue(const FMaterialParameterInfo& P
 	return Value.has_value();
 }
 
+bool UMaterialInterface::GetTextureParameterValue(const FMaterialParameterInfo& Parameter, FObjectPtr& Out) const
+{
+	const TOptional<FObjectPtr> Value =
+		FindValue(Parameter, &UMaterialInterface::TextureParameters, &UMaterialInterface::GetTextureParameterLine);
+	Out = Value.value_or(Out);
+	return Value.has_value();
+}
+
 bool UMaterialInterface::ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader)
 {
 	static const FFloatProperty Scalar{FName(ValueKey)};

@@ -2,11 +2,7 @@
 
 #include "Terminal/Terminal.h"
 
-// What the commands about named assets share.
-
-/** On standard error, after an asset that does not exist: packages of the assets that have the name of the one that was asked
- * for. */
-void PrintSuggestions(const FString& AskedFor);
+// What commands that print or draw share.
 
 /** Colours are for terminals, not for files. */
 bool UsesColor(EColor Color, const FString& OutputFile);

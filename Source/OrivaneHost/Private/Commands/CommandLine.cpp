@@ -2,6 +2,7 @@
 
 #include "Core/Files/File.h"
 #include "Reports/ProjectReportOperation.h"
+#include "Show/ShowAssetTool.h"
 #include "Terminal/ExitCode.h"
 #include "Terminal/NearestWord.h"
 #include "Terminal/Version.h"
@@ -28,6 +29,7 @@ constexpr const char* ProgramExamples = R"(Examples:
   orivane graph /Game/UI/WBP_HUD --relation both
   orivane paths Menu
   orivane report broken
+  orivane show DT_Weapons
   orivane call asset_search '{"term":"Health"}' --project MyGame
   orivane check --project MyGame
   orivane mcp --project MyGame
@@ -76,6 +78,18 @@ Examples:
 --format draws cycles, impact and path; a tree is of impact and path. Totals go to standard error.
 Exit codes: 0 clean (broken, unused, cycles) or found (impact, path); 1 something is broken, unused or a cycle, nothing refers to the
             asset, or no way leads to the target.)";
+
+constexpr const char* ShowExamples =
+	R"(ASSET is a long package name, an object path, the file of a package, or a name that one asset alone has.
+Examples:
+  orivane show DA_Weapon_FlarePistol
+  orivane show /Game/Data/Tables/DT_Weapons --section rows --row FlarePistol
+  orivane show Content/AI/BT_Guard.vasset --section tree
+  orivane show BT_Guard --object Chase
+  orivane show BP_DockGuard --defaults
+  orivane show IMC_Default --json | jq -c '.properties[] | select(.name == "Mappings").value[]'
+
+Sections: tags, properties, rows, entries, fields, keys, parameters, variables, index, tree, objects, references.)";
 
 constexpr const char* ConsoleExamples =
 	R"(Without -c and with a terminal it asks for commands; "help" lists them. Without a terminal it reads them from standard input, one a line.
@@ -399,6 +413,16 @@ void AddReport(CLI::App& Program, FReportArguments& Out)
 	AddProjectOptions(*Command, Out.Project);
 }
 
+void AddShow(CLI::App& Program, FShowArguments& Out)
+{
+	CLI::App* Command = AddCommand(Program, "show", "Show what is in an asset: values, rows, nodes, references", ShowExamples);
+	AddToolArguments(*Command, ToolNames::ShowAsset, Out.Tool);
+	Command->add_flag("--json", Out.bJson, "Print the tool's payload");
+	AddColor(*Command, Out.Color);
+	AddSeconds(*Command, "--time-limit", Out.TimeLimit, "Give up after this time");
+	AddProjectOptions(*Command, Out.Project);
+}
+
 void AddConsole(CLI::App& Program, FConsoleArguments& Out)
 {
 	CLI::App* Command =
@@ -520,6 +544,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	FGraphArguments Graph;
 	FPathsArguments Paths;
 	FReportArguments Report;
+	FShowArguments Show;
 	FConsoleArguments Console;
 	FInfoArguments Info;
 	FCheckArguments Check;
@@ -533,6 +558,7 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 	AddGraph(Program, Graph);
 	AddPaths(Program, Paths);
 	AddReport(Program, Report);
+	AddShow(Program, Show);
 	AddCall(Program, Call);
 	AddConsole(Program, Console);
 	AddMcp(Program, Mcp);
@@ -575,6 +601,8 @@ TOptional<FCommand> ParseCommandLine(int NumArguments, const char* const* Argume
 		return Paths;
 	if (Program.got_subcommand("report"))
 		return Report;
+	if (Program.got_subcommand("show"))
+		return Show;
 	if (Program.got_subcommand("console"))
 		return Console;
 	if (Program.got_subcommand("info"))

@@ -72,6 +72,15 @@ struct FReportArguments
 	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
 };
 
+struct FShowArguments
+{
+	FProjectOptions Project;
+	TSharedPtr<FJsonObject> Tool = MakeShared<FJsonObject>();
+	bool bJson = false;
+	EColor Color = EColor::Auto;
+	std::chrono::milliseconds TimeLimit = std::chrono::seconds(30);
+};
+
 struct FConsoleArguments
 {
 	FProjectOptions Project;
@@ -111,8 +120,8 @@ struct FMcpArguments
 	bool bPathSearch = true;
 };
 
-using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FPathsArguments, FReportArguments,
-	FConsoleArguments, FInfoArguments, FCheckArguments, FMcpArguments>;
+using FCommand = std::variant<FCallArguments, FSearchArguments, FGraphArguments, FPathsArguments, FShowArguments,
+	FReportArguments, FConsoleArguments, FInfoArguments, FCheckArguments, FMcpArguments>;
 
 /**
  * Parses the program's arguments. Empty where there is nothing to run: OutExitCode is then the program's, and help or an error

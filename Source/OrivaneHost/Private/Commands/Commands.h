@@ -12,6 +12,7 @@ int RunSearch(const FSearchArguments& Arguments);
 int RunGraph(const FGraphArguments& Arguments);
 int RunPaths(const FPathsArguments& Arguments);
 int RunReport(const FReportArguments& Arguments);
+int RunShow(const FShowArguments& Arguments);
 int RunConsole(const FConsoleArguments& Arguments);
 int RunInfo(const FInfoArguments& Arguments);
 int RunCheck(const FCheckArguments& Arguments);

@@ -1,6 +1,7 @@
 #include "Mcp/McpTools.h"
 
 #include "Quellar/Tools/ToolArguments.h"
+#include "Show/ShowAssetTool.h"
 
 namespace
 {
@@ -21,6 +22,7 @@ constexpr FToolAdvice Advice[] = {
 		"explore_asset_graph takes the path of an asset (\"asset\" in what asset_search answers) and lists what it depends on "
 		"and what "
 		"refers to it."},
+	{ToolNames::ShowAsset, "show_asset tells what is in one asset: its values, rows, nodes."},
 };
 
 TSharedPtr<FJsonObject> MakeAnnotations()

@@ -4,6 +4,7 @@
 #include "Quellar/Tools/AssetPathSearchOperation.h"
 #include "Quellar/Tools/ToolEntry.h"
 #include "Reports/ProjectReportOperation.h"
+#include "Show/ShowAssetTool.h"
 
 namespace
 {
@@ -93,11 +94,21 @@ FHostTool MakeProjectReportTool()
 		.PayloadSchema = ProjectReportPayload,
 		.Execute = FProjectReportOperation::Execute};
 }
+
+FHostTool MakeShowTool()
+{
+	return {.Declaration = ShowAssetTool::GetDeclaration(),
+		.Title = "Show what is in an asset",
+		.Description = ShowAssetTool::Description,
+		.PayloadKey = ToolNames::ShowAsset,
+		.PayloadSchema = ShowAssetTool::PayloadSchema,
+		.Execute = ShowAssetTool::Execute};
+}
 }
 
 const TArray<FHostTool>& GetHostTools()
 {
-	static const TArray<FHostTool> Tools = {MakePathSearchTool(), MakeProjectReportTool()};
+	static const TArray<FHostTool> Tools = {MakePathSearchTool(), MakeShowTool(), MakeProjectReportTool()};
 	return Tools;
 }
 

@@ -1,10 +1,24 @@
 #include "Tools/ToolOutput.h"
 
+#include "Core/Files/File.h"
+#include "Project/NamedAsset.h"
 #include "Tools/HostTools.h"
 #include "Tools/ToolCaller.h"
 #include "Tools/ToolRemarks.h"
 
 #include <algorithm>
+
+namespace
+{
+constexpr int32 MaxSuggestions = 5;
+
+/** "hero", "Hero.vasset" and "/Game/Old/Hero.Hero" all name assets called Hero. */
+FStringView GetAssetName(const FString& Path)
+{
+	const FStringView FileName = FPaths::GetCleanFilename(Path);
+	return FileName.substr(0, FileName.find('.'));
+}
+}
 
 FString ToolOutput::GetPrintable(const FJsonObject& Object, const char* Key)
 {
@@ -47,4 +61,18 @@ FString ToolOutput::DescribeRemarks(const char* ToolName, const Orivane::FToolRe
 	for (const Orivane::FToolRemark& Remark : Result.GetRemarks())
 		Lines += Terminal::Sanitize(DescribeRemarkForShell(Remark, *FindTool(ToolName))) + "\n";
 	return Lines;
+}
+
+void ToolOutput::PrintSuggestions(const FString& AskedFor)
+{
+	const TArray<FAssetData> Named = FindAssetsByName(GetAssetName(AskedFor), MaxSuggestions, EHiddenAssets::Skip);
+	for (const FAssetData& Asset : Named)
+		Terminal::PrintError(FString("  did you mean ") + Terminal::Sanitize(Asset.PackageName.ToString()) + "?\n");
+	const TArray<FAssetData> Hidden =
+		Named.IsEmpty() ? FindAssetsByName(GetAssetName(AskedFor), MaxSuggestions, EHiddenAssets::Include) : TArray<FAssetData>();
+	for (const FAssetData& Asset : Hidden)
+		Terminal::PrintError(
+			"  " + Terminal::Sanitize(Asset.PackageName.ToString()) + " is hidden from queries, by its file's own word\n");
+	if (Named.IsEmpty() && Hidden.IsEmpty())
+		Terminal::PrintError("  an asset is named by its package, such as /Game/UI/W_Menu; find it with: orivane paths NAME\n");
 }

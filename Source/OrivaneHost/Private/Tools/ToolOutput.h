@@ -43,4 +43,7 @@ FString Pad(const FString& Text, int32 Width);
 void PrintProblems(const char* Command, const Orivane::FToolResult& Result);
 /** What the answer leaves out, a line each; "" when nothing. */
 FString DescribeRemarks(const char* ToolName, const Orivane::FToolResult& Result);
+/** After an asset that does not exist, on standard error: packages of the assets that have the name of the one that was asked
+ * for, or how to find one. Game thread. */
+void PrintSuggestions(const FString& AskedFor);
 }

@@ -109,3 +109,17 @@ void FLoadedPackages::UnloadAll()
 	NumBytes = 0;
 	DestroyObjects(Packages);
 }
+
+void FLoadedPackages::UnloadSince(std::size_t NumBefore)
+{
+	TArray<UObject*> Gone;
+	for (std::size_t Place = NumBefore; Place < Entries.size(); ++Place)
+	{
+		if (UPackage* const Package = FindQuietly(Entries[Place].Name))
+			Gone.Add(Package);
+	}
+	if (Gone.IsEmpty())
+		return;
+	DestroyObjects(Gone);
+	ForgetUnloaded();
+}

@@ -23,6 +23,10 @@ public:
 	int32 Drop(const std::function<bool(FName PackageName)>& HasChanged);
 	/** Pins stay. */
 	void UnloadAll();
+	/** Grows with every package that is loaded, until packages are dropped or evicted. */
+	std::size_t NumEntries() const { return Entries.size(); }
+	/** Unloads what was loaded since there were so many entries. Pins stay. */
+	void UnloadSince(std::size_t NumBefore);
 
 private:
 	struct FEntry

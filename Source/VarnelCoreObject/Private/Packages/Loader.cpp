@@ -3,6 +3,7 @@
 #include "Core/Base/Map.h"
 #include "Core/Text/Unicode.h"
 #include "Core/Threads/Tasks.h"
+#include "CoreObject/Packages/StoredObjects.h"
 #include "Objects/ObjectLoading.h"
 #include "Packages/LoadedPackages.h"
 #include "Packages/ParseAhead.h"
@@ -56,6 +57,9 @@ public:
 	int32 Evict();
 	/** While no package is being loaded. */
 	int32 Drop(const std::function<bool(FName PackageName)>& HasChanged);
+	/** While no package is being loaded. */
+	void UnloadSince(std::size_t NumBefore);
+	bool VisitStored(FName PackageName, FDiagnosticSink* Sink, const FStoredObjectVisit& Visit);
 	FLoadedPackages& GetLoaded() { return Loaded; }
 	TUniquePtr<FParseAhead> MakeAhead(std::function<FName()> Next);
 	/** Gives what was in use before. */
@@ -321,6 +325,26 @@ int32 FLoader::Drop(const std::function<bool(FName PackageName)>& HasChanged)
 	return Loaded.Drop(HasChanged);
 }
 
+void FLoader::UnloadSince(std::size_t NumBefore)
+{
+	checkf(Running.empty(), "packages are unloaded while one of them is being loaded");
+	Loaded.UnloadSince(NumBefore);
+}
+
+bool FLoader::VisitStored(FName PackageName, FDiagnosticSink* Sink, const FStoredObjectVisit& Visit)
+{
+	TOptional<FPackageFile> File = Locator ? Locator(PackageName) : TOptional<FPackageFile>();
+	if (!File)
+	{
+		if (Sink)
+			Sink->Add({PackageName.ToString(), 0, 0, EDiagnosticSeverity::Error, "the package has no file", "no-such-package"});
+		return false;
+	}
+	FPackageText Text(std::move(*File));
+	Text.Parse();
+	return Text.VisitObjects(FindPackage(PackageName), Sink, Visit);
+}
+
 void FLoader::NoteReference(FName PackageName)
 {
 	if (!Current)
@@ -414,6 +438,21 @@ int32 DropLoadedPackages(const std::function<bool(FName PackageName)>& HasChange
 {
 	checkGameThread();
 	return FLoader::Get().Drop(HasChanged);
+}
+
+bool VisitStoredObjects(FName PackageName, FDiagnosticSink* Diagnostics, const FStoredObjectVisit& Visit)
+{
+	checkGameThread();
+	return FLoader::Get().VisitStored(PackageName, Diagnostics, Visit);
+}
+
+FTemporaryLoads::FTemporaryLoads() : NumBefore(FLoader::Get().GetLoaded().NumEntries())
+{
+}
+
+FTemporaryLoads::~FTemporaryLoads()
+{
+	FLoader::Get().UnloadSince(NumBefore);
 }
 
 void PinPackage(FName PackageName)

@@ -50,14 +50,24 @@ void FPackageText::Parse()
 		Reader->ParseBody(Bytes);
 }
 
-TUniquePtr<IPackageBody> FPackageText::OpenBody(UPackage& Package, FDiagnosticSink* Diagnostics)
+bool FPackageText::IsRead(FDiagnosticSink* Diagnostics)
 {
 	if (bWaits)
 		Parse();
 	if (Outcome == EFileRead::Ok)
-		return Reader->OpenBody(File.FileName, Package, Diagnostics);
+		return true;
 	const FReadFault Fault = Describe(Outcome, File.Source->GetMaxFileBytes());
 	if (Diagnostics)
 		Diagnostics->Add({File.FileName, 0, 0, EDiagnosticSeverity::Error, Fault.Text, Fault.Rule});
-	return nullptr;
+	return false;
+}
+
+TUniquePtr<IPackageBody> FPackageText::OpenBody(UPackage& Package, FDiagnosticSink* Diagnostics)
+{
+	return IsRead(Diagnostics) ? Reader->OpenBody(File.FileName, Package, Diagnostics) : nullptr;
+}
+
+bool FPackageText::VisitObjects(UPackage* Package, FDiagnosticSink* Diagnostics, const FStoredObjectVisit& Visit)
+{
+	return IsRead(Diagnostics) && Reader->VisitObjects(File.FileName, Package, Diagnostics, Visit);
 }

@@ -21,8 +21,13 @@ public:
 	/** Once parsed, or to be parsed now: as IPackageReader::OpenBody does. The body goes before another file is set. Game thread.
 	 */
 	TUniquePtr<IPackageBody> OpenBody(UPackage& Package, FDiagnosticSink* Diagnostics);
+	/** Likewise, as IPackageReader::VisitObjects does. Game thread. */
+	bool VisitObjects(UPackage* Package, FDiagnosticSink* Diagnostics, const FStoredObjectVisit& Visit);
 
 private:
+	/** Parses what waits; false and a diagnostic where the file could not be read. */
+	bool IsRead(FDiagnosticSink* Diagnostics);
+
 	FPackageFile File;
 	TUniquePtr<IPackageReader> Reader;
 	std::string Bytes;

@@ -2,6 +2,7 @@
 
 #include "Core/Text/Unicode.h"
 #include "CoreObject/Packages/Loader.h"
+#include "CoreObject/Packages/StoredObjects.h"
 #include "CoreObject/Reflection/Class.h"
 #include "CoreObject/Reflection/PropertyReader.h"
 #include "Objects/ObjectLoading.h"
@@ -319,4 +320,23 @@ TUniquePtr<IPackageBody> OpenVassetBody(
 {
 	auto Body = MakeUnique<FVassetBody>(Document, FileName, Package, Diagnostics);
 	return Body->Open() ? std::move(Body) : nullptr;
+}
+
+bool VisitVassetObjects(const FJsonDocument& Document, const FString& FileName, UPackage* Package, FDiagnosticSink* Diagnostics,
+	const FStoredObjectVisit& Visit)
+{
+	FJsonFaults Faults(Document, FileName, Diagnostics);
+	const FJsonRef Objects = Document.Root().Find(VassetKeys::Objects);
+	if (Objects && !Faults.IsArray(Objects))
+		return false;
+	FPropertyReader Reader(Package, Document, FileName, Diagnostics);
+	for (const FJsonRef Json : Objects)
+	{
+		const auto [Path, Class, Properties] =
+			std::array{Json.Find(ObjectKeys[0]), Json.Find(ObjectKeys[1]), Json.Find(ObjectKeys[2])};
+		const FJsonRef Stored = Properties.IsObject() ? Properties : FJsonRef();
+		if (Path.IsString() && !Visit({Path.Text(), Class.Text(), Class ? Class : Json, Stored}, Reader))
+			break;
+	}
+	return true;
 }

@@ -10,3 +10,6 @@
  */
 TUniquePtr<IPackageBody> OpenVassetBody(
 	const FJsonDocument& Document, const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics);
+/** Visits the elements of the whole file's list of objects, as IPackageReader::VisitObjects does; faulty ones are passed over. */
+bool VisitVassetObjects(const FJsonDocument& Document, const FString& FileName, UPackage* Package, FDiagnosticSink* Diagnostics,
+	const FStoredObjectVisit& Visit);

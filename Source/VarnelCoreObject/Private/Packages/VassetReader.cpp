@@ -20,8 +20,12 @@ public:
 	void ParseBody(std::string& Bytes) override { bBodyParsed = Parse(Bytes, WholeFile); }
 	std::size_t GetMemory() const override { return Document.GetMemory(); }
 	TUniquePtr<IPackageBody> OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) override;
+	bool VisitObjects(
+		const FString& FileName, UPackage* Package, FDiagnosticSink* Diagnostics, const FStoredObjectVisit& Visit) override;
 
 private:
+	/** What ParseBody left is a package; tells its faults. */
+	bool HasBody(FJsonFaults& Faults) const;
 	bool Parse(std::string& Bytes, const FJsonReadOptions& Options);
 	bool ParseHeader(std::string& Bytes, FJsonFaults& Faults);
 	bool HasRoot(FJsonFaults& Faults) const;
@@ -41,16 +45,28 @@ bool FVassetReader::ReadHeader(std::string& Bytes, const FString& FileName, FPac
 	return true;
 }
 
-TUniquePtr<IPackageBody> FVassetReader::OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
+bool FVassetReader::HasBody(FJsonFaults& Faults) const
 {
-	FJsonFaults Faults(Document, FileName, Diagnostics);
 	if (!bBodyParsed)
 	{
 		Faults.ReportSyntax();
-		return nullptr;
+		return false;
 	}
 	Faults.ReportRepair();
-	return HasRoot(Faults) ? OpenVassetBody(Document, FileName, Package, Diagnostics) : nullptr;
+	return HasRoot(Faults);
+}
+
+TUniquePtr<IPackageBody> FVassetReader::OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics)
+{
+	FJsonFaults Faults(Document, FileName, Diagnostics);
+	return HasBody(Faults) ? OpenVassetBody(Document, FileName, Package, Diagnostics) : nullptr;
+}
+
+bool FVassetReader::VisitObjects(
+	const FString& FileName, UPackage* Package, FDiagnosticSink* Diagnostics, const FStoredObjectVisit& Visit)
+{
+	FJsonFaults Faults(Document, FileName, Diagnostics);
+	return HasBody(Faults) && VisitVassetObjects(Document, FileName, Package, Diagnostics, Visit);
 }
 
 bool FVassetReader::Parse(std::string& Bytes, const FJsonReadOptions& Options)

@@ -70,6 +70,7 @@ public:
 	/** The value from the nearest material that states the parameter. False where none does, or where that one has no value. */
 	bool GetScalarParameterValue(const FMaterialParameterInfo& Parameter, float& Out) const;
 	bool GetVectorParameterValue(const FMaterialParameterInfo& Parameter, FLinearColor& Out) const;
+	bool GetTextureParameterValue(const FMaterialParameterInfo& Parameter, FObjectPtr& Out) const;
 
 	bool ReadCustomProperty(FStringView Key, const FJsonRef& Value, FPropertyReader& Reader) override;
 

@@ -3,12 +3,15 @@
 #include "Core/Base/Containers.h"
 #include "Core/Program/Diagnostics.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+class FPropertyReader;
 class UPackage;
 class UStruct;
+struct FStoredObject;
 
 /** Bits of a package dependency. */
 namespace EDependencyFlags
@@ -79,6 +82,9 @@ public:
 	virtual void FillObjects() = 0;
 };
 
+/** False ends the visits. */
+using FStoredObjectVisit = std::function<bool(const FStoredObject& Object, FPropertyReader& Reader)>;
+
 /** Reads packages of one format; holds the buffers it needs. One thread at a time; make one for each thread. */
 class IPackageReader
 {
@@ -102,6 +108,9 @@ public:
 	 * body is malformed: the package then holds no object. Loads nothing. Game thread.
 	 */
 	virtual TUniquePtr<IPackageBody> OpenBody(const FString& FileName, UPackage& Package, FDiagnosticSink* Diagnostics) = 0;
+	/** After ParseBody, instead of OpenBody: see VisitStoredObjects. Package may be null. Game thread. */
+	virtual bool VisitObjects(
+		const FString& FileName, UPackage* Package, FDiagnosticSink* Diagnostics, const FStoredObjectVisit& Visit) = 0;
 };
 
 /** Parsed, a file may take many times its size: larger files than this are not parsed ahead, nor many of them at a time. */

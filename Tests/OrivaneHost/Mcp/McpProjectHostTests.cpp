@@ -6,6 +6,7 @@
 #include "OrivaneToolkit/OrivaneToolkitModule.h"
 #include "Project/HeadlessEngine.h"
 #include "Support/Cases.h"
+#include "Tools/HostTools.h"
 #include "Tools/TimeOutAdvice.h"
 
 #include <gtest/gtest.h>
@@ -52,6 +53,7 @@ class McpProjectHost : public testing::Test
 protected:
 	McpProjectHost()
 	{
+		RegisterHostTools();
 		FOrivaneToolkitModule::GetToolExecutor()->RegisterTool("fake", MakeShared<FFakeTool>());
 		Host = MakeShared<FMcpProjectHost>(FOrivaneToolkitModule::GetToolExecutor(), std::chrono::seconds(30));
 	}
@@ -227,7 +229,7 @@ TEST_F(McpProjectHost, ListsToolsThatClientsAccept)
 {
 	const TArray<FMcpTool> Tools = Host->GetTools();
 	const FAny List = FAny::parse(Json::Write(FJsonValue(McpTools::MakeList(Tools))).View());
-	ASSERT_GE(List.size(), 2U);
+	ASSERT_EQ(List.size(), 6U);
 	EXPECT_EQ(List[0]["name"], "asset_search");
 	EXPECT_EQ(List.back()["name"], "fake") << "a tool without a schema of its own comes last";
 	for (const FAny& Tool : List)

@@ -89,7 +89,16 @@ const char* const ShowAssetTool::Description = "Show what is in an asset: values
 											   "parameters, variables, the tree of its nodes "
 											   "or widgets, references.";
 
-const char* const ShowAssetTool::PayloadSchema = R"({"type": "object"})";
+const char* const ShowAssetTool::PayloadSchema =
+	R"({"type": "object", "description": "Only the sections that the asset has.",
+		"properties": {
+			"asset": {"type": "string", "description": "Object path."},
+			"class": {"type": "string", "description": "Class path."},
+			"properties": {"type": "array", "description": "name, type, value; default: as its class has it.", "items": {"type": "object"}},
+			"rows": {"type": "array", "description": "name and cells; num_rows counts all.", "items": {"type": "object"}},
+			"tree": {"type": "array", "description": "object, class, as (the property that leads to it), values, children.",
+				"items": {"type": "object"}},
+			"references": {"type": "object", "description": "Counts, and the first of each direction."}}})";
 
 void ShowAssetTool::Execute(const FJsonObject& Args, Orivane::FToolResult& Result)
 {

@@ -32,6 +32,12 @@ const std::vector<FNode>& GetRoots()
 	return Roots;
 }
 
+/** A root, where the project has one. */
+FNode GetStart()
+{
+	return GetRoots().empty() ? 0 : GetRoots().front();
+}
+
 /** With a file, and the most referencers. */
 FNode GetHub()
 {
@@ -110,13 +116,13 @@ void Ways(benchmark::State& State)
 
 void WaysToHub(benchmark::State& State)
 {
-	Run(State, [] { return ProjectReports::FindWays(GetGraph(), GetRoots().front(), GetHub(), MaxRows); });
+	Run(State, [] { return ProjectReports::FindWays(GetGraph(), GetStart(), GetHub(), MaxRows); });
 }
 
 void Tool(benchmark::State& State, const char* Report)
 {
 	const FString Hub(GetGraph().GetPackageName(GetHub()));
-	const FString Root(GetGraph().GetPackageName(GetRoots().front()));
+	const FString Root(GetGraph().GetPackageName(GetStart()));
 	for (auto _ : State)
 	{
 		FJsonObject Args;
@@ -147,7 +153,7 @@ int main(int NumArguments, char** Arguments)
 {
 	benchmark::Initialize(&NumArguments, Arguments);
 	const FHeadlessEngine Engine;
-	if (!OpenBenchmarkProject() || GetRoots().empty())
+	if (!OpenBenchmarkProject())
 		return 1;
 	benchmark::RunSpecifiedBenchmarks();
 	return 0;

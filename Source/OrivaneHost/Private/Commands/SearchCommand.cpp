@@ -42,13 +42,14 @@ bool IsEndless(const FJsonObject& ToolArguments)
 
 FSearchView MakeView(const Orivane::FToolResult& Result, const FSearchArguments& Arguments)
 {
-	FSearchView View{
-		.Width = Terminal::GetWidth(), .TextPlaces = Result.GetPlaces(), .Paint = FPainter(Terminal::UsesColor(Arguments.Color))};
-	Arguments.Tool->TryGetStringField("term", View.Term);
-	bool bCaseSensitive = false;
-	Arguments.Tool->TryGetBoolField("case_sensitive", bCaseSensitive);
-	View.Case = bCaseSensitive ? ESearchCase::CaseSensitive : ESearchCase::IgnoreCase;
-	return View;
+	FAssetSearchParams Params;
+	Arguments.Tool->TryGetStringField("term", Params.Term);
+	Arguments.Tool->TryGetBoolField("case_sensitive", Params.bCaseSensitive);
+	return {.Term = Params.Term,
+		.Case = Params.bCaseSensitive ? ESearchCase::CaseSensitive : ESearchCase::IgnoreCase,
+		.Width = Terminal::GetWidth(),
+		.TextPlaces = FindLines(Result.GetPlaces(), Params),
+		.Paint = FPainter(Terminal::UsesColor(Arguments.Color))};
 }
 
 /** Names that other programs can open: of text files the whole path. */

@@ -58,7 +58,7 @@ FString RenderFirst(const FConsoleSearches::FReport& Report, int32 NumAssets)
 	return RenderSearchResults(First,
 			   {.Term = Report.Params.Term,
 				   .Width = Terminal::GetWidth(),
-				   .TextPlaces = FAssetSearchOperation::FindTextPlaces(Report.Params, First),
+				   .TextPlaces = FindLines(FAssetSearchOperation::ListTextFiles(First), Report.Params),
 				   .Paint = FPainter(Terminal::UsesColor(EColor::Auto))}) +
 		Rest;
 }

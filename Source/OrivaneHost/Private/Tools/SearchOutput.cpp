@@ -3,6 +3,7 @@
 #include "Core/Text/TextFinder.h"
 #include "Core/Text/Unicode.h"
 #include "CoreObject/Objects/PackageName.h"
+#include "Quellar/Families/TextSearch.h"
 #include "Terminal/Terminal.h"
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 
 namespace
 {
+constexpr int32 MaxLines = 200;	   // of text files, each of which is read once more
 constexpr int32 MaxNameWidth = 60; // of the column; longer names push what follows
 
 /** One line of a block, before it is painted. */
@@ -147,6 +149,17 @@ private:
 	const FTextFinder Finder;
 	TArray<FString> Printed; // files
 };
+}
+
+TArray<Orivane::FToolPlace> FindLines(TArray<Orivane::FToolPlace> Places, const FAssetSearchParams& Params)
+{
+	for (int32 Index = 0; Index < std::min(Places.Num(), MaxLines); ++Index)
+	{
+		FTextLine Line = FindFirstTextLine(Places[Index].File, Params);
+		Places[Index].Line = Line.Number;
+		Places[Index].Text = std::move(Line.Text);
+	}
+	return Places;
 }
 
 FAssetSearchResult ReadSearchPayload(const FJsonObject& Content)

@@ -17,6 +17,8 @@ struct FSearchView
 	FPainter Paint{false};
 };
 
+/** The places with the first line that holds the term, for as many as people read. Reads the files. */
+TArray<Orivane::FToolPlace> FindLines(TArray<Orivane::FToolPlace> Places, const FAssetSearchParams& Params);
 /** From the payload of asset_search. */
 FAssetSearchResult ReadSearchPayload(const FJsonObject& Content);
 /** Results of one asset that follow each other belong together: the families of Blueprints and widgets report each by itself. */

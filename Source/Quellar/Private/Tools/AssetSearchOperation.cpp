@@ -4,15 +4,12 @@
 #include "Core/Threads/Tasks.h"
 #include "CoreObject/Objects/PackageName.h"
 #include "OrivaneToolkit/AssetOperationBase.h"
-#include "Quellar/Families/TextSearch.h"
 #include "Quellar/Search/AssetSearchService.h"
 #include "Quellar/Tools/ArgumentTable.h"
 #include "Search/AssetSearchJson.h"
 
 namespace
 {
-constexpr int32 MaxTextLines = 100; // results whose first line is looked up
-
 /** The results whose asset still exists. */
 FAssetSearchResult KeepExisting(const FAssetSearchResult& Found)
 {
@@ -44,7 +41,7 @@ void WriteReport(const FAssetSearchParams& Params, const FAssetSearchResult& Fou
 		Result.AddWarningMessage(FString::Printf("Results truncated at max_total_hits=%d", Params.MaxTotalHits));
 	for (Orivane::FToolRemark& Remark : FAssetSearchOperation::MakeRemarks(Params, Found))
 		Result.AddRemark(std::move(Remark));
-	for (Orivane::FToolPlace& Place : FAssetSearchOperation::FindTextPlaces(Params, Kept))
+	for (Orivane::FToolPlace& Place : FAssetSearchOperation::ListTextFiles(Kept))
 		Result.AddPlace(std::move(Place));
 	Result.SetData("content", MakeAssetSearchJson(Kept));
 }
@@ -94,19 +91,13 @@ TArray<Orivane::FToolRemark> FAssetSearchOperation::MakeRemarks(const FAssetSear
 }
 
 /** The payload cuts a file's name at its first dot. */
-TArray<Orivane::FToolPlace> FAssetSearchOperation::FindTextPlaces(
-	const FAssetSearchParams& Params, const FAssetSearchResult& Found)
+TArray<Orivane::FToolPlace> FAssetSearchOperation::ListTextFiles(const FAssetSearchResult& Found)
 {
 	TArray<Orivane::FToolPlace> Places;
 	for (const FAssetResult& Asset : Found.Results)
 	{
-		if (Asset.AssetClass != "TextFile" || IsStopRequested())
-			continue;
-		FTextLine Line = Places.Num() < MaxTextLines ? FindFirstTextLine(Asset.AssetPath, Params) : FTextLine();
-		Places.Add({.Asset = FPackageName::ObjectPathToPackageName(Asset.AssetPath),
-			.File = Asset.AssetPath,
-			.Line = Line.Number,
-			.Text = std::move(Line.Text)});
+		if (Asset.AssetClass == "TextFile")
+			Places.Add({.Asset = FPackageName::ObjectPathToPackageName(Asset.AssetPath), .File = Asset.AssetPath, .Text = {}});
 	}
 	return Places;
 }

@@ -16,8 +16,8 @@ public:
 		const FJsonObject& Args, Orivane::FToolResult& Result, TDelegate<void(Orivane::FToolResult&)> OnComplete);
 	/** What such a search left out. */
 	static TArray<Orivane::FToolRemark> MakeRemarks(const FAssetSearchParams& Params, const FAssetSearchResult& Found);
-	/** Where the text files among the results hold the term; of the first ones with the line. */
-	static TArray<Orivane::FToolPlace> FindTextPlaces(const FAssetSearchParams& Params, const FAssetSearchResult& Found);
+	/** The text files among the results, in their order; without lines, see FindFirstTextLine. */
+	static TArray<Orivane::FToolPlace> ListTextFiles(const FAssetSearchResult& Found);
 	/** False where the arguments ask for text files alone. Any thread. */
 	static bool NeedsPackages(const FJsonObject& Args);
 };
